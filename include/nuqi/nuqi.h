@@ -1,0 +1,283 @@
+/* nuqi: computer-vision primitives over rectangular regions of images in the caller's memory.
+ *
+ * What all functions share
+ * ------------------------
+ * Image     A pointer to the first element of the region's top-left pixel and a step: the distance
+ *           in BYTES from the start of one row to the start of the next. The pixels of a row are
+ *           contiguous, the rows need not be. No pointer needs any alignment. A step is at least the
+ *           row's length in bytes; for elements of 2 or 4 bytes it is a multiple of their size.
+ * ROI       The region of interest: width and height in pixels. Nothing outside is read or written.
+ * Mask      An 8-bit image of the ROI's size with a step of its own. Non-zero selects the pixel.
+ * Result    Every function returns a status: 0 is success, negative values are errors. Arguments are
+ *           tested in the order that each function lists; the first failure is returned, and nothing
+ *           has been written then.
+ * Names     nuqi + operation + element types + layout. 8u, 8s, 16s and 32f are unsigned and signed
+ *           bytes, 16-bit integers and single-precision floats; of two types the first is the
+ *           source's. C1 is one channel, C3C one channel of three interleaved ones, I in place, M
+ *           masked, R works on a ROI.
+ * Threads   There is no global state: any number of calls may run at once on distinct outputs.
+ * Arithmetic  Single-precision operations round to nearest. The same bits come out on every
+ *           instruction set, whatever the alignment and the steps. (The bits of a NaN that an
+ *           operation creates are the processor's own.)
+ */
+#ifndef NUQI_NUQI_H
+#define NUQI_NUQI_H
+
+#include <stdint.h>
+
+#define NUQI_VERSION_MAJOR 0
+#define NUQI_VERSION_MINOR 1
+#define NUQI_VERSION_PATCH 0
+
+#if defined(__GNUC__)
+#define NUQI_API __attribute__((visibility("default")))
+#else
+#define NUQI_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Types ----------------------------------------------------------------------------------- */
+
+/* A status; the line samplers return their positive number of samples through it. */
+typedef int32_t StatusCode;
+
+enum {
+  StatusOk = 0,
+  StatusNothingToDo = 1,  /* a warning: a morphology strip had no rows to process */
+  StatusUnsupported = -5, /* an enumerated or ranged argument has a value outside its set */
+  StatusBadSize = -9939,  /* a width, height, aperture or (in most families) step is out of range */
+  StatusNullPtr = -9941,  /* a pointer is null */
+  StatusNoMemory = -9942, /* a state could not be allocated */
+  StatusDivByZero = -9943,   /* a sum that would divide is zero */
+  StatusBadArg = -9944,      /* an argument is outside its range */
+  StatusBadDataType = -9945, /* a data type is not 1 (8u), 2 (8s) or 9 (32f) */
+  StatusBadStep = -9947,     /* a step is too small or not a multiple of the element size */
+  StatusBadContext = -9950,  /* a state was made for another purpose */
+  StatusBadCoi = -9985,      /* a channel of interest is not 1, 2 or 3 */
+  StatusBadChannels = -9986  /* a channel count is not 1 or 3 */
+};
+
+/* The size of a region in pixels. */
+typedef struct RoiSize {
+  int32_t width;
+  int32_t height;
+} RoiSize;
+
+/* A pixel's position, counted from the region's top-left pixel (0, 0). */
+typedef struct PixelPoint {
+  int32_t x;
+  int32_t y;
+} PixelPoint;
+
+/* ---- Accumulation ----------------------------------------------------------------------------
+ *
+ * Adds an image, its square, the product of two images or a weighted share of an image to a
+ * single-precision accumulator in place: running sums, variances and exponential averages of frames,
+ * the material of background models. With s, s1, s2 the sources' pixels as floats:
+ *
+ *   nuqiAdd          acc = acc + s
+ *   nuqiAddSquare    acc = acc + s * s
+ *   nuqiAddProduct   acc = acc + s1 * s2
+ *   nuqiAddWeighted  acc = acc + alpha * (s - acc)
+ *
+ * Shapes      One channel. Sources 8u, 8s or 32f (nuqiAddProduct: two of one type), accumulator 32f.
+ * Arithmetic  Each operation above is one single-precision operation, in the order written (the
+ *             weighted form: subtract, multiply, add). Squares and products of bytes are exact and,
+ *             where zero, +0.0. alpha is any float; it is not clamped. Overflow gives infinity.
+ * Mask        An unselected pixel's term is +0.0; its accumulator is written too, so that -0.0
+ *             becomes +0.0 there. The weighted form replaces alpha by +0.0 instead: an unselected
+ *             pixel whose s - acc is infinite or NaN becomes NaN; one where s - acc is below zero
+ *             adds -0.0 and leaves -0.0 as it is.
+ * Overlap     Sources and mask may be one image or overlap; none may overlap the accumulator.
+ * Statuses    1. StatusNullPtr: an image or mask pointer is null.
+ *             2. StatusBadSize: width or height below 0.
+ *             3. StatusBadSize: a step below its row's bytes, or a 32f step not a multiple of 4.
+ *                nuqiAddProduct_32f_C1IR alone compares its two source steps with the width in
+ *                pixels, so that their rows may overlap.
+ *             StatusOk otherwise; a width or height of 0 touches no memory.
+ */
+NUQI_API StatusCode nuqiAdd_8u32f_C1IR(const uint8_t* src, int32_t srcStep, float* acc,
+                                       int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAdd_8s32f_C1IR(const int8_t* src, int32_t srcStep, float* acc,
+                                       int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAdd_32f_C1IR(const float* src, int32_t srcStep, float* acc, int32_t accStep,
+                                     RoiSize roi);
+NUQI_API StatusCode nuqiAddSquare_8u32f_C1IR(const uint8_t* src, int32_t srcStep, float* acc,
+                                             int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddSquare_8s32f_C1IR(const int8_t* src, int32_t srcStep, float* acc,
+                                             int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddSquare_32f_C1IR(const float* src, int32_t srcStep, float* acc,
+                                           int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddProduct_8u32f_C1IR(const uint8_t* src1, int32_t src1Step,
+                                              const uint8_t* src2, int32_t src2Step, float* acc,
+                                              int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddProduct_8s32f_C1IR(const int8_t* src1, int32_t src1Step,
+                                              const int8_t* src2, int32_t src2Step, float* acc,
+                                              int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddProduct_32f_C1IR(const float* src1, int32_t src1Step, const float* src2,
+                                            int32_t src2Step, float* acc, int32_t accStep,
+                                            RoiSize roi);
+NUQI_API StatusCode nuqiAddWeighted_8u32f_C1IR(const uint8_t* src, int32_t srcStep, float* acc,
+                                               int32_t accStep, RoiSize roi, float alpha);
+NUQI_API StatusCode nuqiAddWeighted_8s32f_C1IR(const int8_t* src, int32_t srcStep, float* acc,
+                                               int32_t accStep, RoiSize roi, float alpha);
+NUQI_API StatusCode nuqiAddWeighted_32f_C1IR(const float* src, int32_t srcStep, float* acc,
+                                             int32_t accStep, RoiSize roi, float alpha);
+
+NUQI_API StatusCode nuqiAdd_8u32f_C1IMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                        int32_t maskStep, float* acc, int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAdd_8s32f_C1IMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                        int32_t maskStep, float* acc, int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAdd_32f_C1IMR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                      int32_t maskStep, float* acc, int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddSquare_8u32f_C1IMR(const uint8_t* src, int32_t srcStep,
+                                              const uint8_t* mask, int32_t maskStep, float* acc,
+                                              int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddSquare_8s32f_C1IMR(const int8_t* src, int32_t srcStep,
+                                              const uint8_t* mask, int32_t maskStep, float* acc,
+                                              int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddSquare_32f_C1IMR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                            int32_t maskStep, float* acc, int32_t accStep,
+                                            RoiSize roi);
+NUQI_API StatusCode nuqiAddProduct_8u32f_C1IMR(const uint8_t* src1, int32_t src1Step,
+                                               const uint8_t* src2, int32_t src2Step,
+                                               const uint8_t* mask, int32_t maskStep, float* acc,
+                                               int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddProduct_8s32f_C1IMR(const int8_t* src1, int32_t src1Step,
+                                               const int8_t* src2, int32_t src2Step,
+                                               const uint8_t* mask, int32_t maskStep, float* acc,
+                                               int32_t accStep, RoiSize roi);
+NUQI_API StatusCode nuqiAddProduct_32f_C1IMR(const float* src1, int32_t src1Step, const float* src2,
+                                             int32_t src2Step, const uint8_t* mask,
+                                             int32_t maskStep, float* acc, int32_t accStep,
+                                             RoiSize roi);
+NUQI_API StatusCode nuqiAddWeighted_8u32f_C1IMR(const uint8_t* src, int32_t srcStep,
+                                                const uint8_t* mask, int32_t maskStep, float* acc,
+                                                int32_t accStep, RoiSize roi, float alpha);
+NUQI_API StatusCode nuqiAddWeighted_8s32f_C1IMR(const int8_t* src, int32_t srcStep,
+                                                const uint8_t* mask, int32_t maskStep, float* acc,
+                                                int32_t accStep, RoiSize roi, float alpha);
+NUQI_API StatusCode nuqiAddWeighted_32f_C1IMR(const float* src, int32_t srcStep,
+                                              const uint8_t* mask, int32_t maskStep, float* acc,
+                                              int32_t accStep, RoiSize roi, float alpha);
+
+/* ---- Fixed 3x3 derivatives -------------------------------------------------------------------
+ *
+ * One fixed 3x3 derivative of a one-channel image: Sobel's first, second and mixed derivatives and
+ * Scharr's first derivatives. Pixels beyond an edge equal the edge pixel. Weights, row above first:
+ *
+ *   Sobel3x3_Dx   [ -1  0  1;  -2  0  2;  -1  0  1 ]     positive where values grow to the right
+ *   Sobel3x3_Dy   [ -1 -2 -1;   0  0  0;   1  2  1 ]     positive where values grow downwards
+ *   Sobel3x3_D2x  [  1 -2  1;   2 -4  2;   1 -2  1 ]
+ *   Sobel3x3_D2y  [  1  2  1;  -2 -4 -2;   1  2  1 ]
+ *   Sobel3x3_DxDy [  1  0 -1;   0  0  0;  -1  0  1 ]
+ *   Scharr_Dx     [ -3  0  3; -10  0 10;  -3  0  3 ]
+ *   Scharr_Dy     [ -3 -10 -3;  0  0  0;   3 10  3 ]
+ *
+ * bottomUp    0, or 1 to negate Dy, DxDy and Scharr Dy (for images stored bottom row first).
+ * shift       Scharr only, 0 or more: the result times 2 to the power -shift.
+ * Ranges      16s results are exact: at most 1020 in magnitude for Sobel's first derivatives, 2040
+ *             for the second and mixed ones, 4080 for Scharr's. They are negated first, then shifted
+ *             right arithmetically (towards minus infinity; 16 and more leave 0 or -1). One member
+ *             differs: nuqiScharr_Dy_8u16s_C1R with bottomUp 1 shifts first and negates then
+ *             (towards plus infinity) in the last row, from column 8 * ((width - 1) / 8) on.
+ * 32f         Single precision. With the row terms
+ *               d = S(c+1) - S(c-1)
+ *               s = (S(c-1) + S(c+1)) + 2 * S(c)
+ *               t = (S(c-1) + S(c+1)) * k3 + S(c) * k10,   k3 = 3 * 2^-shift, k10 = 10 * 2^-shift
+ *             Sobel Dx is (d above + d below) + 2 * d, Sobel Dy is s below - s above, Scharr Dx is
+ *             (d above + d below) * k3 + d * k10 and Scharr Dy is t below - t above; with bottomUp 1
+ *             above and below change places. Each operation rounds once, in the order written. The
+ *             factor 2^-shift is the reciprocal of 1 doubled shift times: 0 from shift 128 on.
+ * Overlap     Source and destination must not overlap.
+ * Statuses    1. StatusUnsupported: shift below 0 (Scharr).
+ *             2. StatusUnsupported: bottomUp neither 0 nor 1.
+ *             3. StatusNullPtr: a pointer is null.
+ *             4. StatusBadSize: width below 0, height below 2, a step below its row's bytes or not a
+ *                multiple of the element size.
+ *             StatusOk otherwise. With width 0 nothing is written, except by
+ *             nuqiSobel3x3_Dx_8u16s_C1R, which writes 0 to the first element of every row.
+ * Method      I. Sobel and G. Feldman, "A 3x3 isotropic gradient operator for image processing",
+ *             1968; H. Scharr, "Optimal operators in digital image processing", Heidelberg, 2000.
+ */
+NUQI_API StatusCode nuqiSobel3x3_Dx_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                              int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_Dx_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                              int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_Dx_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                            int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_Dy_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                              int32_t dstStep, int32_t bottomUp, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_Dy_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                              int32_t dstStep, int32_t bottomUp, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_Dy_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                            int32_t dstStep, int32_t bottomUp, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_D2x_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                               int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_D2x_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                               int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_D2y_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                               int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_D2y_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                               int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_DxDy_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                                int32_t dstStep, int32_t bottomUp, RoiSize roi);
+NUQI_API StatusCode nuqiSobel3x3_DxDy_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                                int32_t dstStep, int32_t bottomUp, RoiSize roi);
+NUQI_API StatusCode nuqiScharr_Dx_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                            int32_t dstStep, RoiSize roi, int32_t shift);
+NUQI_API StatusCode nuqiScharr_Dx_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                            int32_t dstStep, RoiSize roi, int32_t shift);
+NUQI_API StatusCode nuqiScharr_Dx_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                          int32_t dstStep, RoiSize roi, int32_t shift);
+NUQI_API StatusCode nuqiScharr_Dy_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                            int32_t dstStep, int32_t bottomUp, RoiSize roi,
+                                            int32_t shift);
+NUQI_API StatusCode nuqiScharr_Dy_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                            int32_t dstStep, int32_t bottomUp, RoiSize roi,
+                                            int32_t shift);
+NUQI_API StatusCode nuqiScharr_Dy_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                          int32_t dstStep, int32_t bottomUp, RoiSize roi,
+                                          int32_t shift);
+
+/* ---- Canny edges -----------------------------------------------------------------------------
+ *
+ * Finds edges in a pair of derivative images, for example those of nuqiSobel3x3_Dx and _Dy:
+ *
+ *   magnitude    m = |dx| + |dy|, at most 32767; 0 unless m > low
+ *   suppression  a pixel stays where m is strictly greater than both neighbours' along the gradient,
+ *                quantised to four directions: across where |dy| * 4096 < |dx| * 1697, diagonal where
+ *                |dy| * 4096 < |dx| * 9889 (tan 22.5 and 67.5 degrees), else along the column; on
+ *                the falling diagonal where dx and dy have one sign, 0 counting as positive. Beyond
+ *                the ROI m is 0.
+ *   hysteresis   pixels that stay and have m > high are edges, and so is every pixel that stays and
+ *                is one of the eight neighbours of an edge
+ *
+ * Shapes      dx, dy 16s; dst 8u: 255 on edges, 0 elsewhere. Call with equal steps for dx and dy:
+ *             the magnitude pass walks dx by dyStep and dy by dxStep, so both images must reach
+ *             (height - 1) * the larger step + 2 * width bytes where the steps differ.
+ * Thresholds  Truncated to integers first; above 32767 they act as 32767. Infinity is legal.
+ * Buffer      nuqiCannyGetSize gives its size in bytes: 12 * (width + 2) * (height + 2). It needs no
+ *             alignment and no initial content.
+ * Overlap     dst may be neither source, nor may the buffer overlap any of the three.
+ * Statuses    nuqiCannyGetSize: 1. StatusBadSize: width or height below 1, or a size above 2^31 - 1.
+ *                2. StatusNullPtr: the size pointer is null.
+ *             nuqiCanny_16s8u_C1R: 1. StatusNullPtr: a pointer is null.
+ *                2. StatusBadSize: width or height below 1, a step below its row's bytes, an odd dx
+ *                   or dy step, or a ROI that nuqiCannyGetSize refuses.
+ *                3. StatusUnsupported: low below 0, or not (high >= low). Tested before truncation.
+ * Method      J. Canny, "A computational approach to edge detection", IEEE PAMI 8(6), 1986.
+ */
+NUQI_API StatusCode nuqiCannyGetSize(RoiSize roi, int32_t* size);
+NUQI_API StatusCode nuqiCanny_16s8u_C1R(const int16_t* dx, int32_t dxStep, const int16_t* dy,
+                                        int32_t dyStep, uint8_t* dst, int32_t dstStep, RoiSize roi,
+                                        float low, float high, void* buffer);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* NUQI_NUQI_H */

@@ -1,0 +1,202 @@
+// Vectors of lanes: as many native registers as that takes, with operators, loads and stores.
+//
+// All of it lives in an unnamed namespace inside the level's own and is forced inline: a function
+// that the linker may share between levels would run AVX instructions on machines without them.
+#pragma once
+
+#include <stdint.h>
+
+#if defined(NUQI_PLAIN)
+#elif defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
+#define NUQI_FORCED __attribute__((always_inline))
+#define NUQI_INLINE NUQI_FORCED inline
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+constexpr int kRegBytes = NUQI_LEVEL == 2 ? 64 : NUQI_LEVEL == 1 ? 32 : 16;
+
+// N lanes of T. Sixteen bytes at least: GCC 12 turns narrower vectors into scalar code.
+template <class T, int N>
+struct Vec {
+  using Lane = T;
+  static constexpr int kLanes = N;
+  static constexpr int kBytes = N * int{sizeof(T)};
+  static_assert(kBytes >= 16);
+  static constexpr int kRegs = kBytes > kRegBytes ? kBytes / kRegBytes : 1;
+  static constexpr int kLanesPerReg = N / kRegs;
+  typedef T Reg __attribute__((vector_size(kBytes / kRegs)));
+
+  Reg r[kRegs];
+};
+
+// Sixteen lanes on every machine, so that sums do not depend on the machine.
+template <class T>
+using Px = Vec<T, 16>;
+
+// One native register: for integers, where the number of lanes cannot show in the result.
+template <class T>
+using Reg = Vec<T, kRegBytes / int{sizeof(T)}>;
+
+// Vectors of T as long as V.
+template <class T, class V>
+using Like = Vec<T, V::kLanes>;
+
+template <int Bytes>
+struct IntOf;
+template <>
+struct IntOf<1> {
+  using Type = int8_t;
+};
+template <>
+struct IntOf<2> {
+  using Type = int16_t;
+};
+template <>
+struct IntOf<4> {
+  using Type = int32_t;
+};
+template <>
+struct IntOf<8> {
+  using Type = int64_t;
+};
+
+// What comparing vectors of T gives: lanes with all bits set, or none.
+template <class T, int N>
+using Mask = Vec<typename IntOf<sizeof(T)>::Type, N>;
+
+// ---- Register by register. Pack expansion, since GCC -O2 leaves loops over registers rolled.
+
+template <int... I>
+struct Indices {};
+template <class First>
+struct Twice;
+template <int... I>
+struct Twice<Indices<I...>> {
+  using Type = Indices<I..., (int{sizeof...(I)} + I)...>;
+};
+
+// Indices<0, 1, ... N - 1>, for N a power of two.
+template <int N>
+struct UpTo {
+  using Type = typename Twice<typename UpTo<N / 2>::Type>::Type;
+};
+template <>
+struct UpTo<1> {
+  using Type = Indices<0>;
+};
+
+template <class V, class F, int... I>
+NUQI_INLINE V generate_at(const F& f, Indices<I...>) {
+  return V{{(typename V::Reg)f(I)...}};
+}
+// The vector whose register i is f(i).
+template <class V, class F>
+NUQI_INLINE V generate(const F& f) {
+  return generate_at<V>(f, typename UpTo<V::kRegs>::Type{});
+}
+
+template <class F, int... I>
+NUQI_INLINE void for_each_at(const F& f, Indices<I...>) {
+  (f(I), ...);
+}
+// f(0), f(1), ... f(N - 1), unrolled.
+template <int N, class F>
+NUQI_INLINE void for_each(const F& f) {
+  for_each_at(f, typename UpTo<N>::Type{});
+}
+
+// ---- Constants and reinterpretation
+
+template <class T, int N = 16>
+NUQI_INLINE Vec<T, N> broadcast(T value) {
+  // Subtracting zero keeps -0.0, where adding it would not.
+  return generate<Vec<T, N>>([&](int) NUQI_FORCED { return value - typename Vec<T, N>::Reg{}; });
+}
+
+// The same bits, seen as lanes of T of the same size.
+template <class T, class S, int N>
+NUQI_INLINE Vec<T, N> as(const Vec<S, N>& a) {
+  static_assert(sizeof(T) == sizeof(S));
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return (typename Vec<T, N>::Reg)a.r[i]; });
+}
+
+// ---- Arithmetic, lane by lane; integers wrap
+
+#define NUQI_LANEWISE(op)                                                            \
+  template <class T, int N>                                                          \
+  NUQI_INLINE Vec<T, N> operator op(const Vec<T, N>& a, const Vec<T, N>& b) {        \
+    return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return a.r[i] op b.r[i]; }); \
+  }
+NUQI_LANEWISE(+)
+NUQI_LANEWISE(-)
+NUQI_LANEWISE(*)
+NUQI_LANEWISE(/)
+NUQI_LANEWISE(&)
+NUQI_LANEWISE(|)
+NUQI_LANEWISE(^)
+#undef NUQI_LANEWISE
+
+template <class T, int N>
+NUQI_INLINE Vec<T, N> operator~(const Vec<T, N>& a) {
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return ~a.r[i]; });
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> operator-(const Vec<T, N>& a) {
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return -a.r[i]; });
+}
+// Shifts every lane by the same count, below the lane's width.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> operator<<(const Vec<T, N>& a, int count) {
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return a.r[i] << count; });
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> operator>>(const Vec<T, N>& a, int count) {
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return a.r[i] >> count; });
+}
+
+// ---- Comparison and choice
+
+#define NUQI_COMPARE(op)                                                              \
+  template <class T, int N>                                                           \
+  NUQI_INLINE Mask<T, N> operator op(const Vec<T, N>& a, const Vec<T, N>& b) {        \
+    return generate<Mask<T, N>>([&](int i) NUQI_FORCED { return a.r[i] op b.r[i]; }); \
+  }
+NUQI_COMPARE(<)
+NUQI_COMPARE(>)
+NUQI_COMPARE(==)
+#undef NUQI_COMPARE
+
+// All bits set where a is not zero.
+template <class T, int N>
+NUQI_INLINE Mask<T, N> nonzero(const Vec<T, N>& a) {
+  return ~(a == Vec<T, N>{});
+}
+
+// a where the mask is set, b elsewhere. The mask holds nothing but full and empty lanes.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> select(const Mask<T, N>& mask, const Vec<T, N>& a, const Vec<T, N>& b) {
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return mask.r[i] ? a.r[i] : b.r[i]; });
+}
+// a where the mask is set, all bits zero elsewhere.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> keep(const Mask<T, N>& mask, const Vec<T, N>& a) {
+  using Bits = typename Mask<T, N>::Lane;
+  return as<T>(as<Bits>(a) & mask);
+}
+
+// The second operand where either is NaN, as the machines' instructions have it.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> min(const Vec<T, N>& a, const Vec<T, N>& b) {
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return a.r[i] < b.r[i] ? a.r[i] : b.r[i]; });
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> max(const Vec<T, N>& a, const Vec<T, N>& b) {
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return a.r[i] > b.r[i] ? a.r[i] : b.r[i]; });
+}
+
+}  // namespace
+}  // namespace nuqi::NUQI_ISA

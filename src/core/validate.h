@@ -1,0 +1,28 @@
+// The words of argument validation. Each family states its rules with them, one `if` a line.
+#pragma once
+
+#include "core/image.h"
+
+namespace nuqi {
+
+template <class... P>
+constexpr bool any_null(const P*... pointers) {
+  return (... || (pointers == nullptr));
+}
+
+constexpr bool negative(RoiSize roi) { return roi.width < 0 || roi.height < 0; }
+constexpr bool below_one(RoiSize roi) { return roi.width < 1 || roi.height < 1; }
+
+// The step is shorter than a row of `width` pixels.
+template <class T>
+constexpr bool short_row(const Image<T>& image, int32_t width, int channels = 1) {
+  return image.step < row_bytes(image, width, channels);
+}
+
+// The step is not a whole number of elements.
+template <class T>
+constexpr bool uneven(const Image<T>& image) {
+  return image.step % static_cast<int32_t>(sizeof(T)) != 0;
+}
+
+}  // namespace nuqi

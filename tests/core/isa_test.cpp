@@ -1,0 +1,38 @@
+// Tests of the choice of instruction set.
+#include "core/isa.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "arith/accumulate.h"
+#include "support/every_isa.h"
+
+namespace nuqi::test {
+namespace {
+
+class IsaChoice : public EveryIsa {};
+NUQI_FOR_EVERY_ISA(IsaChoice);
+
+TEST_P(IsaChoice, TheLevelAskedForIsTheOneThatRuns) {
+  EXPECT_EQ(isa(), GetParam());
+  const AccumulateKernels* expected = &base::accumulate_kernels;
+#if NUQI_LEVELS >= 2
+  if (GetParam() == Isa::avx2) expected = &avx2::accumulate_kernels;
+#endif
+#if NUQI_LEVELS >= 3
+  if (GetParam() == Isa::avx512) expected = &avx512::accumulate_kernels;
+#endif
+  EXPECT_EQ(&accumulate_kernels(), expected);
+}
+
+TEST(Isa, RefusesWhatTheMachineLacks) {
+  EXPECT_EQ(isa(), best_isa());
+  EXPECT_FALSE(force_isa(static_cast<Isa>(0)));
+  EXPECT_FALSE(force_isa(static_cast<Isa>(4)));
+  EXPECT_EQ(isa(), best_isa());
+}
+
+}  // namespace
+}  // namespace nuqi::test

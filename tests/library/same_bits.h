@@ -1,0 +1,10 @@
+// What each family adds to the one hash over the results of the whole library.
+#pragma once
+
+#include "support/comparison.h"
+
+namespace nuqi::test {
+
+void hash_accumulate(Hash& hash);
+
+}  // namespace nuqi::test
