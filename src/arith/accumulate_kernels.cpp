@@ -6,18 +6,13 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-template <Term term, class T, class Float>
-NUQI_INLINE Float term_of(const Float& s, const Float& s2, const Float& acc, const Float& weight) {
-  if constexpr (term == Term::add)
-    return s;
-  else if constexpr (term == Term::square)
-    return s * s;
-  else if constexpr (term == Term::weighted)
-    return (s - acc) * weight;
-  else if constexpr (sizeof(T) == 1)
-    return s * s2 + Float{};  // 0 * -5 is -0.0, but 0 as an integer
+// Products of bytes are formed as integers: 0 * -5 is +0.0 then, and -0.0 as floats.
+template <class T>
+NUQI_INLINE Px<float> product(const Px<T>& a, const Px<T>& b) {
+  if constexpr (sizeof(T) == 1)
+    return convert<float>(multiply_bytes(a, b));
   else
-    return s * s2;
+    return a * b;
 }
 
 template <Term term, bool masked, class T>
@@ -30,19 +25,20 @@ void accumulate(const AccumulateJob<T>& job) {
     float* out = row_of(job.acc, y);
 
     for_blocks(job.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
+      const auto s = load(src + x, part);
       const auto acc = load(out + x, part);
-      const auto s = convert<float>(load(src + x, part));
-      auto s2 = s;
-      if constexpr (term == Term::product) s2 = convert<float>(load(src2 + x, part));
-
-      if constexpr (!masked) {
-        store(out + x, acc + term_of<term, T>(s, s2, acc, alpha), part);
-      } else {
-        const auto selected = convert<int32_t>(nonzero(load(mask + x, part)));
-        const auto weight = keep(selected, alpha);
-        const auto t = term_of<term, T>(s, s2, acc, weight);
-        store(out + x, acc + (term == Term::weighted ? t : keep(selected, t)), part);
-      }
+      const auto selected = [&](const Px<float>& value) NUQI_FORCED {
+        if constexpr (masked)
+          return keep_selected(load(mask + x, part), value);
+        else
+          return value;
+      };
+      Px<float> t;
+      if constexpr (term == Term::add) t = selected(convert<float>(s));
+      if constexpr (term == Term::square) t = selected(product(s, s));
+      if constexpr (term == Term::product) t = selected(product(s, load(src2 + x, part)));
+      if constexpr (term == Term::weighted) t = (convert<float>(s) - acc) * selected(alpha);
+      store(out + x, acc + t, part);
     });
   }
 }

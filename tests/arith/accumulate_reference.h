@@ -1,6 +1,7 @@
 // The accumulation family, one pixel after the other.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 

@@ -102,5 +102,38 @@ NUQI_INLINE Vec<To, N> convert(const Vec<From, N>& a) {
   }
 }
 
+// The exact products of bytes.
+template <class T>
+NUQI_INLINE Px<int32_t> multiply_bytes(const Px<T>& a, const Px<T>& b) {
+  const Px<int32_t> x = convert<int32_t>(a);
+#if defined(NUQI_PLAIN) || !defined(__SSE2__)
+  return x * convert<int32_t>(b);
+#else
+  // Multiply-add of 16-bit pairs: one instruction, where 32-bit products take several. The upper
+  // half of one factor has to be clear, or sign extensions multiply each other.
+  Px<int32_t> y = convert<int32_t>(b);
+  if constexpr (kIsSigned<T>) y = y & broadcast<int32_t>(0xFFFF);
+  return generate<Px<int32_t> >([&](int i) NUQI_FORCED {
+#if NUQI_LEVEL == 2
+    return _mm512_madd_epi16((__m512i)x.r[i], (__m512i)y.r[i]);
+#elif NUQI_LEVEL == 1
+    return _mm256_madd_epi16((__m256i)x.r[i], (__m256i)y.r[i]);
+#else
+    return _mm_madd_epi16((__m128i)x.r[i], (__m128i)y.r[i]);
+#endif
+  });
+#endif
+}
+
+// a where the mask byte is not zero, +0.0 elsewhere.
+NUQI_INLINE Px<float> keep_selected(const Px<uint8_t>& mask, const Px<float>& a) {
+#if NUQI_LEVEL == 2
+  const __m128i bytes = (__m128i)mask.r[0];
+  return {{(Px<float>::Reg)_mm512_maskz_mov_ps(_mm_test_epi8_mask(bytes, bytes), (__m512)a.r[0])}};
+#else
+  return keep(convert<int32_t>(nonzero(mask)), a);
+#endif
+}
+
 }  // namespace
 }  // namespace nuqi::NUQI_ISA
