@@ -16,9 +16,9 @@ void* word_before(void* block) { return static_cast<char*>(block) - sizeof(void*
 }  // namespace
 
 void* AlignedAlloc(uint32_t size) {
-  constexpr size_t kSlack = 68;
-  if (size > SIZE_MAX - kSlack) return nullptr;  // only where size_t has 32 bits
-  void* raw = std::malloc(size + kSlack);
+  constexpr uint32_t kSlack = 68;
+  if (sizeof(size_t) == 4 && size > UINT32_MAX - kSlack) return nullptr;
+  void* raw = std::malloc(size_t{size} + kSlack);
   if (raw == nullptr) return nullptr;
   const uintptr_t raw_address = reinterpret_cast<uintptr_t>(raw);
   const uintptr_t address = (raw_address + 36) / kAlignment * kAlignment;

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Compares three lists: the prototypes in nuqi.h, what the shared object exports, and the names that
+# the tests and the benchmarks call. check_exports.sh BUILD_FOLDER
+set -euo pipefail
+cd "$(dirname "$0")/.."
+lists=$(mktemp -d)
+trap 'rm -rf "$lists"' EXIT
+
+prototypes() { grep -oE '^NUQI_API StatusCode nuqib?[A-Z][A-Za-z0-9_]*\(' include/nuqi/nuqi.h | sed 's/.* //; s/(//'; }
+exported() { nm --dynamic --defined-only --format=just-symbols "$1/src/libnuqi.so"; }
+tested() { grep -rhoE '\bnuqib?[A-Z][A-Za-z0-9_]*\b' tests --include='*_members.h' --include='*_test.cpp'; }
+
+prototypes | sort -u >"$lists/header"
+exported "$1" | sort -u >"$lists/exports"
+tested | sort -u >"$lists/tests"
+[ -s "$lists/header" ] || { echo "no prototypes found in nuqi.h" >&2; exit 1; }
+if ! diff "$lists/header" "$lists/exports"; then
+  echo "nuqi.h (<) and the exports of libnuqi.so (>) differ" >&2
+  exit 1
+fi
+if untested=$(comm -23 "$lists/header" "$lists/tests"); [ -n "$untested" ]; then
+  printf 'no test calls these:\n%s\n' "$untested" >&2
+  exit 1
+fi
+echo "$(wc -l <"$lists/header") functions: declared, exported and tested"

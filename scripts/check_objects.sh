@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Checks the library's objects: kernels define nothing but their tables, nothing runs at load, the one
+# writable byte is the chosen instruction set. check_objects.sh BUILD_FOLDER
+set -euo pipefail
+objects=$1/src/CMakeFiles
+fail() { echo "$*" >&2; exit 1; }
+
+kernels=0
+for object in "$objects"/nuqi_kernels_*.dir/*/*_kernels.cpp.o; do
+  kernels=$((kernels + 1))
+  # A weak function may be linked into code for older machines; so may any shared name.
+  weak=$(nm -C "$object" | grep -E ' [WVu] ' || true)
+  [ -z "$weak" ] || fail "$object holds weak symbols:" "$weak"
+  other=$(nm -C --defined-only --extern-only "$object" | grep -vE ' [DR] nuqi::(base|avx2|avx512)::[a-z0-9_]+_kernels$' || true)
+  [ -z "$other" ] || fail "$object defines more than its table:" "$other"
+done
+[ "$kernels" -gt 0 ] || fail "no kernel objects in $objects"
+
+for object in "$objects"/nuqi_*.dir/*/*.o; do
+  if readelf -SW "$object" | grep -qE '\.(init_array|ctors|tdata|tbss)'; then fail "$object runs code at load"; fi
+  # Constants that hold addresses lie in .data.rel.ro, which is read-only once the library is loaded.
+  writable=$(objdump -t "$object" | awk 'NF > 3 && $(NF-2) ~ /^(\.data|\.bss|\.tm_clone_table|COMMON)($|\.[^r])/ && $NF !~ /^\./' | grep -v chosen_isa || true)
+  [ -z "$writable" ] || fail "$object holds writable data:" "$writable"
+done
+
+needed=$(readelf -d "$1/src/libnuqi.so" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vE '^(libc\.so\.6|ld-linux.*)$' || true)
+[ -z "$needed" ] || fail "libnuqi.so needs $needed"
+echo "$kernels kernel objects: tables alone; nothing runs at load; only the C library is needed"
