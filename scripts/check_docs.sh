@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Holds the documents against the code: README's program is the example that CI builds, every vector
+# word stands in docs/simd.md, every family of nuqi.h in README's table, and every link leads somewhere.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+fail() { echo "$*" >&2; exit 1; }
+
+diff <(awk '/^```c$/ {on = 1; next} /^```$/ {on = 0} on' README.md) examples/hello.c ||
+  fail "README's program (<) is not examples/hello.c (>)"
+
+words=$(grep -hA3 'NUQI_INLINE' src/core/simd/*.h | tr '\n' ' ' | grep -oE 'NUQI_INLINE [^(]*\(' |
+  sed -E 's/\($//; s/.*[ &*>]//' | grep -vE '^(operator.*|generate_at|for_each_at|)$' | sort -u)
+[ "$(wc -w <<<"$words")" -gt 20 ] || fail "no vector words found"
+for word in $words; do
+  grep -qE "\`$word\b" docs/simd.md || fail "docs/simd.md does not explain $word"
+done
+
+sed -nE 's|^/\* ---- ([A-Za-z0-9 ,-]+[A-Za-z0-9]) -+$|\1|p' include/nuqi/nuqi.h | grep -v '^Types$' |
+  while read -r family; do
+    grep -qF "| $family |" README.md || fail "README's table lacks the family: $family"
+  done
+
+for page in README.md CONTRIBUTING.md docs/*.md; do
+  grep -oE '\]\([^)#: ]+\)' "$page" | sed 's/](//; s/)//' | while read -r target; do
+    [ -e "$(dirname "$page")/$target" ] || fail "$page links to $target, which does not exist"
+  done
+done
+echo "documents agree with the code"
