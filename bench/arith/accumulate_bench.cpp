@@ -2,6 +2,7 @@
 #include "arith/accumulate_members.h"
 #include "arith/accumulate_plain.h"
 #include "families.h"
+#include "support/registers.h"
 #include "support/registry.h"
 
 namespace nuqi::bench {
@@ -34,12 +35,58 @@ void register_limit_of(const AccumulateMember<T>& member, RoiSize roi) {
     register_limit<Streams<e>, Streams<4>>(member.name, roi);
 }
 
+// The arithmetic of sixteen pixels, over and over: nothing is loaded, nothing waits for another.
+template <class T, AccumulateTerm term, bool masked>
+void arithmetic(int64_t pixels) {
+  using namespace native;
+  Px<T> s = {}, s2 = {};
+  Px<uint8_t> mask = {};
+  Px<float> acc = {}, alpha = {}, t;
+#pragma GCC unroll 8
+  for (int64_t x = 0; x < pixels; x += 16) {
+    opaque(s);
+    if constexpr (term == AccumulateTerm::product) opaque(s2);
+    if constexpr (masked) opaque(mask);
+    const auto product = [](const Px<T>& a, const Px<T>& b) {
+      if constexpr (sizeof(T) == 1)
+        return convert<float>(multiply_bytes(a, b));
+      else
+        return a * b;
+    };
+    const auto selected = [&](const Px<float>& v) { return masked ? keep_selected(mask, v) : v; };
+    if constexpr (term == AccumulateTerm::add) t = selected(convert<float>(s));
+    if constexpr (term == AccumulateTerm::square) t = selected(product(s, s));
+    if constexpr (term == AccumulateTerm::product) t = selected(product(s, s2));
+    if constexpr (term == AccumulateTerm::weighted) t = (convert<float>(s) - acc) * selected(alpha);
+    t = acc + t;
+    opaque(t);
+  }
+}
+
+template <class T>
+void register_bound_of(const AccumulateMember<T>& member, RoiSize roi) {
+  const auto add_bound = [&](auto plain, auto masked) {
+    const auto loop = member.masked ? masked : plain;
+    register_bound(member.name, roi, [loop](const Images& im) {
+      return [loop, pixels = int64_t{im.roi.width} * im.roi.height] { loop(pixels); };
+    });
+  };
+  using enum AccumulateTerm;
+  switch (member.term) {
+    case add: return add_bound(arithmetic<T, add, false>, arithmetic<T, add, true>);
+    case square: return add_bound(arithmetic<T, square, false>, arithmetic<T, square, true>);
+    case product: return add_bound(arithmetic<T, product, false>, arithmetic<T, product, true>);
+    case weighted: return add_bound(arithmetic<T, weighted, false>, arithmetic<T, weighted, true>);
+  }
+}
+
 }  // namespace
 
 void register_accumulate() {
   test::for_each_accumulate([]<class T>(const AccumulateMember<T>& member) {
     for (RoiSize roi : kSizes) {
       register_limit_of(member, roi);
+      if (roi.width == 64) register_bound_of(member, roi);
       const auto run = [](auto call) {
         return [=](const Images& im) { return [call, args = args_of<T>(im)] { call(args); }; };
       };

@@ -57,6 +57,13 @@ void register_plain(const std::string& function, const std::string& compiler, Ro
   register_loop(bench_name(function, "plain_" + compiler, roi), roi, make);
 }
 
+// What the arithmetic alone takes, measured on independent registers, or the chain of additions that
+// the contract asks for: a second column where it binds, never a replacement of the memory limit.
+template <class Make>
+void register_bound(const std::string& function, RoiSize roi, Make make) {
+  register_loop(bench_name(function, "bound", roi), roi, make);
+}
+
 template <class Sources, class Accumulators, class Destinations>
 struct Limit {
   template <int Pixels, Stores stores>
