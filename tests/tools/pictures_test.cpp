@@ -1,0 +1,158 @@
+// Every kind of PNG and JPEG file reads as the picture it shows; broken files are refused.
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <cstdlib>
+
+#include "failure.h"
+#include "picture.h"
+#include "sample_pictures.h"
+
+namespace tools::test {
+namespace {
+
+constexpr PngKind kPngKinds[] = {
+    {"grey", PNG_COLOR_TYPE_GRAY, 8},
+    {"grey, 16 bits", PNG_COLOR_TYPE_GRAY, 16},
+    {"grey and alpha", PNG_COLOR_TYPE_GRAY_ALPHA, 8},
+    {"grey and alpha, 16 bits", PNG_COLOR_TYPE_GRAY_ALPHA, 16},
+    {"colour", PNG_COLOR_TYPE_RGB, 8},
+    {"colour, 16 bits", PNG_COLOR_TYPE_RGB, 16},
+    {"colour, interlaced", PNG_COLOR_TYPE_RGB, 8, true},
+    {"colour and alpha", PNG_COLOR_TYPE_RGB_ALPHA, 8},
+    {"colour and alpha, 16 bits, interlaced", PNG_COLOR_TYPE_RGB_ALPHA, 16, true},
+    {"grey, 16 bits, interlaced", PNG_COLOR_TYPE_GRAY, 16, true},
+    {"palette", PNG_COLOR_TYPE_PALETTE, 8},
+    {"palette with alpha", PNG_COLOR_TYPE_PALETTE, 8, false, true},
+};
+
+Rgba scattered(int x, int y) {
+  return {(37 * x + 11 * y) & 255, (91 * x + 53 * y + 7) & 255, (13 * x + 201 * y) & 255,
+          (x + y) % 3 == 0 ? 255 : (60 * x + 17 * y) & 255};
+}
+
+TEST(Pictures, EveryKindOfPngShowsItsPixels) {
+  const RoiSize size{13, 11};
+  for (const PngKind& kind : kPngKinds) {
+    SCOPED_TRACE(kind.name);
+    const Picture picture = decode_png(png_of(kind, size, scattered), "sample");
+    ASSERT_EQ(picture.size.width, size.width);
+    ASSERT_EQ(picture.size.height, size.height);
+    const bool grey = (kind.colour_type & PNG_COLOR_MASK_COLOR) == 0;
+    const bool alpha = (kind.colour_type & PNG_COLOR_MASK_ALPHA) != 0 || kind.alpha_table;
+    for (size_t i = 0; i < picture.pixels.size(); ++i) {
+      const Rgba pixel = scattered(int(i / 3) % size.width, int(i / 3) / size.width);
+      const int opacity = alpha ? pixel[3] : 255;
+      const int value = pixel[grey ? 0 : i % 3];
+      const int expected = (value * opacity + 255 * (255 - opacity) + 127) / 255;
+      ASSERT_EQ(int(picture.pixels[i]), expected) << "value " << i;
+    }
+  }
+}
+
+TEST(Pictures, EveryKindOfJpegShowsItsPixels) {
+  // Smooth, so that compression changes little; three quarters opaque for the ink of CMYK.
+  const auto smooth = [](int x, int y) { return Rgba{40 + 2 * x, 200 - 2 * y, 90 + x + y, 192}; };
+  const RoiSize size{40, 30};
+  for (const JpegKind kind : {JpegKind::grey, JpegKind::colour, JpegKind::progressive,
+                              JpegKind::cmyk, JpegKind::adobe_cmyk}) {
+    SCOPED_TRACE(int(kind));
+    const Picture picture = decode_jpeg(jpeg_of(kind, size, smooth), "sample");
+    ASSERT_EQ(picture.pixels.size(), size_t{3 * 40 * 30});
+    for (size_t i = 0; i < picture.pixels.size(); ++i) {
+      const Rgba pixel = smooth(int(i / 3) % size.width, int(i / 3) / size.width);
+      int expected = pixel[kind == JpegKind::grey ? 0 : i % 3];
+      if (kind == JpegKind::cmyk || kind == JpegKind::adobe_cmyk) expected = expected * 192 / 255;
+      ASSERT_NEAR(int(picture.pixels[i]), expected, 8) << "value " << i;
+    }
+  }
+}
+
+TEST(Pictures, CamerasOrientationIsApplied) {
+  // The sensor's 3x2 picture is numbered row by row; a viewer shows it as listed.
+  const std::vector<uint8_t> shown[] = {{1, 2, 3, 4, 5, 6}, {3, 2, 1, 6, 5, 4}, {6, 5, 4, 3, 2, 1},
+                                        {4, 5, 6, 1, 2, 3}, {1, 4, 2, 5, 3, 6}, {4, 1, 5, 2, 6, 3},
+                                        {6, 3, 5, 2, 4, 1}, {3, 6, 2, 5, 1, 4}};
+  for (int orientation = 1; orientation <= 8; ++orientation) {
+    Picture sensor({3, 2}, 1);
+    sensor.pixels = shown[0];
+    const Picture upright = turned_upright(sensor, orientation);
+    EXPECT_EQ(upright.size.width, orientation < 5 ? 3 : 2) << orientation;
+    EXPECT_EQ(upright.pixels, shown[orientation - 1]) << orientation;
+  }
+  const auto dark_left = [](int x, int) { return x < 16 ? Rgba{9, 9, 9} : Rgba{230, 230, 230}; };
+  for (const bool big_endian : {false, true}) {  // 6: the sensor's left side is up
+    const Picture picture =
+        decode_jpeg(jpeg_of(JpegKind::colour, {32, 16}, dark_left, 6, big_endian), "sample");
+    ASSERT_EQ(picture.size.height, 32);
+    EXPECT_LT(picture.pixels.front(), 60);
+    EXPECT_GT(picture.pixels.back(), 200);
+  }
+}
+
+TEST(Pictures, ColourBecomesGreyByTheWrittenFormula) {
+  Picture picture({3, 2}, 3);
+  picture.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255, 0, 0, 0, 10, 200, 31};
+  EXPECT_EQ(grey_of(picture).values, (std::vector<uint8_t>{77, 149, 29, 255, 0, 124}));
+}
+
+TEST(Pictures, WrittenFilesReadAsTheSamePicture) {
+  for (const int channels : {1, 3}) {
+    Picture picture({37, 5}, channels);
+    for (size_t i = 0; i < picture.pixels.size(); ++i) picture.pixels[i] = uint8_t(100 + i / 8);
+    const Picture png = decode_png(encode_png(picture, "sample"), "sample");
+    const Picture jpeg = decode_jpeg(encode_jpeg(picture, "sample"), "sample");
+    for (size_t i = 0; i < png.pixels.size(); ++i) {
+      const int expected = picture.pixels[channels == 1 ? i / 3 : i];
+      ASSERT_EQ(int(png.pixels[i]), expected);
+      ASSERT_NEAR(int(jpeg.pixels[i]), expected, 8);
+    }
+  }
+}
+
+// Reads a damaged file: a picture of the right size or a UserError, never anything else.
+template <class Decode>
+bool refused(const Decode& decode, const Bytes& bytes) {
+  try {
+    decode(bytes, "damaged");
+    return false;
+  } catch (const UserError&) {
+    return true;
+  }
+}
+
+TEST(Pictures, DamagedFilesNeverCrash) {
+  const Bytes png = png_of(kPngKinds[7], {23, 17}, scattered);
+  const Bytes jpeg = jpeg_of(JpegKind::progressive, {23, 17}, scattered, 6);
+  testing::internal::CaptureStderr();  // a damaged JPEG may be shown, with a note
+  for (size_t length = 0; length < png.size(); ++length) {
+    const bool whole = length + 12 >= png.size();  // the closing block says nothing
+    EXPECT_TRUE(whole || refused(decode_png, Bytes(png.begin(), png.begin() + long(length))))
+        << length << " bytes of " << png.size();
+  }
+  for (size_t length = 0; length < jpeg.size(); ++length) {
+    const bool no_header = length < 100;
+    EXPECT_TRUE(refused(decode_jpeg, Bytes(jpeg.begin(), jpeg.begin() + long(length))) ||
+                !no_header)
+        << length << " bytes of " << jpeg.size();
+  }
+  std::srand(1);
+  for (int round = 0; round < 2000; ++round) {
+    Bytes broken_png = png, broken_jpeg = jpeg;
+    broken_png[size_t(std::rand()) % png.size()] = uint8_t(std::rand());
+    broken_jpeg[size_t(std::rand()) % jpeg.size()] = uint8_t(std::rand());
+    refused(decode_png, broken_png);
+    refused(decode_jpeg, broken_jpeg);
+  }
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("damaged: "), std::string::npos);
+}
+
+TEST(Pictures, TooLargeIsRefusedBeforeMemoryIsTaken) {
+  EXPECT_NO_THROW(check_size(13375, 13375, "large"));
+  EXPECT_THROW(check_size(13376, 13376, "large"), UserError);
+  EXPECT_THROW(check_size(0xFFFFFFFF, 0xFFFFFFFF, "large"), UserError);
+  EXPECT_THROW(check_size(0, 5, "empty"), UserError);
+}
+
+}  // namespace
+}  // namespace tools::test

@@ -1,0 +1,41 @@
+// Runs the program as a user would, in a folder that vanishes with the test.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "picture.h"
+
+namespace tools::test {
+
+struct Outcome {
+  int code = -1;
+  std::string out, err;
+};
+
+class ProgramTest : public testing::Test {
+ protected:
+  ProgramTest();
+  ~ProgramTest() override;
+
+  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  Outcome run(const std::vector<std::string>& arguments) const;
+
+  // Exit code 2 and one line on stderr that holds every word.
+  void expect_refused(const std::vector<std::string>& arguments,
+                      const std::vector<std::string>& words) const;
+
+  void write_text(const std::string& name, const std::string& text) const;
+  std::string read_text(const std::string& name) const;
+  std::string write_grey(const std::string& name, RoiSize size,
+                         const std::vector<uint8_t>& pixels) const;
+  std::vector<uint8_t> read_grey(const std::string& name) const;
+
+ private:
+  std::filesystem::path folder_;
+};
+
+}  // namespace tools::test

@@ -1,0 +1,16 @@
+// The commands, one source file each.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace tools {
+
+// Each adds its command, options and help to the program. main.cpp lists them.
+void add_tour(CLI::App& app);
+void add_edges(CLI::App& app);
+void add_background(CLI::App& app);
+void add_info(CLI::App& app);
+
+}  // namespace tools

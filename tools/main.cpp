@@ -1,0 +1,81 @@
+// The command-line program nuqi: reads the command and turns every failure into one sentence.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "commands.h"
+#include "core/isa.h"
+#include "failure.h"
+
+namespace {
+
+constexpr void (*kCommands[])(CLI::App&) = {
+    tools::add_tour,
+    tools::add_edges,
+    tools::add_background,
+    tools::add_info,
+};
+
+constexpr char kDescription[] = "Computer-vision primitives at work on pictures.";
+
+constexpr char kFooter[] =
+    "Pictures are read from PNG and JPEG files of any kind. Transparent pixels are laid over\n"
+    "white; colour becomes grey by (77 red + 150 green + 29 blue + 128) / 256, in integers.\n"
+    "The ending of an output's name chooses its format: .png, .jpg or .jpeg.\n"
+    "\n"
+    "Exit codes: 0 success, 2 wrong arguments or a file that cannot be read, is no picture or\n"
+    "cannot be written, 1 any other failure. `nuqi COMMAND --help` explains a command.\n";
+
+void force_isa_named(const std::string& name) {
+  for (const nuqi::Isa level : {nuqi::Isa::base, nuqi::Isa::avx2, nuqi::Isa::avx512}) {
+    if (level > nuqi::best_isa() || name != nuqi::name_of(level)) continue;
+    nuqi::force_isa(level);
+    return;
+  }
+  throw tools::UserError("--isa " + name + ": `nuqi info` lists what this machine runs");
+}
+
+int fail(const std::string& sentence, int code) {
+  std::fprintf(stderr, "nuqi: %s\n", sentence.c_str());
+  return code;
+}
+
+// The parser's messages may end in a line break or have several lines.
+std::string one_line(std::string text) {
+  while (!text.empty() && text.back() == '\n') text.pop_back();
+  for (char& c : text) c = c == '\n' ? ' ' : c;
+  return text;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{kDescription, "nuqi"};
+  app.footer(kFooter);
+  app.set_version_flag("--version", std::to_string(NUQI_VERSION_MAJOR) + "." +
+                                        std::to_string(NUQI_VERSION_MINOR) + "." +
+                                        std::to_string(NUQI_VERSION_PATCH));
+  app.add_option_function<std::string>("--isa", force_isa_named,
+                                       "The instruction set to use instead of the best one")
+      ->type_name("NAME");
+  app.fallthrough();
+  for (auto* add : kCommands) add(app);
+  try {
+    app.parse(argc, argv);
+    if (app.get_subcommands().empty())
+      return fail("a command is missing (`nuqi --help` explains)", 2);
+    return 0;
+  } catch (const CLI::Success& help) {
+    return app.exit(help);
+  } catch (const CLI::ParseError& error) {
+    return fail(one_line(error.what()) + " (`nuqi --help` explains)", 2);
+  } catch (const tools::UserError& error) {
+    return fail(error.what(), 2);
+  } catch (const std::bad_alloc&) {
+    return fail("the memory does not suffice", 1);
+  } catch (const std::exception& error) {
+    return fail(error.what(), 1);
+  }
+}

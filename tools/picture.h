@@ -1,0 +1,75 @@
+// Planes of pixels, and colour pictures read from and written to PNG and JPEG files.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "nuqi/nuqi.h"
+
+namespace tools {
+
+// One channel with tight rows, in the form that the library's calls take.
+template <class T>
+struct Plane {
+  RoiSize size{0, 0};
+  std::vector<T> values;
+
+  Plane() = default;
+  explicit Plane(RoiSize roi) : size(roi), values(size_t(roi.width) * size_t(roi.height)) {}
+
+  T* data() { return values.data(); }
+  const T* data() const { return values.data(); }
+  int32_t step() const { return size.width * int32_t(sizeof(T)); }
+};
+
+// A picture to look at: 1 channel (grey) or 3 (red, green, blue), interleaved, tight rows.
+struct Picture {
+  RoiSize size{0, 0};
+  int channels = 3;
+  std::vector<uint8_t> pixels;
+
+  Picture() = default;
+  Picture(RoiSize roi, int count)
+      : size(roi), channels(count), pixels(size_t(roi.width) * size_t(roi.height) * count) {}
+};
+
+std::string size_text(RoiSize size);  // "640x480"
+
+// Reads a PNG or JPEG file of any kind as red, green and blue. Transparent pixels are laid over
+// white, 16 bits are rounded to 8, CMYK is converted, and a camera's orientation is applied.
+// Throws UserError where the file cannot be read or is no picture.
+Picture read_picture(const std::string& path);
+
+// Writes in the format that the ending of `path` names. Throws UserError.
+void write_picture(const std::string& path, const Picture& picture);
+
+// Throws UserError unless `path` ends in .png, .jpg or .jpeg: lets a command fail before its work.
+void check_ending(const std::string& path);
+
+Plane<uint8_t> grey_of(const Picture& picture);  // (77 red + 150 green + 29 blue + 128) / 256
+Picture picture_of(const Plane<uint8_t>& plane);
+
+// The derivatives need two rows. A row twice has the derivatives of the row alone: pixels beyond an
+// edge equal the edge pixel.
+Plane<uint8_t> with_two_rows(Plane<uint8_t> plane);
+
+// ---- The formats, one source file each ---------------------------------------------------------
+
+using Bytes = std::vector<uint8_t>;
+
+// `name` stands in the messages of UserError.
+Picture decode_png(const Bytes& bytes, const std::string& name);
+Picture decode_jpeg(const Bytes& bytes, const std::string& name);
+Bytes encode_png(const Picture& picture, const std::string& name);
+Bytes encode_jpeg(const Picture& picture, const std::string& name);
+
+// Throws UserError where a picture is larger than every command can take.
+void check_size(uint32_t width, uint32_t height, const std::string& name);
+
+// The orientation, 1 to 8, in the Exif block of a JPEG file; 1 where there is none.
+int exif_orientation(const uint8_t* block, size_t length);
+Picture turned_upright(Picture picture, int orientation);
+
+}  // namespace tools

@@ -1,0 +1,28 @@
+// Progress on stderr: a bar on a terminal, at most about ten plain lines elsewhere.
+#pragma once
+
+#include <string>
+
+namespace tools {
+
+class Progress {
+ public:
+  Progress(std::string unit, int total);
+  ~Progress();  // leaves the cursor on a fresh line
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  // One more unit is done; `label` says which, where that helps.
+  void advance(const std::string& label = "");
+
+ private:
+  void draw_bar(const std::string& text) const;
+  std::string count_text() const;
+
+  std::string unit_;
+  int total_;
+  int done_ = 0;
+  bool terminal_;
+};
+
+}  // namespace tools

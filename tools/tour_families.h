@@ -1,0 +1,14 @@
+// The families on the tour's page, one source file each.
+#pragma once
+
+#include "tour_page.h"
+#include "tour_scene.h"
+
+namespace tools {
+
+// Each does its family's work on the scene. tour.cpp lists them in the page's order.
+Section accumulation_section(const Scene& scene);
+Section derivatives_section(const Scene& scene);
+Section canny_section(const Scene& scene);
+
+}  // namespace tools
