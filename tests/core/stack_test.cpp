@@ -23,7 +23,8 @@ StatusCode call_from_odd_stack(void* function, const uint32_t* words, uint32_t c
       "movl %%ebx, %%esp\n"
       : "=a"(status), [count] "+c"(count)
       : [words] "S"(words), [function] "D"(function)
-      : "ebx", "edx", "memory", "cc", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7");
+      : "ebx", "edx", "memory", "cc", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6",
+        "xmm7");
   return status;
 }
 
@@ -36,7 +37,8 @@ TEST_P(OddStack, Serves) {
   for (int i = 0; i < 37 * 2; ++i) src[i] = static_cast<uint8_t>(i);
   const auto word = [](const void* pointer) { return reinterpret_cast<uint32_t>(pointer); };
   const uint32_t words[6] = {word(src), 37, word(acc), 148, 37, 2};
-  ASSERT_EQ(call_from_odd_stack(reinterpret_cast<void*>(nuqiAddSquare_8u32f_C1IR), words, 6), StatusOk);
+  ASSERT_EQ(call_from_odd_stack(reinterpret_cast<void*>(nuqiAddSquare_8u32f_C1IR), words, 6),
+            StatusOk);
   for (int i = 0; i < 37 * 2; ++i) EXPECT_EQ(acc[i], static_cast<float>(i * i));
 }
 
