@@ -17,6 +17,7 @@ struct Family {
 };
 const Family kFamilies[] = {
     {"accumulate", hash_accumulate, 0x6CF2B18A7F966E37},
+    {"canny", hash_canny, 0x61A768FE55610C05},
 };
 
 class SameBits : public EveryIsa {};

@@ -125,6 +125,70 @@ NUQI_INLINE Px<int32_t> multiply_bytes(const Px<T>& a, const Px<T>& b) {
 #endif
 }
 
+// The upper halves of the 32-bit products, rounded down.
+template <int N>
+NUQI_INLINE Vec<int16_t, N> multiply_high(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
+  using V = Vec<int16_t, N>;
+  return generate<V>([&](int i) NUQI_FORCED {
+#if defined(NUQI_PLAIN) || !defined(__SSE2__)
+    typedef int32_t Pairs __attribute__((vector_size(sizeof(typename V::Reg))));
+    const Pairs x = (Pairs)a.r[i], y = (Pairs)b.r[i];
+    const Pairs even = (x << 16 >> 16) * (y << 16 >> 16), odd = (x >> 16) * (y >> 16);
+    return (even >> 16 & 0xFFFF) | (odd & ~0xFFFF);
+#elif NUQI_LEVEL == 2
+    return _mm512_mulhi_epi16((__m512i)a.r[i], (__m512i)b.r[i]);
+#elif NUQI_LEVEL == 1
+    return _mm256_mulhi_epi16((__m256i)a.r[i], (__m256i)b.r[i]);
+#else
+    return _mm_mulhi_epi16((__m128i)a.r[i], (__m128i)b.r[i]);
+#endif
+  });
+}
+
+// a - b, at most 32767 and at least -32768.
+template <int N>
+NUQI_INLINE Vec<int16_t, N> subtract_saturated(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
+  using V = Vec<int16_t, N>;
+#if defined(NUQI_PLAIN) || !defined(__SSE2__)
+  const auto wrapped = as<int16_t>(as<uint16_t>(a) - as<uint16_t>(b));
+  const auto limit = as<int16_t>(broadcast<uint16_t, N>(0x7FFF) - as<uint16_t>(a >> 15));
+  return select(((a ^ b) & (a ^ wrapped)) < V{}, limit, wrapped);
+#else
+  return generate<V>([&](int i) NUQI_FORCED {
+#if NUQI_LEVEL == 2
+    return _mm512_subs_epi16((__m512i)a.r[i], (__m512i)b.r[i]);
+#elif NUQI_LEVEL == 1
+    return _mm256_subs_epi16((__m256i)a.r[i], (__m256i)b.r[i]);
+#else
+    return _mm_subs_epi16((__m128i)a.r[i], (__m128i)b.r[i]);
+#endif
+  });
+#endif
+}
+
+// 64 bits to bytes, the lowest first: 255 where the bit is set.
+NUQI_INLINE Vec<uint8_t, 64> bytes_of_bits(uint64_t bits) {
+  using Bytes = Vec<uint8_t, 64>;
+#if NUQI_LEVEL == 2
+  return {{(Bytes::Reg)_mm512_movm_epi8(bits)}};
+#else
+  // Each lane gets the byte that holds its bit, and looks at that bit alone.
+  constexpr uint64_t kOnes = 0x0101010101010101, kLaneBits = 0x8040201008040201;
+  typedef uint64_t Words __attribute__((vector_size(sizeof(Bytes::Reg))));
+  return generate<Bytes>([&](int i) NUQI_FORCED {
+    const Bytes::Reg lane_bits = (Bytes::Reg)(kLaneBits + Words{});
+#if NUQI_LEVEL == 1
+    const Words from = Words{0, kOnes, 2 * kOnes, 3 * kOnes} + 4 * kOnes * (uint64_t)i;
+    const Words all = (Words)_mm256_shuffle_epi8((__m256i)(bits + Words{}), (__m256i)from);
+#else
+    const auto spread = [&](int byte) NUQI_FORCED { return (bits >> 8 * byte & 0xFF) * kOnes; };
+    const Words all = {spread(2 * i), spread(2 * i + 1)};
+#endif
+    return ((Bytes::Reg)all & lane_bits) == lane_bits;
+  });
+#endif
+}
+
 // a where the mask byte is not zero, +0.0 elsewhere.
 NUQI_INLINE Px<float> keep_selected(const Px<uint8_t>& mask, const Px<float>& a) {
 #if NUQI_LEVEL == 2
