@@ -17,6 +17,7 @@ struct Family {
 };
 const Family kFamilies[] = {
     {"accumulate", hash_accumulate, 0x6CF2B18A7F966E37},
+    {"norm", hash_norm, 0xA64CBB607D35C17F},
 };
 
 class SameBits : public EveryIsa {};
