@@ -2,8 +2,12 @@
 # NUQI_FLAGS_<name>. The first is the baseline.
 set(NUQI_LEVEL_NAMES base)
 set(NUQI_FLAGS_base "")
-set(NUQI_FLAGS_avx2 -mavx2)
-set(NUQI_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mprefer-vector-width=512)
+# Tuned for real processors: for its generic one, GCC 12 loads a register again for every further use.
+set(NUQI_FLAGS_avx2 -mavx2 -mtune=skylake)
+# AVX-512 as of Ice Lake and Zen 4: byte permutations and byte dot products halve the time of much that
+# works on bytes. Its first processors, without these, clock down for 512 bits and run the AVX2 level.
+set(NUQI_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi -mavx512vnni
+  -mtune=icelake-server -mprefer-vector-width=512)
 
 set(NUQI_X86_32 OFF)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$")

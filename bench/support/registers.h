@@ -2,7 +2,8 @@
 #pragma once
 
 #define NUQI_ISA native
-#if defined(__AVX512BW__) && defined(__AVX512VL__)
+#if defined(__AVX512BW__) && defined(__AVX512VL__) && defined(__AVX512VBMI__) && \
+    defined(__AVX512VNNI__)
 #define NUQI_LEVEL 2
 #elif defined(__AVX2__)
 #define NUQI_LEVEL 1
@@ -10,7 +11,7 @@
 #define NUQI_LEVEL 0
 #endif
 
-#include "core/simd/convert.h"
+#include "core/simd/reduce.h"
 
 namespace nuqi::native {
 namespace {

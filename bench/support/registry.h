@@ -73,10 +73,12 @@ struct Limit {
     register_loop(name, roi, [](const Images& im) {
       const int64_t pixels = int64_t{im.roi.width} * im.roi.height;
       uint8_t* out = im.out.get();
-      const Traffic traffic = {{im.u8.get(), im.u8b.get(), im.mask.get(), (uint8_t*)im.s8.get()},
-                               {(uint8_t*)im.acc.get(), (uint8_t*)im.f32b.get()},
-                               {out, out + 4 * pixels, out + 8 * pixels, out + 12 * pixels},
-                               pixels};
+      // The float images have room for the widest streams, of four channels.
+      const Traffic traffic = {
+          {(uint8_t*)im.f32.get(), (uint8_t*)im.f32b.get(), im.mask.get(), (uint8_t*)im.s8.get()},
+          {(uint8_t*)im.acc.get(), (uint8_t*)im.s8b.get()},
+          {out, out + 4 * pixels, out + 8 * pixels, out + 12 * pixels},
+          pixels};
       return [traffic] {
         MemoryLoop<Sources, Accumulators, Destinations, Pixels, stores>::run(traffic);
       };

@@ -164,6 +164,218 @@ NUQI_API StatusCode nuqiAddWeighted_32f_C1IMR(const float* src, int32_t srcStep,
                                               const uint8_t* mask, int32_t maskStep, float* acc,
                                               int32_t accStep, RoiSize roi, float alpha);
 
+/* ---- Norms -----------------------------------------------------------------------------------
+ *
+ * How large an image is, how far apart two images are, or how far relative to the second one, over the
+ * pixels that a mask selects. With a the first (or only) source and b the second:
+ *
+ *               Inf                        L1                         L2
+ *   Norm        max |a|                    sum |a|                    sqrt(sum a^2)
+ *   NormDiff    max |a - b|                sum |a - b|                sqrt(sum (a - b)^2)
+ *   NormRel     max |a - b| / max |b|      sum |a - b| / sum |b|      sqrt(sum (a - b)^2 / sum b^2)
+ *
+ * Shapes      C1: one channel. C3C: one of three, channel 1 to 3. Sources 8u, 8s or 32f. The result is
+ *             a double, written on success only.
+ * Bytes       Exact; -128 has magnitude 128. L1 sums are kept modulo 2^32 and read as signed: more than
+ *             2^31 / 255 bright pixels may come out negative. L2 sums have 64 bits.
+ * 32f         Single precision throughout, then widened; quotient and root are double. Sums have
+ *             sixteen parts: the pixel in column x of its row adds to part x mod 16, rows from top to
+ *             bottom, an unselected one +0.0. At the end part i takes part i + 8, then i + 4, i + 2 and
+ *             i + 1. A NaN is passed over by Inf and makes L1 and L2 NaN.
+ * Zero        A denominator of 0 counts as 2^-52: the result is the numerator times 2^52, or the root
+ *             of that.
+ * Mask        Unselected pixels count as 0; an empty mask gives 0.0.
+ * Overlap     The sources and the mask may overlap in any way.
+ * Statuses    1. StatusNullPtr: a pointer is null.
+ *             2. StatusBadStep: a step below 1.
+ *             3. StatusBadCoi: channel below 1 or above 3 (C3C).
+ *             4. StatusBadSize: width or height below 1, a step below the width in pixels (so that rows
+ *                may overlap), or a 32f source step not a multiple of 4.
+ *             StatusOk otherwise.
+ */
+NUQI_API StatusCode nuqiNorm_Inf_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                         int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_Inf_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                         int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_Inf_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                          int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_L1_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                        int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_L1_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                        int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_L1_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                         int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_L2_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                        int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_L2_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                        int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_L2_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                         int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNorm_Inf_8u_C3CMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                          int32_t maskStep, RoiSize roi, int32_t channel,
+                                          double* norm);
+NUQI_API StatusCode nuqiNorm_Inf_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                          int32_t maskStep, RoiSize roi, int32_t channel,
+                                          double* norm);
+NUQI_API StatusCode nuqiNorm_Inf_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                           int32_t maskStep, RoiSize roi, int32_t channel,
+                                           double* norm);
+NUQI_API StatusCode nuqiNorm_L1_8u_C3CMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                         int32_t maskStep, RoiSize roi, int32_t channel,
+                                         double* norm);
+NUQI_API StatusCode nuqiNorm_L1_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                         int32_t maskStep, RoiSize roi, int32_t channel,
+                                         double* norm);
+NUQI_API StatusCode nuqiNorm_L1_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                          int32_t maskStep, RoiSize roi, int32_t channel,
+                                          double* norm);
+NUQI_API StatusCode nuqiNorm_L2_8u_C3CMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                         int32_t maskStep, RoiSize roi, int32_t channel,
+                                         double* norm);
+NUQI_API StatusCode nuqiNorm_L2_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                         int32_t maskStep, RoiSize roi, int32_t channel,
+                                         double* norm);
+NUQI_API StatusCode nuqiNorm_L2_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                          int32_t maskStep, RoiSize roi, int32_t channel,
+                                          double* norm);
+NUQI_API StatusCode nuqiNormDiff_Inf_8u_C1MR(const uint8_t* src1, int32_t src1Step,
+                                             const uint8_t* src2, int32_t src2Step,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             double* norm);
+NUQI_API StatusCode nuqiNormDiff_Inf_8s_C1MR(const int8_t* src1, int32_t src1Step,
+                                             const int8_t* src2, int32_t src2Step,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             double* norm);
+NUQI_API StatusCode nuqiNormDiff_Inf_32f_C1MR(const float* src1, int32_t src1Step,
+                                              const float* src2, int32_t src2Step,
+                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                              double* norm);
+NUQI_API StatusCode nuqiNormDiff_L1_8u_C1MR(const uint8_t* src1, int32_t src1Step,
+                                            const uint8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            double* norm);
+NUQI_API StatusCode nuqiNormDiff_L1_8s_C1MR(const int8_t* src1, int32_t src1Step,
+                                            const int8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            double* norm);
+NUQI_API StatusCode nuqiNormDiff_L1_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
+                                             int32_t src2Step, const uint8_t* mask,
+                                             int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNormDiff_L2_8u_C1MR(const uint8_t* src1, int32_t src1Step,
+                                            const uint8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            double* norm);
+NUQI_API StatusCode nuqiNormDiff_L2_8s_C1MR(const int8_t* src1, int32_t src1Step,
+                                            const int8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            double* norm);
+NUQI_API StatusCode nuqiNormDiff_L2_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
+                                             int32_t src2Step, const uint8_t* mask,
+                                             int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNormDiff_Inf_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
+                                              const uint8_t* src2, int32_t src2Step,
+                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                              int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormDiff_Inf_8s_C3CMR(const int8_t* src1, int32_t src1Step,
+                                              const int8_t* src2, int32_t src2Step,
+                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                              int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormDiff_Inf_32f_C3CMR(const float* src1, int32_t src1Step,
+                                               const float* src2, int32_t src2Step,
+                                               const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                               int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormDiff_L1_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
+                                             const uint8_t* src2, int32_t src2Step,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormDiff_L1_8s_C3CMR(const int8_t* src1, int32_t src1Step,
+                                             const int8_t* src2, int32_t src2Step,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormDiff_L1_32f_C3CMR(const float* src1, int32_t src1Step,
+                                              const float* src2, int32_t src2Step,
+                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                              int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormDiff_L2_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
+                                             const uint8_t* src2, int32_t src2Step,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormDiff_L2_8s_C3CMR(const int8_t* src1, int32_t src1Step,
+                                             const int8_t* src2, int32_t src2Step,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormDiff_L2_32f_C3CMR(const float* src1, int32_t src1Step,
+                                              const float* src2, int32_t src2Step,
+                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                              int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormRel_Inf_8u_C1MR(const uint8_t* src1, int32_t src1Step,
+                                            const uint8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            double* norm);
+NUQI_API StatusCode nuqiNormRel_Inf_8s_C1MR(const int8_t* src1, int32_t src1Step,
+                                            const int8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            double* norm);
+NUQI_API StatusCode nuqiNormRel_Inf_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
+                                             int32_t src2Step, const uint8_t* mask,
+                                             int32_t maskStep, RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNormRel_L1_8u_C1MR(const uint8_t* src1, int32_t src1Step,
+                                           const uint8_t* src2, int32_t src2Step,
+                                           const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                           double* norm);
+NUQI_API StatusCode nuqiNormRel_L1_8s_C1MR(const int8_t* src1, int32_t src1Step, const int8_t* src2,
+                                           int32_t src2Step, const uint8_t* mask, int32_t maskStep,
+                                           RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNormRel_L1_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
+                                            int32_t src2Step, const uint8_t* mask, int32_t maskStep,
+                                            RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNormRel_L2_8u_C1MR(const uint8_t* src1, int32_t src1Step,
+                                           const uint8_t* src2, int32_t src2Step,
+                                           const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                           double* norm);
+NUQI_API StatusCode nuqiNormRel_L2_8s_C1MR(const int8_t* src1, int32_t src1Step, const int8_t* src2,
+                                           int32_t src2Step, const uint8_t* mask, int32_t maskStep,
+                                           RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNormRel_L2_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
+                                            int32_t src2Step, const uint8_t* mask, int32_t maskStep,
+                                            RoiSize roi, double* norm);
+NUQI_API StatusCode nuqiNormRel_Inf_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
+                                             const uint8_t* src2, int32_t src2Step,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormRel_Inf_8s_C3CMR(const int8_t* src1, int32_t src1Step,
+                                             const int8_t* src2, int32_t src2Step,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormRel_Inf_32f_C3CMR(const float* src1, int32_t src1Step,
+                                              const float* src2, int32_t src2Step,
+                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                              int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormRel_L1_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
+                                            const uint8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormRel_L1_8s_C3CMR(const int8_t* src1, int32_t src1Step,
+                                            const int8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormRel_L1_32f_C3CMR(const float* src1, int32_t src1Step, const float* src2,
+                                             int32_t src2Step, const uint8_t* mask,
+                                             int32_t maskStep, RoiSize roi, int32_t channel,
+                                             double* norm);
+NUQI_API StatusCode nuqiNormRel_L2_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
+                                            const uint8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormRel_L2_8s_C3CMR(const int8_t* src1, int32_t src1Step,
+                                            const int8_t* src2, int32_t src2Step,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            int32_t channel, double* norm);
+NUQI_API StatusCode nuqiNormRel_L2_32f_C3CMR(const float* src1, int32_t src1Step, const float* src2,
+                                             int32_t src2Step, const uint8_t* mask,
+                                             int32_t maskStep, RoiSize roi, int32_t channel,
+                                             double* norm);
+
 /* ---- Fixed 3x3 derivatives -------------------------------------------------------------------
  *
  * One fixed 3x3 derivative of a one-channel image: Sobel's first, second and mixed derivatives and

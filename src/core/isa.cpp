@@ -29,6 +29,8 @@ Isa ask_cpu() {
   if (!(b & (1u << 5))) return Isa::base;  // avx2
   constexpr uint32_t f_dq_bw_vl = 1u << 16 | 1u << 17 | 1u << 30 | 1u << 31;
   if ((b & f_dq_bw_vl) != f_dq_bw_vl || !os_saves(0xE6)) return Isa::avx2;  // masks, zmm
+  constexpr uint32_t vbmi_vnni = 1u << 1 | 1u << 11;
+  if ((c & vbmi_vnni) != vbmi_vnni) return Isa::avx2;
   return Isa::avx512;
 }
 #else

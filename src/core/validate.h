@@ -25,4 +25,7 @@ constexpr bool uneven(const Image<T>& image) {
   return image.step % static_cast<int32_t>(sizeof(T)) != 0;
 }
 
+// Not one of the three channels of interest.
+constexpr bool bad_channel(int32_t coi) { return coi < 1 || coi > 3; }
+
 }  // namespace nuqi

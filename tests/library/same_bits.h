@@ -7,5 +7,6 @@ namespace nuqi::test {
 
 void hash_accumulate(Hash& hash);
 void hash_canny(Hash& hash);
+void hash_norm(Hash& hash);
 
 }  // namespace nuqi::test

@@ -18,6 +18,7 @@ struct Family {
 const Family kFamilies[] = {
     {"accumulate", hash_accumulate, 0x6CF2B18A7F966E37},
     {"canny", hash_canny, 0x61A768FE55610C05},
+    {"norm", hash_norm, 0xA64CBB607D35C17F},
 };
 
 class SameBits : public EveryIsa {};

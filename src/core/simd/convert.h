@@ -72,7 +72,7 @@ NUQI_INLINE Px<int32_t> widen_bytes(const Px<From>& a) {
   return {
       {(Px<int32_t>::Reg)(kIsSigned<From> ? _mm512_cvtepi8_epi32(in) : _mm512_cvtepu8_epi32(in))}};
 #elif NUQI_LEVEL == 1
-  return generate<Px<int32_t> >([&](int i) NUQI_FORCED {
+  return generate<Px<int32_t>>([&](int i) NUQI_FORCED {
     const __m128i x = (__m128i)a.r[0];
     const __m128i in = i == 0 ? x : _mm_unpackhi_epi64(x, x);
     return kIsSigned<From> ? _mm256_cvtepi8_epi32(in) : _mm256_cvtepu8_epi32(in);
@@ -113,7 +113,7 @@ NUQI_INLINE Px<int32_t> multiply_bytes(const Px<T>& a, const Px<T>& b) {
   // half of one factor has to be clear, or sign extensions multiply each other.
   Px<int32_t> y = convert<int32_t>(b);
   if constexpr (kIsSigned<T>) y = y & broadcast<int32_t>(0xFFFF);
-  return generate<Px<int32_t> >([&](int i) NUQI_FORCED {
+  return generate<Px<int32_t>>([&](int i) NUQI_FORCED {
 #if NUQI_LEVEL == 2
     return _mm512_madd_epi16((__m512i)x.r[i], (__m512i)y.r[i]);
 #elif NUQI_LEVEL == 1
@@ -189,13 +189,92 @@ NUQI_INLINE Vec<uint8_t, 64> bytes_of_bits(uint64_t bits) {
 #endif
 }
 
+// Magnitudes: 128 of -128.
+template <int N>
+NUQI_INLINE Vec<uint8_t, N> abs(const Vec<int8_t, N>& a) {
+  static_assert(Vec<int8_t, N>::kRegs == 1);
+#if NUQI_LEVEL == 2
+  return {{(typename Vec<uint8_t, N>::Reg)_mm512_abs_epi8((__m512i)a.r[0])}};
+#elif NUQI_LEVEL == 1
+  return {{(typename Vec<uint8_t, N>::Reg)_mm256_abs_epi8((__m256i)a.r[0])}};
+#else
+  const auto bits = as<uint8_t>(a);
+  return min(bits, Vec<uint8_t, N>{} - bits);
+#endif
+}
+
 // a where the mask byte is not zero, +0.0 elsewhere.
 NUQI_INLINE Px<float> keep_selected(const Px<uint8_t>& mask, const Px<float>& a) {
 #if NUQI_LEVEL == 2
   const __m128i bytes = (__m128i)mask.r[0];
-  return {{(Px<float>::Reg)_mm512_maskz_mov_ps(_mm_test_epi8_mask(bytes, bytes), (__m512)a.r[0])}};
+  // As integers: the compiler then clears a sign in the same instruction.
+  const __mmask16 selected = _mm_test_epi8_mask(bytes, bytes);
+  return {{(Px<float>::Reg)_mm512_maskz_mov_epi32(selected, (__m512i)a.r[0])}};
 #else
   return keep(convert<int32_t>(nonzero(mask)), a);
+#endif
+}
+// The same by the first eight mask bytes.
+NUQI_INLINE Vec<float, 8> keep_selected(const Px<uint8_t>& mask, const Vec<float, 8>& a) {
+#if NUQI_LEVEL == 2
+  const __m128i bytes = (__m128i)mask.r[0];
+  const __mmask8 selected = (__mmask8)_mm_test_epi8_mask(bytes, bytes);
+  return {{(Vec<float, 8>::Reg)_mm256_maskz_mov_epi32(selected, (__m256i)a.r[0])}};
+#else
+  const Px<int32_t> lanes = convert<int32_t>(nonzero(mask));
+  return keep(generate<Vec<int32_t, 8>>([&](int i) NUQI_FORCED { return lanes.r[i]; }), a);
+#endif
+}
+
+// Bytes where the mask byte is not zero, 0 elsewhere.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> keep_selected(const Vec<uint8_t, N>& mask, const Vec<T, N>& a) {
+  static_assert(sizeof(T) == 1);
+#if NUQI_LEVEL == 2
+  static_assert(N == 64);
+  const __m512i bytes = (__m512i)mask.r[0];
+  return {{(typename Vec<T, N>::Reg)_mm512_maskz_mov_epi8(_mm512_test_epi8_mask(bytes, bytes),
+                                                          (__m512i)a.r[0])}};
+#else
+  return keep(nonzero(mask), a);
+#endif
+}
+
+// To doubles, exactly.
+template <int N>
+NUQI_INLINE Vec<double, N> to_doubles(const Vec<float, N>& a) {
+  using Out = Vec<double, N>;
+  using OutReg = typename Out::Reg;
+  return generate<Out>([&](int i) NUQI_FORCED {
+    const auto& in = a.r[i / 2];
+#if NUQI_LEVEL == 2
+    static_assert(sizeof(OutReg) == 64 && sizeof in == 64);
+    const __m512d both = (__m512d)in;
+    return _mm512_cvtps_pd(
+        (__m256)(i % 2 == 0 ? _mm512_castpd512_pd256(both) : _mm512_extractf64x4_pd(both, 1)));
+#elif NUQI_LEVEL == 1
+    static_assert(sizeof(OutReg) == 32 && sizeof in == 32);
+    const __m256 both = (__m256)in;
+    return _mm256_cvtps_pd(i % 2 == 0 ? _mm256_castps256_ps128(both)
+                                      : _mm256_extractf128_ps(both, 1));
+#elif defined(__SSE2__) && !defined(NUQI_PLAIN)
+    const __m128 both = (__m128)in;
+    return (OutReg)_mm_cvtps_pd(i % 2 == 0 ? both : _mm_movehl_ps(both, both));
+#else
+    return i % 2 == 0 ? OutReg{in[0], in[1]} : OutReg{in[2], in[3]};
+#endif
+  });
+}
+
+// sum + a * a, where the square is exact: then a fused operation is the same and saves one.
+template <int N>
+NUQI_INLINE Vec<double, N> add_exact_square(const Vec<double, N>& sum, const Vec<double, N>& a) {
+#if NUQI_LEVEL == 2
+  return generate<Vec<double, N>>([&](int i) NUQI_FORCED {
+    return _mm512_fmadd_pd((__m512d)a.r[i], (__m512d)a.r[i], (__m512d)sum.r[i]);
+  });
+#else
+  return sum + a * a;
 #endif
 }
 

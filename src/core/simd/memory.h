@@ -124,12 +124,37 @@ NUQI_INLINE void store(T* to, const Vec<T, N>& a, First part) {
 
 #endif
 
+// The first, and the second, eight lanes of a block of sixteen.
+NUQI_INLINE Whole eight_of(Whole part, int) { return part; }
+NUQI_INLINE First eight_of(First part, int half) {
+  const int lanes = part.lanes - 8 * half;
+  return {lanes < 0 ? 0 : lanes > 8 ? 8 : lanes};
+}
+// Eight bytes; eight zeros follow them.
+NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, Whole) {
+  typedef int64_t Halves __attribute__((vector_size(16)));
+  return {{(Px<uint8_t>::Reg)Halves{load_one((const int64_t*)from)}}};
+}
+NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, First part) { return load(from, part); }
+
 // Walks a row: body(x, Whole{}) for each block of N pixels, then body(x, First{rest}).
 template <int N = 16, class Body>
 NUQI_INLINE void for_blocks(int64_t width, const Body& body) {
   int64_t x = 0;
   for (; x + N <= width; x += N) body(x, Whole{});
   if (x < width) body(x, First{int(width - x)});
+}
+
+// The same with body(x, part, turn): blocks take the turns 0 to Turns - 1, so that a kernel whose sums
+// are slow to follow each other can keep several.
+template <int N, int Turns, class Body>
+NUQI_INLINE void for_blocks_in_turns(int64_t width, const Body& body) {
+  int64_t x = 0;
+  for (; x + Turns * N <= width; x += Turns * N)
+    for_each<Turns>([&](int turn) NUQI_FORCED { body(x + turn * N, Whole{}, turn); });
+  if constexpr (Turns > 1)
+    for (; x + N <= width; x += N) body(x, Whole{}, 0);
+  if (x < width) body(x, First{int(width - x)}, 0);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
-// What a whole vector comes to: a bit for each lane, or one for all.
+// What a whole vector comes to: bits of its lanes, their sum or extreme, and running sums of bytes.
 #pragma once
 
-#include "core/simd/vec.h"
+#include "core/simd/convert.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
@@ -42,6 +42,227 @@ NUQI_INLINE bool any(const Vec<T, N>& a) {
   return (halves[0] | halves[1]) != 0;
 #endif
 }
+
+// ---- From many lanes to one
+
+// The lanes from I + Down on; zeros follow them.
+template <int Down, class Reg, int... I>
+NUQI_INLINE Reg lanes_from(const Reg& a, Indices<I...>) {
+  return __builtin_shufflevector(a, Reg{}, (I + Down)...);
+}
+template <int Lanes, class T, int N, class Op>
+NUQI_INLINE T fold_first(const Vec<T, N>& a, const Op& op) {
+  if constexpr (Lanes == 1) {
+    return a.r[0][0];
+  } else {
+    using All = typename UpTo<N>::Type;
+    return fold_first<Lanes / 2>(op(a, Vec<T, N>{{lanes_from<Lanes / 2>(a.r[0], All{})}}), op);
+  }
+}
+// op of the upper half of the lanes and the lower one, until one lane is left: one order everywhere.
+template <class T, int N, class Op>
+NUQI_INLINE T fold(const Vec<T, N>& a, const Op& op) {
+  using V = Vec<T, N>;
+  using Half = Vec<T, N / 2>;
+  if constexpr (V::kBytes == 16) {
+    return fold_first<N>(a, op);
+  } else if constexpr (V::kRegs == 1) {
+    using Lanes = typename UpTo<N / 2>::Type;
+    return fold(op(Half{{low_half(a.r[0], Lanes{})}}, Half{{high_half(a.r[0], Lanes{})}}), op);
+  } else {
+    return fold(op(generate<Half>([&](int i) NUQI_FORCED { return a.r[i]; }),
+                   generate<Half>([&](int i) NUQI_FORCED { return a.r[Half::kRegs + i]; })),
+                op);
+  }
+}
+template <class T, int N>
+NUQI_INLINE T fold(const Vec<T, N>& a) {
+  return fold(a, [](const auto& x, const auto& y) NUQI_FORCED { return x + y; });
+}
+template <class T, int N>
+NUQI_INLINE T largest_lane(const Vec<T, N>& a) {
+  return fold(a, [](const auto& x, const auto& y) NUQI_FORCED { return max(x, y); });
+}
+
+// The same bits, seen as lanes of another size.
+template <class T, class S, int N>
+NUQI_INLINE auto lanes_as(const Vec<S, N>& a) {
+  using Out = Vec<T, N* int{sizeof(S)} / int{sizeof(T)}>;
+  return generate<Out>([&](int i) NUQI_FORCED { return (typename Out::Reg)a.r[i]; });
+}
+
+// The sums of two neighbours each, in lanes of twice the size.
+template <class To, class From, int N>
+NUQI_INLINE Vec<To, N / 2> sum_pairs(const Vec<From, N>& a) {
+  static_assert(sizeof(To) == 2 * sizeof(From) && kIsSigned<To> == kIsSigned<From>);
+  const Vec<To, N / 2> pairs = lanes_as<To>(a);
+  constexpr int kBits = 8 * sizeof(From);
+  return ((pairs << kBits) >> kBits) + (pairs >> kBits);
+}
+
+// The sums of eight neighbours each.
+template <int N>
+NUQI_INLINE Vec<uint64_t, N / 8> sum_eights(const Vec<uint8_t, N>& a) {
+#if defined(NUQI_PLAIN) || !defined(__SSE2__)
+  return sum_pairs<uint64_t>(sum_pairs<uint32_t>(sum_pairs<uint16_t>(a)));
+#else
+  using Out = Vec<uint64_t, N / 8>;
+  return generate<Out>([&](int i) NUQI_FORCED {
+#if NUQI_LEVEL == 2
+    if constexpr (sizeof(typename Out::Reg) == 64)
+      return _mm512_sad_epu8((__m512i)a.r[i], __m512i{});
+    else
+#endif
+#if NUQI_LEVEL >= 1
+        if constexpr (sizeof(typename Out::Reg) == 32)
+      return _mm256_sad_epu8((__m256i)a.r[i], __m256i{});
+    else
+#endif
+      return _mm_sad_epu8((__m128i)a.r[i], __m128i{});
+  });
+#endif
+}
+
+// The sums of two neighbours' products each.
+template <int N>
+NUQI_INLINE Vec<int32_t, N / 2> dot_pairs(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
+#if defined(NUQI_PLAIN) || !defined(__SSE2__)
+  const auto x = lanes_as<int32_t>(a), y = lanes_as<int32_t>(b);
+  return ((x << 16) >> 16) * ((y << 16) >> 16) + (x >> 16) * (y >> 16);
+#else
+  return generate<Vec<int32_t, N / 2> >([&](int i) NUQI_FORCED {
+#if NUQI_LEVEL == 2
+    return _mm512_madd_epi16((__m512i)a.r[i], (__m512i)b.r[i]);
+#elif NUQI_LEVEL == 1
+    return _mm256_madd_epi16((__m256i)a.r[i], (__m256i)b.r[i]);
+#else
+    return _mm_madd_epi16((__m128i)a.r[i], (__m128i)b.r[i]);
+#endif
+  });
+#endif
+}
+
+// ---- Over many pixels
+
+// Running sums of bytes and of their squares.
+#if NUQI_LEVEL == 2
+
+template <class T, bool squares>
+class ByteSums {
+ public:
+  static constexpr int kTurns = 4;     // the dot product takes five cycles: four sums hide them
+  static constexpr int kRoom = 16384;  // additions of extremes that a 32-bit lane holds
+
+  // Makes room for `blocks` additions, kRoom at most.
+  NUQI_INLINE void reserve(int blocks) {
+    if (used_ + blocks > kRoom) collect();
+    used_ += blocks;
+  }
+  NUQI_INLINE void add(Reg<T> a, int turn) {
+    // Else GCC loads it three times over, once for each use.
+    __asm__("" : "+v"(a.r[0]));
+    // The dot product's factors are an unsigned and a signed byte: x + 128 and x, or x and x - 128.
+    const auto one = broadcast<int8_t, 64>(1);
+    const auto other = a ^ broadcast<T, 64>(T(128));
+    if constexpr (kIsSigned<T>) {
+      add_dots(sums_.r[turn], as<uint8_t>(one), a);
+      if constexpr (squares) add_dots(products_.r[turn], as<uint8_t>(other), a);
+    } else {
+      add_dots(sums_.r[turn], a, one);
+      if constexpr (squares) add_dots(products_.r[turn], a, as<int8_t>(other));
+    }
+  }
+  NUQI_INLINE void collect() {
+    const int64_t sum = fold(sum_pairs<int64_t>(sums_));
+    sum_ += sum;
+    squares_ += fold(sum_pairs<int64_t>(products_)) + (kIsSigned<T> ? -128 : 128) * sum;
+    sums_ = products_ = {};
+    used_ = 0;
+  }
+  NUQI_INLINE int64_t sum() const { return sum_; }
+  NUQI_INLINE int64_t squares_sum() const { return squares_; }
+
+ private:
+  using Sums = Vec<int32_t, 16 * kTurns>;
+  static NUQI_INLINE void add_dots(Sums::Reg& sums, const Reg<uint8_t>& a, const Reg<int8_t>& b) {
+    sums = (Sums::Reg)_mm512_dpbusd_epi32((__m512i)sums, (__m512i)a.r[0], (__m512i)b.r[0]);
+  }
+
+  Sums sums_ = {}, products_ = {};
+  int64_t sum_ = 0, squares_ = 0;
+  int used_ = 0;
+};
+
+#else
+
+template <class T, bool squares>
+class ByteSums {
+ public:
+  static constexpr int kTurns = 1;
+  static constexpr int kRoom = 16384;
+
+  NUQI_INLINE void reserve(int blocks) {
+    if (used_ + blocks > kRoom) collect();
+    used_ += blocks;
+  }
+  NUQI_INLINE void add(const Reg<T>& a, int) {
+    using Pairs = Reg<int16_t>;
+    // Signed bytes are summed as x + 128.
+    const auto x = as<uint8_t>(kIsSigned<T> ? a ^ broadcast<T, Reg<T>::kLanes>(T(128)) : a);
+    sums_ = sums_ + sum_eights(x);
+    if constexpr (squares) {
+      const auto even = lanes_as<int16_t>(x) & broadcast<int16_t, Pairs::kLanes>(255);
+      const auto odd = as<int16_t>(lanes_as<uint16_t>(x) >> 8);
+      squares_lanes_ = squares_lanes_ + as<uint32_t>(dot_pairs(even, even) + dot_pairs(odd, odd));
+    }
+  }
+  NUQI_INLINE void collect() {
+    const int64_t lanes = kIsSigned<T> ? int64_t{used_} * Reg<T>::kLanes : 0;
+    const int64_t sum = static_cast<int64_t>(fold(sums_));
+    sum_ += sum - 128 * lanes;
+    squares_ += static_cast<int64_t>(fold(sum_pairs<uint64_t>(squares_lanes_)));
+    if (kIsSigned<T>) squares_ += 16384 * lanes - 256 * sum;
+    sums_ = {};
+    squares_lanes_ = {};
+    used_ = 0;
+  }
+  NUQI_INLINE int64_t sum() const { return sum_; }
+  NUQI_INLINE int64_t squares_sum() const { return squares_; }
+
+ private:
+  Reg<uint64_t> sums_ = {};
+  Reg<uint32_t> squares_lanes_ = {};
+  int64_t sum_ = 0, squares_ = 0;
+  int used_ = 0;
+};
+
+#endif
+
+// Counts the selected pixels of masks.
+template <int N>
+class SelectedCount {
+ public:
+#if NUQI_LEVEL == 2
+  NUQI_INLINE void add(const Vec<uint8_t, N>& mask) {
+    if constexpr (N == 64)
+      count_ += __builtin_popcountll(_mm512_test_epi8_mask((__m512i)mask.r[0], (__m512i)mask.r[0]));
+    else
+      count_ += __builtin_popcount(_mm_test_epi8_mask((__m128i)mask.r[0], (__m128i)mask.r[0]));
+  }
+  NUQI_INLINE uint32_t total() const { return count_; }
+
+ private:
+  uint32_t count_ = 0;
+#else
+  NUQI_INLINE void add(const Vec<uint8_t, N>& mask) {
+    sums_ = sums_ + sum_eights(min(mask, broadcast<uint8_t, N>(1)));
+  }
+  NUQI_INLINE uint32_t total() const { return static_cast<uint32_t>(fold(sums_)); }
+
+ private:
+  Vec<uint64_t, N / 8> sums_ = {};
+#endif
+};
 
 }  // namespace
 }  // namespace nuqi::NUQI_ISA
