@@ -4,7 +4,11 @@
 namespace nuqi::bench {
 
 void register_accumulate();
+void register_abs_diff();
 
-inline void register_all() { register_accumulate(); }
+inline void register_all() {
+  register_accumulate();
+  register_abs_diff();
+}
 
 }  // namespace nuqi::bench

@@ -164,6 +164,34 @@ NUQI_API StatusCode nuqiAddWeighted_32f_C1IMR(const float* src, int32_t srcStep,
                                               const uint8_t* mask, int32_t maskStep, float* acc,
                                               int32_t accStep, RoiSize roi, float alpha);
 
+/* ---- Absolute difference ---------------------------------------------------------------------
+ *
+ * The absolute difference of two images, or of an image and a constant: where frames differ.
+ *
+ *   nuqiAbsDiff      dst = |src1 - src2|
+ *   nuqiAbsDiffC     dst = |src - value|
+ *
+ * Shapes      One channel, 8u or 32f; all images of one type.
+ * Arithmetic  8u: exact, 0 to 255; value is first limited to 0 to 255. 32f: one subtraction, then
+ *             the sign is cleared, that of a NaN and of -0.0 too.
+ * Overlap     The destination may be one of the sources, and must not overlap them otherwise.
+ * Statuses    1. StatusNullPtr: an image pointer is null.
+ *             2. StatusBadSize: width or height below 1.
+ *             3. StatusBadSize: a step below its row's bytes, or a 32f step not a multiple of 4.
+ *                nuqiAbsDiffC_32f_C1R alone compares its steps with the width in pixels, so that
+ *                rows may overlap; they are written from top to bottom.
+ */
+NUQI_API StatusCode nuqiAbsDiff_8u_C1R(const uint8_t* src1, int32_t src1Step, const uint8_t* src2,
+                                       int32_t src2Step, uint8_t* dst, int32_t dstStep,
+                                       RoiSize roi);
+NUQI_API StatusCode nuqiAbsDiff_32f_C1R(const float* src1, int32_t src1Step, const float* src2,
+                                        int32_t src2Step, float* dst, int32_t dstStep,
+                                        RoiSize roi);
+NUQI_API StatusCode nuqiAbsDiffC_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                        int32_t dstStep, RoiSize roi, int32_t value);
+NUQI_API StatusCode nuqiAbsDiffC_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                         int32_t dstStep, RoiSize roi, float value);
+
 /* ---- Fixed 3x3 derivatives -------------------------------------------------------------------
  *
  * One fixed 3x3 derivative of a one-channel image: Sobel's first, second and mixed derivatives and

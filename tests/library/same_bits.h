@@ -6,5 +6,6 @@
 namespace nuqi::test {
 
 void hash_accumulate(Hash& hash);
+void hash_abs_diff(Hash& hash);
 
 }  // namespace nuqi::test

@@ -188,6 +188,12 @@ NUQI_INLINE Vec<T, N> keep(const Mask<T, N>& mask, const Vec<T, N>& a) {
   return as<T>(as<Bits>(a) & mask);
 }
 
+// Clears the sign, a NaN's too.
+template <int N>
+NUQI_INLINE Vec<float, N> abs(const Vec<float, N>& a) {
+  return as<float>(as<int32_t>(a) & broadcast<int32_t, N>(0x7FFFFFFF));
+}
+
 // The second operand where either is NaN, as the machines' instructions have it.
 template <class T, int N>
 NUQI_INLINE Vec<T, N> min(const Vec<T, N>& a, const Vec<T, N>& b) {
