@@ -192,6 +192,43 @@ NUQI_API StatusCode nuqiAbsDiffC_8u_C1R(const uint8_t* src, int32_t srcStep, uin
 NUQI_API StatusCode nuqiAbsDiffC_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                          int32_t dstStep, RoiSize roi, float value);
 
+/* ---- Copies ----------------------------------------------------------------------------------
+ *
+ * Copies between an interleaved image of three or four channels and as many planes, bit for bit.
+ *
+ *   C3P3, C4P4   dst[c](x, y) = channel c of src(x, y)
+ *   P3C3, P4C4   channel c of dst(x, y) = src[c](x, y)
+ *
+ * Shapes      8u or 32f. Planes are passed as an array of three or four pointers; one step holds for
+ *             all of them.
+ * One plane   C3P3 and C4P4 also take an array with one plane, the others null, and copy that channel
+ *             alone.
+ * Overlap     Planes and interleaved image must not overlap, nor planes that are written each other.
+ * Statuses    C3P3 and C4P4 accept an empty ROI and a single plane, P3C3 and P4C4 refuse both.
+ *             1. StatusNullPtr: the interleaved image or the array is null.
+ *             2. StatusNullPtr: C3P3, C4P4: the number of planes that are not null is neither 1 nor
+ *                all; P3C3, P4C4: a plane is null.
+ *             3. StatusBadSize: width or height below 0 (P3C3, P4C4: below 1), a step below its row's
+ *                bytes, or a 32f step not a multiple of 4.
+ *             StatusOk otherwise; a width or height of 0 touches no memory.
+ */
+NUQI_API StatusCode nuqiCopy_8u_C3P3R(const uint8_t* src, int32_t srcStep, uint8_t* const dst[3],
+                                      int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_8u_C4P4R(const uint8_t* src, int32_t srcStep, uint8_t* const dst[4],
+                                      int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_32f_C3P3R(const float* src, int32_t srcStep, float* const dst[3],
+                                       int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_32f_C4P4R(const float* src, int32_t srcStep, float* const dst[4],
+                                       int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_8u_P3C3R(const uint8_t* const src[3], int32_t srcStep, uint8_t* dst,
+                                      int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_8u_P4C4R(const uint8_t* const src[4], int32_t srcStep, uint8_t* dst,
+                                      int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_32f_P3C3R(const float* const src[3], int32_t srcStep, float* dst,
+                                       int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_32f_P4C4R(const float* const src[4], int32_t srcStep, float* dst,
+                                       int32_t dstStep, RoiSize roi);
+
 /* ---- Fixed 3x3 derivatives -------------------------------------------------------------------
  *
  * One fixed 3x3 derivative of a one-channel image: Sobel's first, second and mixed derivatives and

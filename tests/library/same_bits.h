@@ -7,5 +7,6 @@ namespace nuqi::test {
 
 void hash_accumulate(Hash& hash);
 void hash_abs_diff(Hash& hash);
+void hash_copy(Hash& hash);
 
 }  // namespace nuqi::test

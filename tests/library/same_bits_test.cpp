@@ -18,6 +18,7 @@ struct Family {
 const Family kFamilies[] = {
     {"accumulate", hash_accumulate, 0x6CF2B18A7F966E37},
     {"abs_diff", hash_abs_diff, 0xAC7E7C2EBC280D46},
+    {"copy", hash_copy, 0x5FEB7D3EC9F32585},
 };
 
 class SameBits : public EveryIsa {};
