@@ -122,20 +122,28 @@ NUQI_INLINE Regs<T, 3> join_fields(const Regs<T, 3>& planes) {
   return {{blend<U, 1, 0>(in), blend<U, 1, n>(in), blend<U, 1, 2 * n>(in)}};
 }
 
-// Words permute across the register. Bytes do so only within a chunk of sixteen: chunks first.
+// Words permute across the register, and with VBMI bytes do. Without it bytes do so only within a
+// chunk of sixteen: chunks are permuted first.
+#if defined(__AVX512VBMI__)
+template <class T>
+constexpr bool kAcross = true;
+#else
+template <class T>
+constexpr bool kAcross = sizeof(T) == 4;
+#endif
 using Chunks = Unit<int64_t, kChunks>;
 
 template <class T>
 NUQI_INLINE Regs<T, 3> split(const Regs<T, 3>& in) {
-  if constexpr (sizeof(T) == 4)
-    return split_fields<Unit<T, kWords>>(in);
+  if constexpr (kAcross<T>)
+    return split_fields<Unit<T, Reg<T>::kLanes>>(in);
   else
     return split_fields<Unit<T, 16>>(recast<T>(split_fields<Chunks>(recast<int64_t>(in))));
 }
 template <class T>
 NUQI_INLINE Regs<T, 3> join(const Regs<T, 3>& planes) {
-  if constexpr (sizeof(T) == 4)
-    return join_fields<Unit<T, kWords>>(planes);
+  if constexpr (kAcross<T>)
+    return join_fields<Unit<T, Reg<T>::kLanes>>(planes);
   else
     return recast<T>(join_fields<Chunks>(recast<int64_t>(join_fields<Unit<T, 16>>(planes))));
 }
