@@ -6,11 +6,13 @@ namespace nuqi::bench {
 void register_accumulate();
 void register_abs_diff();
 void register_copy();
+void register_motion_history();
 
 inline void register_all() {
   register_accumulate();
   register_abs_diff();
   register_copy();
+  register_motion_history();
 }
 
 }  // namespace nuqi::bench

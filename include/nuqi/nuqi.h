@@ -229,6 +229,35 @@ NUQI_API StatusCode nuqiCopy_32f_P3C3R(const float* const src[3], int32_t srcSte
 NUQI_API StatusCode nuqiCopy_32f_P4C4R(const float* const src[4], int32_t srcStep, float* dst,
                                        int32_t dstStep, RoiSize roi);
 
+/* ---- Motion history --------------------------------------------------------------------------
+ *
+ * Keeps, for every pixel, the time of the last motion there, and forgets motion that is too old:
+ *
+ *   history = timestamp   where silhouette is not 0
+ *             +0.0        elsewhere, where history is below timestamp - duration
+ *             history     elsewhere
+ *
+ * Shapes      One channel. The silhouette is 8u, for example a thresholded difference of frames; the
+ *             history 32f, in place. Start with a history of zeros.
+ * Times       In any unit, one for all calls. timestamp is any float, and its exact bits are
+ *             written; duration is 0 or more.
+ * Order       "Below" is decided on bits: -NaN, -infinity ... -0.0, +0.0 ... +infinity, NaN. With a
+ *             threshold of +0.0 a history of -0.0 is cleared, one of +0.0 stays. The difference of
+ *             two infinities counts as -NaN (bits FFC00000), the difference from a NaN as that NaN.
+ * Overlap     The silhouette must not overlap the history.
+ * Statuses    1. StatusNullPtr: an image pointer is null.
+ *             2. StatusBadSize: width or height below 0, a step below its row's bytes, or a history
+ *                step not a multiple of 4.
+ *             3. StatusBadArg: not (duration >= 0); -0.0 passes.
+ *             StatusOk otherwise; a width or height of 0 touches no memory.
+ * Method      A. Bobick and J. Davis, "The recognition of human movement using temporal templates",
+ *             IEEE PAMI 23(3), 2001.
+ */
+NUQI_API StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette,
+                                                       int32_t silhouetteStep, float* history,
+                                                       int32_t historyStep, RoiSize roi,
+                                                       float timestamp, float duration);
+
 /* ---- Fixed 3x3 derivatives -------------------------------------------------------------------
  *
  * One fixed 3x3 derivative of a one-channel image: Sobel's first, second and mixed derivatives and

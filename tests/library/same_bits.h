@@ -8,5 +8,6 @@ namespace nuqi::test {
 void hash_accumulate(Hash& hash);
 void hash_abs_diff(Hash& hash);
 void hash_copy(Hash& hash);
+void hash_motion_history(Hash& hash);
 
 }  // namespace nuqi::test

@@ -19,6 +19,7 @@ const Family kFamilies[] = {
     {"accumulate", hash_accumulate, 0x6CF2B18A7F966E37},
     {"abs_diff", hash_abs_diff, 0xAC7E7C2EBC280D46},
     {"copy", hash_copy, 0x5FEB7D3EC9F32585},
+    {"motion_history", hash_motion_history, 0x4BE6A9CE1B60009C},
 };
 
 class SameBits : public EveryIsa {};
