@@ -7,12 +7,14 @@ void register_accumulate();
 void register_abs_diff();
 void register_copy();
 void register_motion_history();
+void register_fast_arctan();
 
 inline void register_all() {
   register_accumulate();
   register_abs_diff();
   register_copy();
   register_motion_history();
+  register_fast_arctan();
 }
 
 }  // namespace nuqi::bench

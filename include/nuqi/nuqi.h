@@ -258,6 +258,30 @@ NUQI_API StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette
                                                        int32_t historyStep, RoiSize roi,
                                                        float timestamp, float duration);
 
+/* ---- Arctangent ------------------------------------------------------------------------------
+ *
+ * The angle of each vector (x, y) in degrees, from the positive x axis towards the positive y axis,
+ * within 0.1406 degrees of the true one: directions of gradients.
+ *
+ *   t = min(|x|, |y|) / max(max(|x|, |y|), 9.99999993922529e-09)
+ *   a = (-15.813189506530762 * t + 61.09419631958008) * t - 0.14050041139125824
+ *   a = 90 - a  where |x| < |y|;   a = 180 - a  where x < 0;   a = 360 - a  where y < 0
+ *
+ * Shapes      Three plain arrays of `length` floats, of any alignment.
+ * Arithmetic  Each operation above is one single-precision operation, in the order written; min and
+ *             max take their second operand where either is NaN. Angles lie between -0.1405005 and
+ *             360.1405; those just outside 0 to 360 belong to the approximation. -0.0 is not below 0.
+ *             The angle of (0, 0) is that of (1, 0). A NaN in y, and y and x both infinite, give NaN;
+ *             a NaN in x counts as |x| = |y|, x not below 0, except that y = 0 gives the angle of
+ *             (1, 0).
+ * Overlap     The angles may replace y or x, and must not overlap them otherwise.
+ * Statuses    1. StatusNullPtr: a pointer is null.
+ *             2. StatusBadSize: length below 0.
+ *             StatusOk otherwise; length 0 touches no memory.
+ */
+NUQI_API StatusCode nuqibFastArctan_32f(const float* y, const float* x, float* angle,
+                                        int32_t length);
+
 /* ---- Fixed 3x3 derivatives -------------------------------------------------------------------
  *
  * One fixed 3x3 derivative of a one-channel image: Sobel's first, second and mixed derivatives and

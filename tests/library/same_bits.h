@@ -9,5 +9,6 @@ void hash_accumulate(Hash& hash);
 void hash_abs_diff(Hash& hash);
 void hash_copy(Hash& hash);
 void hash_motion_history(Hash& hash);
+void hash_fast_arctan(Hash& hash);
 
 }  // namespace nuqi::test

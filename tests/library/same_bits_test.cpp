@@ -20,6 +20,7 @@ const Family kFamilies[] = {
     {"abs_diff", hash_abs_diff, 0xAC7E7C2EBC280D46},
     {"copy", hash_copy, 0x5FEB7D3EC9F32585},
     {"motion_history", hash_motion_history, 0x4BE6A9CE1B60009C},
+    {"fast_arctan", hash_fast_arctan, 0x783CFF63BA99D58E},
 };
 
 class SameBits : public EveryIsa {};
