@@ -4,11 +4,19 @@
 namespace nuqi::bench {
 
 void register_accumulate();
+void register_abs_diff();
+void register_copy();
+void register_motion_history();
+void register_fast_arctan();
 void register_norm();
 void register_canny();
 
 inline void register_all() {
   register_accumulate();
+  register_abs_diff();
+  register_copy();
+  register_motion_history();
+  register_fast_arctan();
   register_norm();
   register_canny();
 }

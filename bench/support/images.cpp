@@ -20,6 +20,7 @@ Images::Images(RoiSize size)
       f32(pixels(size) * kChannels),
       f32b(pixels(size) * kChannels),
       acc(pixels(size)),
+      in(pixels(size) * 32),
       out(pixels(size) * 16) {
   uint32_t state = 1;
   const auto noise = [&] { return (state = state * 1664525u + 1013904223u) >> 16; };
@@ -35,6 +36,7 @@ Images::Images(RoiSize size)
     mask.get()[i] = noise() & 0x40 ? 255 : 0;
     acc.get()[i] = 1.5f;
   }
+  for (size_t i = 0; i < pixels(size) * 32; ++i) in.get()[i] = static_cast<uint8_t>(noise());
   for (size_t i = 0; i < pixels(size) * 16; ++i) out.get()[i] = 0;
 }
 

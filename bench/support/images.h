@@ -35,6 +35,7 @@ struct Images {
   Buffer<uint8_t> mask;     // half of the pixels, at random, so that branches show
   Buffer<float> f32, f32b;  // from 1 to 2: no denormals, which cost time of their own
   Buffer<float> acc;
+  Buffer<uint8_t> in;   // 32 bytes a pixel, for the sources of a limit
   Buffer<uint8_t> out;  // sixteen bytes a pixel, for any destination
 
   template <class T>

@@ -66,19 +66,22 @@ void register_bound(const std::string& function, RoiSize roi, Make make) {
 
 template <class Sources, class Accumulators, class Destinations>
 struct Limit {
+  // Streams lie one after the other.
+  template <int... BytesPerPixel>
+  static void place(uint8_t** stream, uint8_t* at, int64_t pixels, Streams<BytesPerPixel...>) {
+    ((*stream++ = at, at += pixels * BytesPerPixel), ...);
+  }
+
   template <int Pixels, Stores stores>
   static void add(const std::string& limit, const char* loop, RoiSize roi) {
     const std::string name = bench_name(limit, loop, roi);
     if (!first_time(name)) return;
     register_loop(name, roi, [](const Images& im) {
       const int64_t pixels = int64_t{im.roi.width} * im.roi.height;
-      uint8_t* out = im.out.get();
       // The float images have room for the widest streams, of four channels.
-      const Traffic traffic = {
-          {(uint8_t*)im.f32.get(), (uint8_t*)im.f32b.get(), im.mask.get(), (uint8_t*)im.s8.get()},
-          {(uint8_t*)im.acc.get(), (uint8_t*)im.s8b.get()},
-          {out, out + 4 * pixels, out + 8 * pixels, out + 12 * pixels},
-          pixels};
+      Traffic traffic = {{}, {(uint8_t*)im.acc.get(), (uint8_t*)im.s8b.get()}, {}, pixels};
+      place(traffic.sources, im.in.get(), pixels, Sources{});
+      place(traffic.destinations, im.out.get(), pixels, Destinations{});
       return [traffic] {
         MemoryLoop<Sources, Accumulators, Destinations, Pixels, stores>::run(traffic);
       };

@@ -164,6 +164,124 @@ NUQI_API StatusCode nuqiAddWeighted_32f_C1IMR(const float* src, int32_t srcStep,
                                               const uint8_t* mask, int32_t maskStep, float* acc,
                                               int32_t accStep, RoiSize roi, float alpha);
 
+/* ---- Absolute difference ---------------------------------------------------------------------
+ *
+ * The absolute difference of two images, or of an image and a constant: where frames differ.
+ *
+ *   nuqiAbsDiff      dst = |src1 - src2|
+ *   nuqiAbsDiffC     dst = |src - value|
+ *
+ * Shapes      One channel, 8u or 32f; all images of one type.
+ * Arithmetic  8u: exact, 0 to 255; value is first limited to 0 to 255. 32f: one subtraction, then
+ *             the sign is cleared, that of a NaN and of -0.0 too.
+ * Overlap     The destination may be one of the sources, and must not overlap them otherwise.
+ * Statuses    1. StatusNullPtr: an image pointer is null.
+ *             2. StatusBadSize: width or height below 1.
+ *             3. StatusBadSize: a step below its row's bytes, or a 32f step not a multiple of 4.
+ *                nuqiAbsDiffC_32f_C1R alone compares its steps with the width in pixels, so that
+ *                rows may overlap; they are written from top to bottom.
+ */
+NUQI_API StatusCode nuqiAbsDiff_8u_C1R(const uint8_t* src1, int32_t src1Step, const uint8_t* src2,
+                                       int32_t src2Step, uint8_t* dst, int32_t dstStep,
+                                       RoiSize roi);
+NUQI_API StatusCode nuqiAbsDiff_32f_C1R(const float* src1, int32_t src1Step, const float* src2,
+                                        int32_t src2Step, float* dst, int32_t dstStep,
+                                        RoiSize roi);
+NUQI_API StatusCode nuqiAbsDiffC_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                        int32_t dstStep, RoiSize roi, int32_t value);
+NUQI_API StatusCode nuqiAbsDiffC_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                         int32_t dstStep, RoiSize roi, float value);
+
+/* ---- Copies ----------------------------------------------------------------------------------
+ *
+ * Copies between an interleaved image of three or four channels and as many planes, bit for bit.
+ *
+ *   C3P3, C4P4   dst[c](x, y) = channel c of src(x, y)
+ *   P3C3, P4C4   channel c of dst(x, y) = src[c](x, y)
+ *
+ * Shapes      8u or 32f. Planes are passed as an array of three or four pointers; one step holds for
+ *             all of them.
+ * One plane   C3P3 and C4P4 also take an array with one plane, the others null, and copy that channel
+ *             alone.
+ * Overlap     Planes and interleaved image must not overlap, nor planes that are written each other.
+ * Statuses    C3P3 and C4P4 accept an empty ROI and a single plane, P3C3 and P4C4 refuse both.
+ *             1. StatusNullPtr: the interleaved image or the array is null.
+ *             2. StatusNullPtr: C3P3, C4P4: the number of planes that are not null is neither 1 nor
+ *                all; P3C3, P4C4: a plane is null.
+ *             3. StatusBadSize: width or height below 0 (P3C3, P4C4: below 1), a step below its row's
+ *                bytes, or a 32f step not a multiple of 4.
+ *             StatusOk otherwise; a width or height of 0 touches no memory.
+ */
+NUQI_API StatusCode nuqiCopy_8u_C3P3R(const uint8_t* src, int32_t srcStep, uint8_t* const dst[3],
+                                      int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_8u_C4P4R(const uint8_t* src, int32_t srcStep, uint8_t* const dst[4],
+                                      int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_32f_C3P3R(const float* src, int32_t srcStep, float* const dst[3],
+                                       int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_32f_C4P4R(const float* src, int32_t srcStep, float* const dst[4],
+                                       int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_8u_P3C3R(const uint8_t* const src[3], int32_t srcStep, uint8_t* dst,
+                                      int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_8u_P4C4R(const uint8_t* const src[4], int32_t srcStep, uint8_t* dst,
+                                      int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_32f_P3C3R(const float* const src[3], int32_t srcStep, float* dst,
+                                       int32_t dstStep, RoiSize roi);
+NUQI_API StatusCode nuqiCopy_32f_P4C4R(const float* const src[4], int32_t srcStep, float* dst,
+                                       int32_t dstStep, RoiSize roi);
+
+/* ---- Motion history --------------------------------------------------------------------------
+ *
+ * Keeps, for every pixel, the time of the last motion there, and forgets motion that is too old:
+ *
+ *   history = timestamp   where silhouette is not 0
+ *             +0.0        elsewhere, where history is below timestamp - duration
+ *             history     elsewhere
+ *
+ * Shapes      One channel. The silhouette is 8u, for example a thresholded difference of frames; the
+ *             history 32f, in place. Start with a history of zeros.
+ * Times       In any unit, one for all calls. timestamp is any float, and its exact bits are
+ *             written; duration is 0 or more.
+ * Order       "Below" is decided on bits: -NaN, -infinity ... -0.0, +0.0 ... +infinity, NaN. With a
+ *             threshold of +0.0 a history of -0.0 is cleared, one of +0.0 stays. The difference of
+ *             two infinities counts as -NaN (bits FFC00000), the difference from a NaN as that NaN.
+ * Overlap     The silhouette must not overlap the history.
+ * Statuses    1. StatusNullPtr: an image pointer is null.
+ *             2. StatusBadSize: width or height below 0, a step below its row's bytes, or a history
+ *                step not a multiple of 4.
+ *             3. StatusBadArg: not (duration >= 0); -0.0 passes.
+ *             StatusOk otherwise; a width or height of 0 touches no memory.
+ * Method      A. Bobick and J. Davis, "The recognition of human movement using temporal templates",
+ *             IEEE PAMI 23(3), 2001.
+ */
+NUQI_API StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette,
+                                                       int32_t silhouetteStep, float* history,
+                                                       int32_t historyStep, RoiSize roi,
+                                                       float timestamp, float duration);
+
+/* ---- Arctangent ------------------------------------------------------------------------------
+ *
+ * The angle of each vector (x, y) in degrees, from the positive x axis towards the positive y axis,
+ * within 0.1406 degrees of the true one: directions of gradients.
+ *
+ *   t = min(|x|, |y|) / max(max(|x|, |y|), 9.99999993922529e-09)
+ *   a = (-15.813189506530762 * t + 61.09419631958008) * t - 0.14050041139125824
+ *   a = 90 - a  where |x| < |y|;   a = 180 - a  where x < 0;   a = 360 - a  where y < 0
+ *
+ * Shapes      Three plain arrays of `length` floats, of any alignment.
+ * Arithmetic  Each operation above is one single-precision operation, in the order written; min and
+ *             max take their second operand where either is NaN. Angles lie between -0.1405005 and
+ *             360.1405; those just outside 0 to 360 belong to the approximation. -0.0 is not below 0.
+ *             The angle of (0, 0) is that of (1, 0). A NaN in y, and y and x both infinite, give NaN;
+ *             a NaN in x counts as |x| = |y|, x not below 0, except that y = 0 gives the angle of
+ *             (1, 0).
+ * Overlap     The angles may replace y or x, and must not overlap them otherwise.
+ * Statuses    1. StatusNullPtr: a pointer is null.
+ *             2. StatusBadSize: length below 0.
+ *             StatusOk otherwise; length 0 touches no memory.
+ */
+NUQI_API StatusCode nuqibFastArctan_32f(const float* y, const float* x, float* angle,
+                                        int32_t length);
+
 /* ---- Norms -----------------------------------------------------------------------------------
  *
  * How large an image is, how far apart two images are, or how far relative to the second one, over the

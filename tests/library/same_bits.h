@@ -8,5 +8,9 @@ namespace nuqi::test {
 void hash_accumulate(Hash& hash);
 void hash_canny(Hash& hash);
 void hash_norm(Hash& hash);
+void hash_abs_diff(Hash& hash);
+void hash_copy(Hash& hash);
+void hash_motion_history(Hash& hash);
+void hash_fast_arctan(Hash& hash);
 
 }  // namespace nuqi::test

@@ -19,6 +19,10 @@ const Family kFamilies[] = {
     {"accumulate", hash_accumulate, 0x6CF2B18A7F966E37},
     {"canny", hash_canny, 0x61A768FE55610C05},
     {"norm", hash_norm, 0xA64CBB607D35C17F},
+    {"abs_diff", hash_abs_diff, 0xAC7E7C2EBC280D46},
+    {"copy", hash_copy, 0x5FEB7D3EC9F32585},
+    {"motion_history", hash_motion_history, 0x4BE6A9CE1B60009C},
+    {"fast_arctan", hash_fast_arctan, 0x783CFF63BA99D58E},
 };
 
 class SameBits : public EveryIsa {};

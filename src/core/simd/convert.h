@@ -278,5 +278,18 @@ NUQI_INLINE Vec<double, N> add_exact_square(const Vec<double, N>& sum, const Vec
 #endif
 }
 
+// a where the mask byte is not zero, b elsewhere.
+template <class T>
+NUQI_INLINE Px<T> choose(const Px<uint8_t>& mask, const Px<T>& a, const Px<T>& b) {
+  static_assert(sizeof(T) == 4);
+#if NUQI_LEVEL == 2
+  const __m128i bytes = (__m128i)mask.r[0];
+  return {{(typename Px<T>::Reg)_mm512_mask_mov_epi32(
+      (__m512i)b.r[0], _mm_test_epi8_mask(bytes, bytes), (__m512i)a.r[0])}};
+#else
+  return select(convert<int32_t>(mask == Px<uint8_t>{}), b, a);
+#endif
+}
+
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

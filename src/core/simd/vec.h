@@ -176,10 +176,11 @@ NUQI_INLINE Mask<T, N> nonzero(const Vec<T, N>& a) {
   return ~(a == Vec<T, N>{});
 }
 
-// a where the mask is set, b elsewhere. The mask holds nothing but full and empty lanes.
+// a where the mask is set, b elsewhere. The mask holds nothing but full and empty lanes: asking for
+// the sign, blends take it as it is, where GCC 12 compares it with zero once more.
 template <class T, int N>
 NUQI_INLINE Vec<T, N> select(const Mask<T, N>& mask, const Vec<T, N>& a, const Vec<T, N>& b) {
-  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return mask.r[i] ? a.r[i] : b.r[i]; });
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return mask.r[i] < 0 ? a.r[i] : b.r[i]; });
 }
 // a where the mask is set, all bits zero elsewhere.
 template <class T, int N>

@@ -1,0 +1,30 @@
+// What the entries of the absolute-difference family hand to its kernels.
+#pragma once
+
+#include "core/image.h"
+#include "core/isa.h"
+
+namespace nuqi {
+
+template <class T>
+struct AbsDiffJob {
+  Image<const T> src, src2;  // src2: of two images only
+  Image<T> dst;
+  RoiSize roi;
+  T constant;  // of an image and a constant only
+};
+
+template <class T>
+struct AbsDiffKernelsOf {
+  void (*of_images)(const AbsDiffJob<T>&);
+  void (*of_constant)(const AbsDiffJob<T>&);
+};
+
+struct AbsDiffKernels {
+  AbsDiffKernelsOf<uint8_t> u8;
+  AbsDiffKernelsOf<float> f32;
+};
+
+NUQI_KERNEL_TABLES(AbsDiffKernels, abs_diff_kernels)
+
+}  // namespace nuqi

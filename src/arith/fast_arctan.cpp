@@ -1,0 +1,16 @@
+// The fast arctangent: nuqibFastArctan_32f.
+#include "arith/fast_arctan.h"
+
+#include "core/validate.h"
+
+using namespace nuqi;
+
+StatusCode nuqibFastArctan_32f(const float* y, const float* x, float* angle, int32_t length) {
+  // clang-format off
+  if (any_null(y, x, angle))      return StatusNullPtr;
+  if (length < 0)                 return StatusBadSize;
+  // clang-format on
+
+  fast_arctan_kernels().fast_arctan({y, x, angle, length});
+  return StatusOk;
+}

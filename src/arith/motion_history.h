@@ -1,0 +1,22 @@
+// What the entry of the motion history hands to its kernels.
+#pragma once
+
+#include "core/image.h"
+#include "core/isa.h"
+
+namespace nuqi {
+
+struct MotionHistoryJob {
+  Image<const uint8_t> silhouette;
+  Image<int32_t> history;  // bits of floats: they are copied, compared and set as integers
+  RoiSize roi;
+  int32_t timestamp, threshold;  // bits of floats
+};
+
+struct MotionHistoryKernels {
+  void (*update)(const MotionHistoryJob&);
+};
+
+NUQI_KERNEL_TABLES(MotionHistoryKernels, motion_history_kernels)
+
+}  // namespace nuqi

@@ -1,0 +1,42 @@
+// Stamps the pixels that move, and clears those whose motion is too old.
+#include "arith/motion_history.h"
+#include "core/simd/convert.h"
+#include "core/simd/memory.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+// Whether floats are below the threshold, by their bits: as signed integers where its sign is clear;
+// where it is set, the other way round as unsigned ones, those with a clear sign being the smallest.
+template <bool negative>
+NUQI_INLINE Mask<int32_t, 16> below(const Px<int32_t>& bits, const Px<int32_t>& threshold) {
+  if constexpr (negative)
+    return as<uint32_t>(bits) > as<uint32_t>(threshold);
+  else
+    return bits < threshold;
+}
+
+template <bool negative>
+void update(const MotionHistoryJob& job) {
+  const auto timestamp = broadcast(job.timestamp), threshold = broadcast(job.threshold);
+  for (int32_t y = 0; y < job.roi.height; ++y) {
+    const uint8_t* silhouette = row_of(job.silhouette, y);
+    int32_t* history = row_of(job.history, y);
+
+    for_blocks(job.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
+      const auto seen = load(history + x, part);
+      const auto kept = select(below<negative>(seen, threshold), Px<int32_t>{}, seen);
+      store(history + x, choose(load(silhouette + x, part), timestamp, kept), part);
+    });
+  }
+}
+
+void update_history(const MotionHistoryJob& job) {
+  job.threshold < 0 ? update<true>(job) : update<false>(job);
+}
+
+}  // namespace
+
+const MotionHistoryKernels motion_history_kernels = {update_history};
+
+}  // namespace nuqi::NUQI_ISA
