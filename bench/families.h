@@ -9,6 +9,7 @@ void register_copy();
 void register_motion_history();
 void register_fast_arctan();
 void register_norm();
+void register_derivative3x3();
 void register_canny();
 
 inline void register_all() {
@@ -18,6 +19,7 @@ inline void register_all() {
   register_motion_history();
   register_fast_arctan();
   register_norm();
+  register_derivative3x3();
   register_canny();
 }
 

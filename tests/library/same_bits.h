@@ -6,6 +6,7 @@
 namespace nuqi::test {
 
 void hash_accumulate(Hash& hash);
+void hash_derivative3x3(Hash& hash);
 void hash_canny(Hash& hash);
 void hash_norm(Hash& hash);
 void hash_abs_diff(Hash& hash);

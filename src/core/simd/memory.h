@@ -1,6 +1,7 @@
 // Loads and stores of whole vectors and of their first lanes, and the loop that walks a row with them.
 #pragma once
 
+#include "core/simd/shuffle.h"
 #include "core/simd/vec.h"
 
 namespace nuqi::NUQI_ISA {
@@ -85,41 +86,125 @@ NUQI_INLINE void store(T* to, const Vec<T, N>& a, First part) {
 
 #else
 
-// Copies 0 to 127 bytes. One function per level instead of inlined moves: tails are many, and short.
-__attribute__((noinline, unused)) void copy_bytes(char* to, const char* from, int bytes) {
-  const auto move = [&](auto chunk) NUQI_FORCED {
-    constexpr int kSize = sizeof chunk;
-    if ((bytes & kSize) == 0) return;
-    __builtin_memcpy(to, from, kSize);
-    to += kSize;
-    from += kSize;
+// Sixteen bytes, of which the first `bytes` come from memory. Shorter than that they are read in two
+// pieces that overlap: bytes that went through the stack would stall the load that follows them. Not
+// inlined, since tails are many, and short.
+typedef uint64_t Few __attribute__((vector_size(16)));
+
+__attribute__((noinline, unused)) Few load_few(const char* from, int64_t bytes) {
+  const auto ends = [&](auto piece, auto* low, auto* high) NUQI_FORCED {
+    __builtin_memcpy(low, from, sizeof piece);
+    __builtin_memcpy(high, from + bytes - sizeof piece, sizeof piece);
   };
-  struct Chunk32 {
-    char bytes[32];
+  uint64_t low = 0, high = 0;
+  if (bytes >= 16) {
+    return load_one((const Few*)from);
+  } else if (bytes >= 8) {
+    ends(low, &low, &high);
+    return Few{low, high >> 8 >> (120 - 8 * bytes)};
+  } else if (bytes >= 4) {
+    ends(uint32_t{}, &low, &high);
+    return Few{low | high << (8 * bytes - 32), 0};
+  } else if (bytes >= 2) {
+    ends(uint16_t{}, &low, &high);
+    return Few{low | high << (8 * bytes - 16), 0};
+  } else {
+    return Few{bytes == 1 ? (uint8_t)*from : uint64_t{0}, 0};
+  }
+}
+__attribute__((noinline, unused)) void store_few(char* to, Few a, int64_t bytes) {
+  const auto ends = [&](auto piece, uint64_t high) NUQI_FORCED {
+    __builtin_memcpy(to, &a, sizeof piece);
+    __builtin_memcpy(to + bytes - sizeof piece, &high, sizeof piece);
   };
-  struct Chunk64 {
-    char bytes[64];
-  };
-  move(Chunk64{});
-  move(Chunk32{});
-  move(Vec<char, 16>{});
-  move(int64_t{});
-  move(int32_t{});
-  move(int16_t{});
-  move(char{});
+  if (bytes >= 16)
+    store_one((Few*)to, a);
+  else if (bytes >= 8)
+    ends(uint64_t{}, a[0] >> (8 * bytes - 64) | a[1] << 8 << (120 - 8 * bytes));
+  else if (bytes >= 4)
+    ends(uint32_t{}, a[0] >> (8 * bytes - 32));
+  else if (bytes >= 2)
+    ends(uint16_t{}, a[0] >> (8 * bytes - 16));
+  else if (bytes == 1)
+    *to = (char)a[0];
 }
 
 template <int N = 16, class T>
 NUQI_INLINE Vec<T, N> load(const T* from, First part) {
-  alignas(64) T lanes[N] = {};
-  copy_bytes((char*)lanes, (const char*)from, part.lanes * int{sizeof(T)});
-  return load<N>(lanes);
+  using V = Vec<T, N>;
+  const int64_t bytes = int64_t{part.lanes} * int{sizeof(T)};
+  return generate<V>([&](int i) NUQI_FORCED {
+    constexpr int kSize = sizeof(typename V::Reg);
+    const auto piece = [&](int j) NUQI_FORCED {
+      const int before = i * kSize + j * 16;
+      return load_few((const char*)from + before, bytes - before);
+    };
+    if constexpr (kSize == 16)
+      return piece(0);
+    else
+      return __builtin_shufflevector(piece(0), piece(1), 0, 1, 2, 3);
+  });
 }
 template <class T, int N>
 NUQI_INLINE void store(T* to, const Vec<T, N>& a, First part) {
-  alignas(64) T lanes[N];
-  store(lanes, a);
-  copy_bytes((char*)to, (const char*)lanes, part.lanes * int{sizeof(T)});
+  const int64_t bytes = int64_t{part.lanes} * int{sizeof(T)};
+  for_each<N* int{sizeof(T)} / 16>([&](int i) NUQI_FORCED {
+    Few piece;
+    __builtin_memcpy(&piece, (const char*)&a + 16 * i, 16);
+    store_few((char*)to + 16 * i, piece, bytes - 16 * i);
+  });
+}
+
+#endif
+
+// ---- Neighbours in a row. `here` holds the lanes at `from`; these hold the ones one pixel further
+// left or right. A pixel at the row's end is its own neighbour: nothing beyond it is touched.
+
+#if NUQI_LEVEL == 2
+
+template <int N>
+NUQI_INLINE uint64_t mask_of(Whole) {
+  return ~uint64_t{0} >> (64 - N);
+}
+template <int N>
+NUQI_INLINE uint64_t mask_of(First part) {
+  return ~uint64_t{0} >> (64 - part.lanes);
+}
+
+// The lanes of the mask from memory, the others from `otherwise`.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> load_or(const T* from, uint64_t mask, const Vec<T, N>& otherwise) {
+  static_assert(Vec<T, N>::kBytes == 64 && (sizeof(T) == 1 || sizeof(T) == 4));
+  const __m512i reg = (__m512i)otherwise.r[0];
+  if constexpr (sizeof(T) == 1)
+    return {{(typename Vec<T, N>::Reg)_mm512_mask_loadu_epi8(reg, mask, from)}};
+  else
+    return {{(typename Vec<T, N>::Reg)_mm512_mask_loadu_epi32(reg, (__mmask16)mask, from)}};
+}
+template <class T, int N, class Part>
+NUQI_INLINE Vec<T, N> load_left(const T* from, const Vec<T, N>& here, bool at_start, Part part) {
+  const uint64_t lanes = mask_of<N>(part);
+  return load_or(from - 1, at_start ? lanes << 1 : lanes, here);
+}
+template <class T, int N, class Part>
+NUQI_INLINE Vec<T, N> load_right(const T* from, const Vec<T, N>& here, bool at_end, Part part) {
+  const uint64_t lanes = mask_of<N>(part);
+  return load_or(from + 1, at_end ? lanes >> 1 : lanes, here);
+}
+
+#else
+
+template <class T, int N, class Part>
+NUQI_INLINE Vec<T, N> load_left(const T* from, const Vec<T, N>& here, bool at_start, Part part) {
+  return at_start ? repeat_first(here) : load<N>(from - 1, part);
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> load_right(const T* from, const Vec<T, N>& here, bool at_end, Whole) {
+  return at_end ? repeat_last(here, N) : load<N>(from + 1);
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> load_right(const T* from, const Vec<T, N>& here, bool at_end, First part) {
+  return at_end ? repeat_last(here, part.lanes) : load<N>(from + 1, part);
 }
 
 #endif

@@ -158,6 +158,15 @@ NUQI_INLINE Vec<T, N> operator>>(const Vec<T, N>& a, int count) {
   return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return a.r[i] >> count; });
 }
 
+#if NUQI_LEVEL == 2
+// By a vector of counts: one operation, where a count in a register makes two.
+NUQI_INLINE Vec<int16_t, 64> operator>>(const Vec<int16_t, 64>& a, int count) {
+  const __m512i counts = (__m512i)broadcast<int16_t, 32>(int16_t(count)).r[0];
+  return generate<Vec<int16_t, 64>>(
+      [&](int i) NUQI_FORCED { return _mm512_srav_epi16((__m512i)a.r[i], counts); });
+}
+#endif
+
 // ---- Comparison and choice
 
 #define NUQI_COMPARE(op)                                                              \

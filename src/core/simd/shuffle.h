@@ -1,0 +1,86 @@
+// Lanes moved within a register.
+#pragma once
+
+#include "core/simd/vec.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+// 0, 1, 2, ... as integers of T's size.
+template <class T, int... I>
+NUQI_INLINE Mask<T, int{sizeof...(I)}> lane_numbers(Indices<I...>) {
+  return {{typename Mask<T, int{sizeof...(I)}>::Reg{I...}}};
+}
+
+// Zero moves in: one instruction everywhere, while GCC 12 makes fifty of other byte shuffles on SSE2.
+template <class Reg, int... I>
+NUQI_INLINE Reg one_up(const Reg& a, Indices<I...>) {
+  constexpr int n = sizeof...(I);
+  return __builtin_shufflevector(a, Reg{}, (I == 0 ? n : I - 1)...);
+}
+template <class Reg, int... I>
+NUQI_INLINE Reg one_down(const Reg& a, Indices<I...>) {
+  return __builtin_shufflevector(a, Reg{}, (I + 1)...);
+}
+
+// One lane up: a0 a0 a1 a2 ...
+template <class T, int N>
+NUQI_INLINE Vec<T, N> repeat_first(const Vec<T, N>& a) {
+  static_assert(Vec<T, N>::kRegs == 1);
+  const auto lanes = typename UpTo<N>::Type{};
+  return select(lane_numbers<T>(lanes) == Mask<T, N>{}, a, Vec<T, N>{{one_up(a.r[0], lanes)}});
+}
+// One lane down, of the first n: a1 ... a(n - 2) a(n - 1) a(n - 1).
+template <class T, int N>
+NUQI_INLINE Vec<T, N> repeat_last(const Vec<T, N>& a, int n) {
+  static_assert(Vec<T, N>::kRegs == 1);
+  using Number = typename Mask<T, N>::Lane;
+  const auto lanes = typename UpTo<N>::Type{};
+  const auto last = broadcast<Number, N>(static_cast<Number>(n - 1));
+  return select(lane_numbers<T>(lanes) == last, a, Vec<T, N>{{one_down(a.r[0], lanes)}});
+}
+
+// Two vectors of one register as one of two.
+template <class T, int N>
+NUQI_INLINE Vec<T, 2 * N> join(const Vec<T, N>& a, const Vec<T, N>& b) {
+  static_assert(Vec<T, 2 * N>::kRegs == 2);
+  return {{a.r[0], b.r[0]}};
+}
+
+// The lanes of two registers in turns, a0 b0 a1 b1 ..., within groups of sixteen bytes: the first
+// register gets the lower halves of all groups, the second one the upper halves.
+template <int half, class Reg, int... I>
+NUQI_INLINE Reg zip_half(const Reg& a, const Reg& b, Indices<I...>) {
+  constexpr int n = sizeof...(I), group = 16 * n / int{sizeof(Reg)};
+  return __builtin_shufflevector(
+      a, b, (I / group * group + half * group / 2 + I % group / 2 + I % 2 * n)...);
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> zip_groups(const Vec<T, N>& a) {
+  static_assert(Vec<T, N>::kRegs == 2);
+  const auto lanes = typename UpTo<N / 2>::Type{};
+  return {{zip_half<0>(a.r[0], a.r[1], lanes), zip_half<1>(a.r[0], a.r[1], lanes)}};
+}
+
+// Undoes the grouping: the first groups of both registers, then the second ones, and so on.
+template <int half, class Reg, int... I>
+NUQI_INLINE Reg order_half(const Reg& a, const Reg& b, Indices<I...>) {
+  typedef int64_t Halves __attribute__((vector_size(sizeof(Reg))));
+  constexpr int n = sizeof...(I);
+  return (Reg)__builtin_shufflevector((Halves)a, (Halves)b,
+                                      (half * n / 2 + I / 4 * 2 + I % 2 + I / 2 % 2 * n)...);
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> in_order(const Vec<T, N>& a) {
+  using Reg = typename Vec<T, N>::Reg;
+  static_assert(Vec<T, N>::kRegs == 2);
+  if constexpr (sizeof(Reg) == 16) {
+    return a;
+  } else {
+    const auto halves = typename UpTo<sizeof(Reg) / 8>::Type{};
+    return {{order_half<0>(a.r[0], a.r[1], halves), order_half<1>(a.r[0], a.r[1], halves)}};
+  }
+}
+
+}  // namespace
+}  // namespace nuqi::NUQI_ISA

@@ -1,0 +1,139 @@
+// Walks the fixed 3x3 derivatives down columns of pixels, keeping the terms of rows in registers.
+#include "core/simd/memory.h"
+#include "filters/derivative3x3_terms.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+// Where a column lies: away from both ends of the row, or maybe at them.
+struct Inside {};
+struct AtEnds {
+  bool start, end;
+};
+
+template <class T>
+NUQI_INLINE Pixels<T> load_pixels(const T* at, Inside, Whole) {
+  constexpr int n = Column<T>::kLanes;
+  return {load<n>(at - 1), load<n>(at), load<n>(at + 1)};
+}
+template <class T, class Part>
+NUQI_INLINE Pixels<T> load_pixels(const T* at, AtEnds ends, Part part) {
+  const auto here = load<Column<T>::kLanes>(at, part);
+  return {load_left(at, here, ends.start, part), here, load_right(at, here, ends.end, part)};
+}
+
+// Rows first to last - 1 of the column at x.
+template <Derivative derivative, class T, class Where, class Part>
+NUQI_INLINE void walk_down(const DerivativeJob<T>& job, int64_t x, int32_t first, int32_t last,
+                           Where where, Part part) {
+  const Scale<T> scale(job);
+  const int32_t height = job.roi.height;
+  Image<const T> src = {row_of(job.src, first) + x, job.src.step};
+  auto dst = job.dst;
+  dst.data = row_of(job.dst, first) + x;
+
+  const auto term_at = [&](const T* at) NUQI_FORCED {
+    return term_of<derivative>(load_pixels(at, where, part), scale);
+  };
+  Term<T> here = term_at(src.data);
+  Term<T> above = first > 0 ? term_at(row_of(src, -1)) : here;
+  int32_t y = first;
+  const auto next_row = [&](int) NUQI_FORCED {
+    if (++y < height) src.data = row_of(src, 1);
+    const Term<T> below = term_at(src.data);
+    store(dst.data, finish<derivative>(combine<derivative>(above, here, below), scale), part);
+    dst.data = row_of(dst, 1);
+    above = here;
+    here = below;
+  };
+  // Four at a time, so that terms stay where they are and rows share their sums.
+  while (y + 4 <= last) for_each<4>(next_row);
+  while (y < last) next_row(0);
+}
+
+// Functions of their own: in one, each loop's constants would be paid for by all.
+#define NUQI_APART __attribute__((noinline))
+
+template <Derivative derivative, class T>
+NUQI_APART void walk_narrow(const DerivativeJob<T>& job) {
+  walk_down<derivative>(job, 0, 0, job.roi.height, AtEnds{true, true}, First{job.roi.width});
+}
+
+template <Derivative derivative, class T>
+NUQI_APART void walk_ends(const DerivativeJob<T>& job, int64_t x, int32_t first, int32_t last,
+                          AtEnds ends) {
+  walk_down<derivative>(job, x, first, last, ends, Whole{});
+}
+
+template <Derivative derivative, class T>
+NUQI_APART void walk_inside(const DerivativeJob<T>& job, int64_t begin, int64_t end, int32_t first,
+                            int32_t last) {
+  for (int64_t x = begin; x < end; x += Column<T>::kLanes)
+    walk_down<derivative>(job, x, first, last, Inside{}, Whole{});
+}
+
+// Columns are walked in bands of as many rows as the first cache holds, but not fewer than pay for
+// the terms of the two rows around them. More rows at once are more than the prefetchers follow.
+template <class T>
+NUQI_INLINE int32_t rows_of_band(int32_t width) {
+  constexpr int32_t kCache = 32768, kFewest = sizeof(T) == 1 ? 16 : 2;
+  constexpr int32_t kPixel = sizeof(T) + sizeof(typename DerivativeOf<T>::Type);
+  return width > kCache / kPixel / kFewest ? kFewest : kCache / (width * kPixel) / 4 * 4;
+}
+
+template <Derivative derivative, class T>
+void differentiate(const DerivativeJob<T>& job) {
+  constexpr int n = Column<T>::kLanes;
+  const auto [width, height] = job.roi;
+  if (width < n) return walk_narrow<derivative>(job);
+
+  const int32_t band = rows_of_band<T>(width);
+  for (int64_t first = 0; first < height; first += band) {
+    const int32_t last = height - first > band ? first + band : height;
+    walk_ends<derivative>(job, 0, first, last, AtEnds{true, width == n});
+    walk_inside<derivative>(job, n, width - n, first, last);
+    // The last column overlaps the one before it rather than being a narrow one.
+    if (width > n) walk_ends<derivative>(job, width - n, first, last, AtEnds{false, true});
+  }
+}
+
+#if NUQI_LEVEL == 1
+// Rows of bytes shorter than a register: whole ones of half the length take a third of the time.
+template <Derivative derivative, class T>
+void differentiate_bytes(const DerivativeJob<T>& job) {
+  if (job.roi.width >= Column<T>::kLanes) return differentiate<derivative>(job);
+  if constexpr (kIsSigned<T>)
+    base::derivative_kernels.s8.of[int(derivative)](job);
+  else
+    base::derivative_kernels.u8.of[int(derivative)](job);
+}
+#else
+template <Derivative derivative, class T>
+constexpr auto differentiate_bytes = differentiate<derivative, T>;
+#endif
+
+template <class T>
+constexpr DerivativeKernelsOf<T, 7> kOfBytes = {{
+    differentiate_bytes<Derivative::dx, T>,
+    differentiate_bytes<Derivative::dy, T>,
+    differentiate_bytes<Derivative::scharr_dx, T>,
+    differentiate_bytes<Derivative::scharr_dy, T>,
+    differentiate_bytes<Derivative::d2x, T>,
+    differentiate_bytes<Derivative::d2y, T>,
+    differentiate_bytes<Derivative::dxdy, T>,
+}};
+
+}  // namespace
+
+const DerivativeKernels derivative_kernels = {
+    kOfBytes<uint8_t>,
+    kOfBytes<int8_t>,
+    {{
+        differentiate<Derivative::dx, float>,
+        differentiate<Derivative::dy, float>,
+        differentiate<Derivative::scharr_dx, float>,
+        differentiate<Derivative::scharr_dy, float>,
+    }},
+};
+
+}  // namespace nuqi::NUQI_ISA
