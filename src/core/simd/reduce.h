@@ -11,7 +11,12 @@ template <int N>
 NUQI_INLINE uint32_t bits_greater(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
   static_assert(Vec<int16_t, N>::kRegs == 1);
 #if NUQI_LEVEL == 2
-  return _mm512_cmpgt_epi16_mask((__m512i)a.r[0], (__m512i)b.r[0]);
+  uint32_t bits = _mm512_cmpgt_epi16_mask((__m512i)a.r[0], (__m512i)b.r[0]);
+#if defined(__i386__)
+  // GCC 12 leaves the upper word undefined where such a mask widens to 64 bits.
+  __asm__("" : "+r"(bits));
+#endif
+  return bits;
 #elif NUQI_LEVEL == 1
   const __m256i mask = (__m256i)(a > b).r[0];
   const __m128i low = _mm256_castsi256_si128(mask), high = _mm256_extracti128_si256(mask, 1);
