@@ -98,7 +98,9 @@ __attribute__((noinline, unused)) Few load_few(const char* from, int64_t bytes) 
   };
   uint64_t low = 0, high = 0;
   if (bytes >= 16) {
-    return load_one((const Few*)from);
+    Few all;
+    __builtin_memcpy(&all, from, sizeof all);  // not as a Few: Clang would take it for aligned
+    return all;
   } else if (bytes >= 8) {
     ends(low, &low, &high);
     return Few{low, high >> 8 >> (120 - 8 * bytes)};
@@ -118,7 +120,7 @@ __attribute__((noinline, unused)) void store_few(char* to, Few a, int64_t bytes)
     __builtin_memcpy(to + bytes - sizeof piece, &high, sizeof piece);
   };
   if (bytes >= 16)
-    store_one((Few*)to, a);
+    __builtin_memcpy(to, &a, sizeof a);
   else if (bytes >= 8)
     ends(uint64_t{}, a[0] >> (8 * bytes - 64) | a[1] << 8 << (120 - 8 * bytes));
   else if (bytes >= 4)
