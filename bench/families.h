@@ -8,6 +8,7 @@ void register_abs_diff();
 void register_copy();
 void register_motion_history();
 void register_fast_arctan();
+void register_mean();
 void register_norm();
 void register_derivative3x3();
 void register_canny();
@@ -18,6 +19,7 @@ inline void register_all() {
   register_copy();
   register_motion_history();
   register_fast_arctan();
+  register_mean();
   register_norm();
   register_derivative3x3();
   register_canny();

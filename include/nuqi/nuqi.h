@@ -282,6 +282,89 @@ NUQI_API StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette
 NUQI_API StatusCode nuqibFastArctan_32f(const float* y, const float* x, float* angle,
                                         int32_t length);
 
+/* ---- Means and deviations --------------------------------------------------------------------
+ *
+ * The mean, or the mean and the standard deviation, of the pixels of a region: all of them or those
+ * that a mask selects, of a one-channel image or of one channel of three interleaved ones. With n the
+ * number of pixels taken, S their sum and Q the sum of their squares:
+ *
+ *   nuqiMean         mean = S / n
+ *   nuqiMean_StdDev  mean = S * (1 / n);  stdDev = sqrt(Q * (1 / n) - mean * mean)
+ *
+ * Each operation above rounds once, in double precision. Where nothing is selected both are 0.0.
+ *
+ * Shapes      Source 8u, 8s or 32f, one channel; C3C: three channels, of which coi, 1 to 3, is taken.
+ * Sums        8u, 8s: S is a 32-bit integer that wraps and is read as signed: the mean of an image
+ *                whose sum reaches 2^31 (8.4 million pixels of 255) is wrong by a multiple of 2^32 / n,
+ *                and may be negative. Q is exact.
+ *             nuqiMean_32f_C1MR: four single-precision sums. Of each eight pixels counted from the
+ *                row's start, pixel j is added to sum j mod 4, j before j + 4; the last width mod 8
+ *                pixels of a row to sum 0. S is (sum 0 + sum 2) + (sum 1 + sum 3) in double. Rows
+ *                that lie back to back (both steps equal to the row's bytes) are one long row here,
+ *                up to 2^31 - 1 pixels.
+ *             nuqiMean_32f_C3CMR: one double, in raster order.
+ *             nuqiMean_StdDev_32f: sixteen doubles for S and sixteen for Q, the one of a pixel being
+ *                its column mod 16. After each row the upper half is added to the lower one, 16 to 8,
+ *                8 to 4, 4 to 2, 2 to 1, and that to the rows above.
+ *             n is a 32-bit integer that wraps; without a mask it is width * height.
+ * Range       stdDev is the population's, not clamped: where rounding leaves Q / n below the squared
+ *             mean it is NaN. A selected NaN or infinity shows in the results, an unselected one
+ *             does not.
+ * Overlap     Images may overlap. A result pointer must lie in no image.
+ * Statuses    nuqiMean: 1. StatusNullPtr: a pointer is null.
+ *                2. StatusBadSize: width or height below 0.
+ *                3. StatusBadStep: a step below its row's bytes, or a 32f step not a multiple of 4.
+ *                4. StatusBadCoi: coi is not 1, 2 or 3.
+ *                StatusOk otherwise; with a width or height of 0 the mean is 0.0.
+ *             nuqiMean_StdDev: 1. StatusNullPtr: a pointer is null.
+ *                2. StatusBadSize: width or height below 1.
+ *                3. StatusBadStep as above; but StatusBadSize from the C3CMR members.
+ *                4. StatusBadArg: coi is not 1, 2 or 3.
+ */
+NUQI_API StatusCode nuqiMean_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                     int32_t maskStep, RoiSize roi, double* mean);
+NUQI_API StatusCode nuqiMean_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                     int32_t maskStep, RoiSize roi, double* mean);
+NUQI_API StatusCode nuqiMean_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                      int32_t maskStep, RoiSize roi, double* mean);
+NUQI_API StatusCode nuqiMean_8u_C3CMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                      int32_t maskStep, RoiSize roi, int32_t coi, double* mean);
+NUQI_API StatusCode nuqiMean_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                      int32_t maskStep, RoiSize roi, int32_t coi, double* mean);
+NUQI_API StatusCode nuqiMean_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                       int32_t maskStep, RoiSize roi, int32_t coi, double* mean);
+
+NUQI_API StatusCode nuqiMean_StdDev_8u_C1R(const uint8_t* src, int32_t srcStep, RoiSize roi,
+                                           double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_8s_C1R(const int8_t* src, int32_t srcStep, RoiSize roi,
+                                           double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_32f_C1R(const float* src, int32_t srcStep, RoiSize roi,
+                                            double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_8u_C3CR(const uint8_t* src, int32_t srcStep, RoiSize roi,
+                                            int32_t coi, double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_8s_C3CR(const int8_t* src, int32_t srcStep, RoiSize roi,
+                                            int32_t coi, double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_32f_C3CR(const float* src, int32_t srcStep, RoiSize roi,
+                                             int32_t coi, double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_8u_C1MR(const uint8_t* src, int32_t srcStep,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                            int32_t maskStep, RoiSize roi, double* mean,
+                                            double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                             int32_t maskStep, RoiSize roi, double* mean,
+                                             double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_8u_C3CMR(const uint8_t* src, int32_t srcStep,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             int32_t coi, double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_8s_C3CMR(const int8_t* src, int32_t srcStep,
+                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                             int32_t coi, double* mean, double* stdDev);
+NUQI_API StatusCode nuqiMean_StdDev_32f_C3CMR(const float* src, int32_t srcStep,
+                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                              int32_t coi, double* mean, double* stdDev);
+
 /* ---- Norms -----------------------------------------------------------------------------------
  *
  * How large an image is, how far apart two images are, or how far relative to the second one, over the

@@ -8,6 +8,7 @@ namespace nuqi::test {
 void hash_accumulate(Hash& hash);
 void hash_derivative3x3(Hash& hash);
 void hash_canny(Hash& hash);
+void hash_mean(Hash& hash);
 void hash_norm(Hash& hash);
 void hash_abs_diff(Hash& hash);
 void hash_copy(Hash& hash);

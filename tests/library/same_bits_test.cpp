@@ -19,6 +19,7 @@ const Family kFamilies[] = {
     {"accumulate", hash_accumulate, 0x6CF2B18A7F966E37},
     {"derivative3x3", hash_derivative3x3, 0xBF126CE115CA5C46},
     {"canny", hash_canny, 0x61A768FE55610C05},
+    {"mean", hash_mean, 0xB3AF99C3307273F9},
     {"norm", hash_norm, 0xA64CBB607D35C17F},
     {"abs_diff", hash_abs_diff, 0xAC7E7C2EBC280D46},
     {"copy", hash_copy, 0x5FEB7D3EC9F32585},

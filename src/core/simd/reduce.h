@@ -163,9 +163,7 @@ class ByteSums {
     if (used_ + blocks > kRoom) collect();
     used_ += blocks;
   }
-  NUQI_INLINE void add(Reg<T> a, int turn) {
-    // Else GCC loads it three times over, once for each use.
-    __asm__("" : "+v"(a.r[0]));
+  NUQI_INLINE void add(const Reg<T>& a, int turn) {
     // The dot product's factors are an unsigned and a signed byte: x + 128 and x, or x and x - 128.
     const auto one = broadcast<int8_t, 64>(1);
     const auto other = a ^ broadcast<T, 64>(T(128));
