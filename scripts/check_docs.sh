@@ -11,7 +11,7 @@ diff <(awk '/^```c$/ {on = 1; next} /^```$/ {on = 0} on' README.md) examples/hel
 # The words that kernels use; what a word is made of need not be listed.
 defined=$(grep -hA3 'NUQI_INLINE' src/core/simd/*.h | tr '\n' ' ' | grep -oE 'NUQI_INLINE [^(]*\(' |
   sed -E 's/\($//; s/.*[ &*>]//' | grep -vE '^(operator.*|)$' | sort -u)
-used=$(cat $(git ls-files 'src/*_kernels.cpp' 'src/*.h' | grep -v core/simd) | grep -oE '\b[a-z0-9_]+\b' | sort -u)
+used=$(git ls-files 'src/*_kernels.cpp' 'src/*.h' | grep -v core/simd | xargs sed 's,//.*,,' | grep -oE '[a-z0-9_]+[<(]' | tr -d '<(' | sort -u)
 words=$(comm -12 <(echo "$defined") <(echo "$used"))
 [ "$(wc -w <<<"$words")" -gt 20 ] || fail "no vector words found"
 missing=$(for word in $words; do grep -qE "\`$word\b" docs/simd.md || echo "$word"; done)

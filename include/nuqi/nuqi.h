@@ -185,8 +185,7 @@ NUQI_API StatusCode nuqiAbsDiff_8u_C1R(const uint8_t* src1, int32_t src1Step, co
                                        int32_t src2Step, uint8_t* dst, int32_t dstStep,
                                        RoiSize roi);
 NUQI_API StatusCode nuqiAbsDiff_32f_C1R(const float* src1, int32_t src1Step, const float* src2,
-                                        int32_t src2Step, float* dst, int32_t dstStep,
-                                        RoiSize roi);
+                                        int32_t src2Step, float* dst, int32_t dstStep, RoiSize roi);
 NUQI_API StatusCode nuqiAbsDiffC_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                         int32_t dstStep, RoiSize roi, int32_t value);
 NUQI_API StatusCode nuqiAbsDiffC_32f_C1R(const float* src, int32_t srcStep, float* dst,

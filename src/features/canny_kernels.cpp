@@ -49,7 +49,7 @@ void magnitude_row(const CannyJob& job, int32_t y, int16_t* cells) {
 struct Ring {
   int16_t *above, *here, *below;
 
-  void turn() {
+  void rotate() {
     int16_t* const oldest = above;
     above = here;
     here = below;
@@ -112,7 +112,7 @@ void find(const CannyJob& job) {
   for (int32_t y = 0; y < job.roi.height; ++y) {
     magnitude_row(job, y + 1, ring.below);
     suppress_row(job, y, ring);
-    ring.turn();
+    ring.rotate();
   }
 }
 

@@ -120,7 +120,8 @@ NUQI_INLINE Column<T> finish(Column<T> result, const Scale<T>& scale) {
   if constexpr (kIsFloat<T>) {
     return result;
   } else {
-    if constexpr (derivative == scharr_dx || derivative == scharr_dy) result = result >> scale.shift;
+    if constexpr (derivative == scharr_dx || derivative == scharr_dy)
+      result = result >> scale.shift;
     if constexpr (!takes_differences(derivative)) result = zip_groups(result);
     return in_order(result);
   }
