@@ -23,7 +23,7 @@ sed -nE 's|^/\* ---- ([A-Za-z0-9 ,-]+[A-Za-z0-9]) -+$|\1|p' include/nuqi/nuqi.h 
   done
 
 for page in README.md CONTRIBUTING.md docs/*.md; do
-  grep -oE '\]\([^)#: ]+\)' "$page" | sed 's/](//; s/)//' | while read -r target; do
+  { grep -oE '\]\([^)#: ]*[./][^)#: ]*\)' "$page" || true; } | sed 's/](//; s/)//' | while read -r target; do
     [ -e "$(dirname "$page")/$target" ] || fail "$page links to $target, which does not exist"
   done
 done
