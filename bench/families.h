@@ -11,6 +11,9 @@ void register_fast_arctan();
 void register_norm();
 void register_derivative3x3();
 void register_canny();
+void register_blur();
+void register_sobel();
+void register_laplace();
 
 inline void register_all() {
   register_accumulate();
@@ -21,6 +24,9 @@ inline void register_all() {
   register_norm();
   register_derivative3x3();
   register_canny();
+  register_blur();
+  register_sobel();
+  register_laplace();
 }
 
 }  // namespace nuqi::bench

@@ -222,6 +222,24 @@ NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, Whole) {
 }
 NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, First part) { return load(from, part); }
 
+// Sixteen floats as doubles.
+NUQI_INLINE Px<double> load_doubles(const float* from) {
+  return generate<Px<double>>([&](int i) NUQI_FORCED {
+    using Reg = typename Px<double>::Reg;
+    const float* at = from + i * Px<double>::kLanesPerReg;
+#if NUQI_LEVEL == 2
+    // All lanes: the form without a mask warns of an undefined value in GCC 12's header.
+    return (Reg)_mm512_maskz_cvtps_pd(0xFF, _mm256_loadu_ps(at));
+#elif NUQI_LEVEL == 1
+    return (Reg)_mm256_cvtps_pd(_mm_loadu_ps(at));
+#elif defined(__SSE2__) && !defined(NUQI_PLAIN)
+    return (Reg)_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64((const __m128i*)at)));
+#else
+    return Reg{load_one(at), load_one(at + 1)};
+#endif
+  });
+}
+
 // Walks a row: body(x, Whole{}) for each block of N pixels, then body(x, First{rest}).
 template <int N = 16, class Body>
 NUQI_INLINE void for_blocks(int64_t width, const Body& body) {
@@ -240,6 +258,15 @@ NUQI_INLINE void for_blocks_in_turns(int64_t width, const Body& body) {
   if constexpr (Turns > 1)
     for (; x + N <= width; x += N) body(x, Whole{}, 0);
   if (x < width) body(x, First{int(width - x)}, 0);
+}
+
+// Walks the pixels from `from` to `to` for a body that may compute a pixel twice: where the last block
+// is not a whole one, it goes back over pixels already done. body(x, First{...}) if all are under N.
+template <int N = 16, class Body>
+NUQI_INLINE void for_blocks_overlapping(int64_t from, int64_t to, const Body& body) {
+  if (to - from < N) return body(from, First{int(to - from)});
+  for (; from + N <= to; from += N) body(from, Whole{});
+  if (from < to) body(to - N, Whole{});
 }
 
 }  // namespace
