@@ -11,6 +11,9 @@ void register_fast_arctan();
 void register_mean();
 void register_norm();
 void register_derivative3x3();
+void register_blur();
+void register_sobel();
+void register_laplace();
 void register_canny();
 
 inline void register_all() {
@@ -22,6 +25,9 @@ inline void register_all() {
   register_mean();
   register_norm();
   register_derivative3x3();
+  register_blur();
+  register_sobel();
+  register_laplace();
   register_canny();
 }
 

@@ -655,6 +655,162 @@ NUQI_API StatusCode nuqiScharr_Dy_32f_C1R(const float* src, int32_t srcStep, flo
                                           int32_t dstStep, int32_t bottomUp, RoiSize roi,
                                           int32_t shift);
 
+/* ---- Filter states ---------------------------------------------------------------------------
+ *
+ * A state holds what a blur, Sobel or Laplace filter needs between calls: its size, its kernels and
+ * the last rows of the stripe before. Make one for a width and keep it: it serves any number of
+ * images, one after the other, of that width or less.
+ *
+ * Kernels     Sobel and Laplace filters weigh columns and rows by kernels of their size, 3, 5 or 7.
+ *             That of order k is the k-th difference, smoothed by [1 1] to the size; lowest column
+ *             or row first:
+ *               3   1 2 1 | -1 0 1 | 1 -2 1
+ *               5   1 4 6 4 1 | -1 -2 0 2 1 | 1 0 -2 0 1 | -1 2 0 -2 1 | 1 -4 6 -4 1
+ *               7   1 6 15 20 15 6 1 | -1 -4 -5 0 5 4 1 | 1 2 -1 -4 -1 2 1 | -1 0 3 0 -3 0 1 |
+ *                   1 -2 -1 4 -1 -2 1 | -1 4 -5 0 5 -4 1 | 1 -6 15 -20 15 -6 1
+ * Sobel       xOrder and yOrder from 0 to apertureSize - 1; bottomUp 1 negates y kernels of odd order
+ *             (for images stored bottom row first), bottomUp 0 does not.
+ * dataType    1 for 8u, 2 for 8s, 9 for 32f sources. States for 8u and 8s serve either; a blur takes
+ *             a state of any type.
+ * Memory      4 * roiWidth bytes, rounded up to a multiple of 32, for each of size (Sobel), size + 1
+ *             (blur) or 2 * size (Laplace) rows, and about 700 bytes more.
+ * Free        nuqiConvolFree ends a state's use, and by contract leaves its memory allocated until
+ *             the program ends. So do not make a state for every image: keep one and reuse it.
+ * Threads     One state serves one sequence of calls at a time.
+ * Statuses    nuqiSobelInitAlloc:
+ *             1. StatusNullPtr: state is null.    2. StatusBadSize: roiWidth below 1.
+ *             3. StatusUnsupported: bottomUp neither 0 nor 1.
+ *             4. StatusBadSize: apertureSize not 3, 5 or 7; an order below 0; an order of
+ *                apertureSize or more.
+ *             5. StatusUnsupported: dataType not 1, 2 or 9.    6. StatusNoMemory.
+ *             nuqiBlurInitAlloc, nuqiLaplaceInitAlloc:
+ *             1. StatusNullPtr: state is null.
+ *             2. StatusBadSize: roiWidth below 1, or maskSize not 3, 5 or 7.
+ *             3. StatusUnsupported: dataType not 1, 2 or 9.    4. StatusNoMemory.
+ *             *state is written only with StatusOk. nuqiConvolFree: StatusNullPtr: state is null.
+ */
+typedef struct ConvolState ConvolState;
+
+NUQI_API StatusCode nuqiSobelInitAlloc(int32_t roiWidth, int32_t dataType, int32_t apertureSize,
+                                       int32_t bottomUp, int32_t xOrder, int32_t yOrder,
+                                       ConvolState** state);
+NUQI_API StatusCode nuqiBlurInitAlloc(int32_t roiWidth, int32_t dataType, int32_t maskSize,
+                                      ConvolState** state);
+NUQI_API StatusCode nuqiLaplaceInitAlloc(int32_t roiWidth, int32_t dataType, int32_t maskSize,
+                                         ConvolState** state);
+NUQI_API StatusCode nuqiConvolFree(ConvolState* state);
+
+/* ---- Blur ------------------------------------------------------------------------------------
+ *
+ * The sum of the n x n pixels around each pixel, n being the state's size: a box blur that is not
+ * normalised. Pixels beyond an edge equal the edge pixel.
+ *
+ * Stripes     The picture may come in one call or in several, in horizontal stripes from top to
+ *             bottom; phase says which part this is:
+ *               phase            source rows in roi->height    result rows
+ *               0  whole image   h                             h
+ *               1  first stripe  h                             h - n/2, but not below 0
+ *               4  middle        h                             h
+ *               2  last stripe   h                             h + n/2
+ *             On return roi->height is the number of result rows that this call has written; the
+ *             first of all the stripes' results is the picture's row 0. Stripes give exactly what
+ *             one call gives. After a first stripe (or whole image) of fewer than n/2 rows the next
+ *             call must be a first stripe again.
+ * Shapes      One channel, 8u or 8s to 16s, 32f to 32f. roi->width may be less than the state's.
+ * Arithmetic  8u and 8s are exact. 32f sums run, and keep what they round away: with half = n/2 and W
+ *             the width, along a row, in double precision,
+ *               h[0] = (half + 1) * S(0) + S(1) + ... + S(half)
+ *               h[x] = (h[x-1] + S(min(x + half, W - 1))) - S(max(x - half - 1, 0))
+ *             and each h[x] is rounded to a float; down a column, in single precision, the sum
+ *             starts as (half + 1) * h of the first row, then adds the h of each further row minus
+ *             that of the row which leaves the window (0 until the first leaves). A NaN or an
+ *             infinity therefore stays in all results to its right and below, and the residue of
+ *             large values in those after them, until the next first stripe.
+ * Overlap     Source, destination and state must not overlap.
+ * Statuses    1. StatusNullPtr: a pointer is null.
+ *             2. StatusBadSize: width or height below 1, a step below its row's bytes or not a
+ *                multiple of the element size.
+ *             3. StatusUnsupported: phase not 0, 1, 2 or 4.
+ *             4. StatusUnsupported: phase 2 or 4 where a first stripe must come: with a new state, or
+ *                after too few rows.
+ *             5. StatusBadSize: the width exceeds the state's, rounded up to a multiple of 8.
+ *             6. StatusBadContext: the state has not the row buffers of a blur of its size.
+ */
+NUQI_API StatusCode nuqiBlur_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                       int32_t dstStep, RoiSize* roi, ConvolState* state,
+                                       int32_t phase);
+NUQI_API StatusCode nuqiBlur_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                       int32_t dstStep, RoiSize* roi, ConvolState* state,
+                                       int32_t phase);
+NUQI_API StatusCode nuqiBlur_32f_C1R(const float* src, int32_t srcStep, float* dst, int32_t dstStep,
+                                     RoiSize* roi, ConvolState* state, int32_t phase);
+
+/* ---- Sobel -----------------------------------------------------------------------------------
+ *
+ * Derivatives of any order, with an aperture of 3, 5 or 7: the state's x kernel weighs the columns
+ * around each pixel, its y kernel the rows. First derivatives are positive where values grow to the
+ * right, or downwards (upwards with bottomUp 1). Pixels beyond an edge equal the edge pixel.
+ *
+ * Stripes     As for the blur; n is the aperture.
+ * Shapes      One channel, 8u or 8s to 16s, 32f to 32f. roi->width may be less than the state's.
+ * Arithmetic  16s results are exact, and saturate where they exceed 16 bits: with aperture 7, and
+ *             with aperture 5 and orders 0 and 0.
+ *             32f: single precision, down the columns first and then along the rows. With v(k) the
+ *             value k rows or columns from the middle and w(k) its weight, both times
+ *               even orders   ((v(h) + v(-h)) * w(h) + (v(h-1) + v(1-h)) * w(h-1)) + ... + v(0) * w(0)
+ *               odd orders    ((v(h) - v(-h)) * w(h) + (v(h-1) - v(1-h)) * w(h-1)) + ...
+ *             with h half the aperture, down to k = 1, the terms added from left to right; each
+ *             operation rounds once.
+ * Overlap     Source, destination and state must not overlap.
+ * Statuses    1 to 5 as for the blur.
+ *             6. StatusBadContext: the state has fewer row buffers than its size, or no kernels in
+ *                the source's number format (16-bit integers for 8u and 8s, floats for 32f).
+ * Method      I. Sobel and G. Feldman, "A 3x3 isotropic gradient operator for image processing",
+ *             1968, with binomial smoothing for the larger apertures.
+ */
+NUQI_API StatusCode nuqiSobel_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                        int32_t dstStep, RoiSize* roi, ConvolState* state,
+                                        int32_t phase);
+NUQI_API StatusCode nuqiSobel_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                        int32_t dstStep, RoiSize* roi, ConvolState* state,
+                                        int32_t phase);
+NUQI_API StatusCode nuqiSobel_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                      int32_t dstStep, RoiSize* roi, ConvolState* state,
+                                      int32_t phase);
+
+/* ---- Laplace ---------------------------------------------------------------------------------
+ *
+ * The second derivative along x plus that along y, each smoothed across: with k0 and k2 the kernels
+ * of orders 0 and 2, the columns weighed by k2 and the rows by k0, plus the same the other way round.
+ * Negative on a bright spot. Pixels beyond an edge equal the edge pixel.
+ *
+ * Stripes     As for the blur; n is the size.
+ * Shapes      One channel, 8u or 8s to 16s, 32f to 32f. roi->width may be less than the state's.
+ * Arithmetic  16s results are exact; those of size 7 saturate where they exceed 16 bits.
+ *             32f: single precision. Both terms contain the smoothing by [1 1] of columns and rows,
+ *             n - 3 times each. Let m be the source smoothed down its columns, by sums v(r) + v(r+1)
+ *             of neighbouring rows, then sums of those, n - 3 times in all; then
+ *               z = ((m(r-1,c-1) + m(r+1,c-1)) + (m(r-1,c+1) + m(r+1,c+1))) - 4 * m(r,c)
+ *             and, z(k) standing k columns further on, the result is twice
+ *               size 3   z(0)
+ *               size 5   (z(-1) + z(1)) + (z(0) + z(0))
+ *               size 7   ((z(-2) + z(2)) + (z(-1) + z(1)) * 4) + z(0) * 6
+ *             each operation rounding once. A picture without detail gives 0 exactly.
+ * Overlap     Source, destination and state must not overlap.
+ * Statuses    1 to 5 as for the blur.
+ *             6. StatusBadContext: the state has fewer row buffers than twice its size, or no kernels
+ *                in the source's number format (16-bit integers for 8u and 8s, floats for 32f).
+ */
+NUQI_API StatusCode nuqiLaplace_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
+                                          int32_t dstStep, RoiSize* roi, ConvolState* state,
+                                          int32_t phase);
+NUQI_API StatusCode nuqiLaplace_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
+                                          int32_t dstStep, RoiSize* roi, ConvolState* state,
+                                          int32_t phase);
+NUQI_API StatusCode nuqiLaplace_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                        int32_t dstStep, RoiSize* roi, ConvolState* state,
+                                        int32_t phase);
+
 /* ---- Canny edges -----------------------------------------------------------------------------
  *
  * Finds edges in a pair of derivative images, for example those of nuqiSobel3x3_Dx and _Dy:

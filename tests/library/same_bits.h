@@ -14,5 +14,8 @@ void hash_abs_diff(Hash& hash);
 void hash_copy(Hash& hash);
 void hash_motion_history(Hash& hash);
 void hash_fast_arctan(Hash& hash);
+void hash_blur(Hash& hash);
+void hash_sobel(Hash& hash);
+void hash_laplace(Hash& hash);
 
 }  // namespace nuqi::test

@@ -25,6 +25,9 @@ const Family kFamilies[] = {
     {"copy", hash_copy, 0x5FEB7D3EC9F32585},
     {"motion_history", hash_motion_history, 0x4BE6A9CE1B60009C},
     {"fast_arctan", hash_fast_arctan, 0x783CFF63BA99D58E},
+    {"blur", hash_blur, 0xE36D36248B744E31},
+    {"sobel", hash_sobel, 0x9D997271001CB10D},
+    {"laplace", hash_laplace, 0x2B230AE0BDD37440},
 };
 
 class SameBits : public EveryIsa {};

@@ -23,6 +23,13 @@ NUQI_INLINE Reg zip_high(const Reg& a, const Reg& b, Indices<I...>) {
   return __builtin_shufflevector(a, b, (n / 2 + I / 2 + I % 2 * n)...);
 }
 
+// The lanes of two registers with an even number, which on little-endian machines hold the lower
+// halves of lanes of twice the size.
+template <class Reg, int... I>
+NUQI_INLINE Reg even_lanes(const Reg& a, const Reg& b, Indices<I...>) {
+  return __builtin_shufflevector(a, b, (2 * I)...);
+}
+
 // Half a register: the lanes I of a.
 template <class Reg, int... I>
 NUQI_INLINE auto low_half(const Reg& a, Indices<I...>) {
@@ -40,6 +47,22 @@ NUQI_INLINE Vec<To, N> widen(const Vec<From, N>& a) {
   using Out = Vec<To, N>;
   using OutReg = typename Out::Reg;
   using Lanes = typename UpTo<In::kLanesPerReg>::Type;
+#if NUQI_LEVEL > 0
+  // GCC 12 makes four instructions of the conversion to 64 bytes.
+  if constexpr (sizeof(From) == 1 && In::kRegs == 1 && Out::kRegs == 1) {
+    constexpr bool is_signed = kIsSigned<From>;
+#if NUQI_LEVEL == 2
+    if constexpr (sizeof(OutReg) == 64) {
+      const __m256i in = (__m256i)a.r[0];
+      return {{(OutReg)(is_signed ? _mm512_cvtepi8_epi16(in) : _mm512_cvtepu8_epi16(in))}};
+    }
+#endif
+    if constexpr (sizeof(OutReg) == 32) {
+      const __m128i in = (__m128i)a.r[0];
+      return {{(OutReg)(is_signed ? _mm256_cvtepi8_epi16(in) : _mm256_cvtepu8_epi16(in))}};
+    }
+  }
+#endif
   if constexpr (In::kRegs == Out::kRegs) {
     return generate<Out>([&](int i)
                              NUQI_FORCED { return __builtin_convertvector(a.r[i], OutReg); });
@@ -289,11 +312,30 @@ NUQI_INLINE Px<double> to_doubles(const Px<float>& a) {
   });
 }
 
+// Rounds to floats.
+NUQI_INLINE Px<float> round_to_floats(const Px<double>& a) {
+  return generate<Px<float>>([&](int i) NUQI_FORCED {
+    const auto &low = a.r[2 * i], &high = a.r[2 * i + 1];
+#if NUQI_LEVEL == 2
+    // All lanes: the forms without a mask warn of an undefined value in GCC 12's header.
+    const __m256 halves[2] = {_mm512_maskz_cvtpd_ps(0xFF, (__m512d)low),
+                              _mm512_maskz_cvtpd_ps(0xFF, (__m512d)high)};
+    return _mm512_insertf32x8(_mm512_castps256_ps512(halves[0]), halves[1], 1);
+#elif NUQI_LEVEL == 1
+    return _mm256_set_m128(_mm256_cvtpd_ps((__m256d)high), _mm256_cvtpd_ps((__m256d)low));
+#elif defined(__SSE2__) && !defined(NUQI_PLAIN)
+    return _mm_movelh_ps(_mm_cvtpd_ps((__m128d)low), _mm_cvtpd_ps((__m128d)high));
+#else
+    return Px<float>::Reg{(float)low[0], (float)low[1], (float)high[0], (float)high[1]};
+#endif
+  });
+}
+
 // Floats from memory as doubles. Half the instructions, where a conversion can load what it converts.
 NUQI_INLINE Px<double> load_doubles(const float* from, First part) {
   return to_doubles(load(from, part));
 }
-NUQI_INLINE Px<double> load_doubles(const float* from, Whole) {
+NUQI_INLINE Px<double> load_doubles(const float* from, Whole = {}) {
 #if NUQI_LEVEL == 0
   return to_doubles(load(from));
 #else

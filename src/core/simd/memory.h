@@ -244,5 +244,14 @@ NUQI_INLINE void for_blocks_in_turns(int64_t width, const Body& body) {
   if (x < width) body(x, First{int(width - x)}, 0);
 }
 
+// Walks the pixels from `from` to `to` for a body that may compute a pixel twice: where the last block
+// is not a whole one, it goes back over pixels already done. body(x, First{...}) if all are under N.
+template <int N = 16, class Body>
+NUQI_INLINE void for_blocks_overlapping(int64_t from, int64_t to, const Body& body) {
+  if (to - from < N) return body(from, First{int(to - from)});
+  for (; from + N <= to; from += N) body(from, Whole{});
+  if (from < to) body(to - N, Whole{});
+}
+
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

@@ -72,17 +72,21 @@ using Mask = Vec<typename IntOf<sizeof(T)>::Type, N>;
 
 template <int... I>
 struct Indices {};
-template <class First>
+template <class Half, int odd>
 struct Twice;
 template <int... I>
-struct Twice<Indices<I...>> {
+struct Twice<Indices<I...>, 0> {
   using Type = Indices<I..., (int{sizeof...(I)} + I)...>;
 };
+template <int... I>
+struct Twice<Indices<I...>, 1> {
+  using Type = Indices<I..., (int{sizeof...(I)} + I)..., 2 * int{sizeof...(I)}>;
+};
 
-// Indices<0, 1, ... N - 1>, for N a power of two.
+// Indices<0, 1, ... N - 1>.
 template <int N>
 struct UpTo {
-  using Type = typename Twice<typename UpTo<N / 2>::Type>::Type;
+  using Type = typename Twice<typename UpTo<N / 2>::Type, N % 2>::Type;
 };
 template <>
 struct UpTo<1> {
@@ -106,7 +110,7 @@ NUQI_INLINE void for_each_at(const F& f, Indices<I...>) {
 // f(0), f(1), ... f(N - 1), unrolled.
 template <int N, class F>
 NUQI_INLINE void for_each(const F& f) {
-  for_each_at(f, typename UpTo<N>::Type{});
+  if constexpr (N > 0) for_each_at(f, typename UpTo<N>::Type{});
 }
 
 // ---- Constants and reinterpretation

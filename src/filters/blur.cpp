@@ -1,0 +1,58 @@
+// The box blurs: nuqiBlur.
+#include "filters/blur.h"
+
+#include "filters/stripe_filter.h"
+
+namespace nuqi {
+namespace {
+
+int buffers_for(int size) { return size + 1; }
+
+void blur_stripe(const StripeCall<uint8_t, int16_t>& call) {
+  filter_stripe(call, blur_kernels().u8.of[size_of(*call.state) / 2 - 1]);
+}
+void blur_stripe(const StripeCall<int8_t, int16_t>& call) {
+  filter_stripe(call, blur_kernels().s8.of[size_of(*call.state) / 2 - 1]);
+}
+void blur_stripe(const StripeCall<float, float>& call) {
+  const Stripe stripe = stripe_of(call);
+  const StripeRows<float> source = {stripe, call.src, call.state->rows};
+  RunningBlurJob job = {};
+  job.half = stripe.half;
+  job.dst = call.dst;
+  job.width = call.roi->width;
+  job.ring = call.state->rows;
+  for (int64_t y = 0; y < stripe.end(); y += job.kRows) {
+    job.count = static_cast<int>(std::min<int64_t>(job.kRows, stripe.end() - y));
+    for (int i = 0; i < job.kRows; ++i) job.rows[i] = source[y + i];
+    job.first = stripe.first && y == 0;
+    job.skipped = job.first ? std::min(job.half, job.count) : 0;
+    blur_kernels().f32(job);
+    job.dst.data = row_of(job.dst, job.count - job.skipped);
+  }
+  report(call, stripe);
+}
+
+template <class T, class D>
+StatusCode blur(const StripeCall<T, D>& call) {
+  if (const StatusCode status = check<void>(call, buffers_for)) return status;
+  blur_stripe(call);
+  return StatusOk;
+}
+
+}  // namespace
+}  // namespace nuqi
+
+using namespace nuqi;
+
+// clang-format off
+
+#define ENTRY(name, T, D)                                                                         \
+  StatusCode name(const T* src, int32_t srcStep, D* dst, int32_t dstStep, RoiSize* roi,           \
+                  ConvolState* state, int32_t phase) {                                            \
+    return blur<T, D>({{src, srcStep}, {dst, dstStep}, roi, state, phase});                       \
+  }
+ENTRY(nuqiBlur_8u16s_C1R, uint8_t, int16_t)
+ENTRY(nuqiBlur_8s16s_C1R, int8_t,  int16_t)
+ENTRY(nuqiBlur_32f_C1R,   float,   float)
+#undef ENTRY

@@ -1,0 +1,50 @@
+// What a filter state holds: its size, its row buffers and its coefficients.
+#pragma once
+
+#include <cstring>
+
+#include "nuqi/nuqi.h"
+
+// One block from AlignedAlloc: this header, then the row buffers.
+struct ConvolState {
+  void* rowArea;         // the first row buffer
+  int32_t kind;          // size * 8; a Sobel state adds bottomUp * 4 + yOrder % 2 * 2 + xOrder % 2
+  int32_t pending;       // rows that a first stripe still lacks; the size before any stripe
+  void* rows[16];        // the row buffers; null beyond the last
+  uint8_t xKernel[256];  // coefficients, four times each; zero where the filter has none
+  uint8_t yKernel[256];
+};
+static_assert(sizeof(void*) != 4 || sizeof(ConvolState) == 588);
+
+namespace nuqi {
+
+inline int size_of(const ConvolState& state) { return state.kind / 8; }
+
+inline int row_buffers(const ConvolState& state) {
+  int count = 0;
+  while (count < 16 && state.rows[count] != nullptr) ++count;
+  return count;
+}
+
+// Bytes from one row buffer to the next: room for so many bytes of any row.
+inline int64_t row_pitch(const ConvolState& state) {
+  return static_cast<char*>(state.rows[1]) - static_cast<char*>(state.rows[0]);
+}
+
+// Coefficient i of a table of C: 16-bit integers or floats.
+template <class C>
+C coefficient(const uint8_t (&table)[256], int i) {
+  C value;
+  std::memcpy(&value, table + 4 * i * sizeof(C), sizeof value);
+  return value;
+}
+
+// Every kernel's coefficient 0 is 1 or -1; an unset table, or one in the other format, reads as
+// something else.
+template <class C>
+bool holds_kernels(const ConvolState& state) {
+  const C c = coefficient<C>(state.xKernel, 0);
+  return c == 1 || c == -1;
+}
+
+}  // namespace nuqi

@@ -1,0 +1,38 @@
+// The Laplace filters: nuqiLaplace.
+#include "filters/laplace.h"
+
+#include "filters/stripe_filter.h"
+
+namespace nuqi {
+namespace {
+
+const auto& kernels_of(const uint8_t*) { return laplace_kernels().u8; }
+const auto& kernels_of(const int8_t*) { return laplace_kernels().s8; }
+const auto& kernels_of(const float*) { return laplace_kernels().f32; }
+
+int buffers_for(int size) { return 2 * size; }
+
+// The kernels know the coefficients: a state with so many row buffers holds no others.
+template <class T, class D>
+StatusCode laplace(const StripeCall<T, D>& call) {
+  if (const StatusCode status = check<D>(call, buffers_for)) return status;
+  filter_stripe(call, kernels_of(call.src.data).of[size_of(*call.state) / 2 - 1]);
+  return StatusOk;
+}
+
+}  // namespace
+}  // namespace nuqi
+
+using namespace nuqi;
+
+// clang-format off
+
+#define ENTRY(name, T, D)                                                                         \
+  StatusCode name(const T* src, int32_t srcStep, D* dst, int32_t dstStep, RoiSize* roi,           \
+                  ConvolState* state, int32_t phase) {                                            \
+    return laplace<T, D>({{src, srcStep}, {dst, dstStep}, roi, state, phase});                    \
+  }
+ENTRY(nuqiLaplace_8u16s_C1R, uint8_t, int16_t)
+ENTRY(nuqiLaplace_8s16s_C1R, int8_t,  int16_t)
+ENTRY(nuqiLaplace_32f_C1R,   float,   float)
+#undef ENTRY

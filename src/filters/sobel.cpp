@@ -1,0 +1,53 @@
+// The Sobel filters with selectable aperture: nuqiSobel.
+#include "filters/sobel.h"
+
+#include "filters/stripe_filter.h"
+
+namespace nuqi {
+namespace {
+
+const auto& kernels_of(const uint8_t*) { return sobel_kernels().u8; }
+const auto& kernels_of(const int8_t*) { return sobel_kernels().s8; }
+const auto& kernels_of(const float*) { return sobel_kernels().f32; }
+
+int buffers_for(int size) { return size; }
+
+template <class C>
+SobelWeights<C> weights_of(const ConvolState& state) {
+  SobelWeights<C> weights = {};
+  const int half = size_of(state) / 2;
+  for (int k = 0; k <= half; ++k) {
+    weights.x[k] = coefficient<C>(state.xKernel, half + k);
+    weights.y[k] = coefficient<C>(state.yKernel, half + k);
+  }
+  return weights;
+}
+
+template <class T, class D>
+StatusCode sobel(const StripeCall<T, D>& call) {
+  if (const StatusCode status = check<D>(call, buffers_for)) return status;
+  const ConvolState& state = *call.state;
+  const int size = size_of(state);
+  const SobelWeights<D> weights = weights_of<D>(state);
+  const auto kernel =
+      kernels_of(call.src.data).of[size / 2 - 1][state.kind % 2][state.kind / 2 % 2];
+  filter_stripe(call, [&](const WindowJob<T, D>& job) { kernel(job, weights); });
+  return StatusOk;
+}
+
+}  // namespace
+}  // namespace nuqi
+
+using namespace nuqi;
+
+// clang-format off
+
+#define ENTRY(name, T, D)                                                                         \
+  StatusCode name(const T* src, int32_t srcStep, D* dst, int32_t dstStep, RoiSize* roi,           \
+                  ConvolState* state, int32_t phase) {                                            \
+    return sobel<T, D>({{src, srcStep}, {dst, dstStep}, roi, state, phase});                      \
+  }
+ENTRY(nuqiSobel_8u16s_C1R, uint8_t, int16_t)
+ENTRY(nuqiSobel_8s16s_C1R, int8_t,  int16_t)
+ENTRY(nuqiSobel_32f_C1R,   float,   float)
+#undef ENTRY

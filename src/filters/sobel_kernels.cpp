@@ -1,0 +1,108 @@
+// Separable filters of 3, 5 or 7 columns and rows: first down the columns, then along the rows.
+#include "core/simd/pairs.h"
+#include "filters/sobel.h"
+#include "filters/tile.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+template <class V>
+using SobelTile = Tile<V, 4>;
+
+// The two passes are functions of their own: 18 and 12 of them make the 36 filters.
+#define NUQI_PASS __attribute__((noinline))
+
+template <int N>
+NUQI_INLINE Vec<int16_t, N> plus(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
+  return add_saturated(a, b);
+}
+template <int N>
+NUQI_INLINE Vec<float, N> plus(const Vec<float, N>& a, const Vec<float, N>& b) {
+  return a + b;
+}
+
+// The neighbours at distance k: at(k) + at(-k), or at(k) - at(-k).
+template <bool odd, class At>
+NUQI_INLINE auto pair(const At& at, int k) {
+  if constexpr (odd)
+    return at(k) - at(-k);
+  else
+    return at(k) + at(-k);
+}
+
+// The sum of at(-half) ... at(half) times their weights, from the outside inwards. Even kernels begin
+// with 1, odd ones have 0 in the middle.
+template <int half, bool odd, class At, class V>
+NUQI_INLINE V fold(const At& at, const V (&weights)[4]) {
+  V sum = pair<odd>(at, half);
+  if constexpr (odd) sum = sum * weights[half];
+  if constexpr (half > 2) sum = plus(sum, pair<odd>(at, 2) * weights[2]);
+  if constexpr (half > 1) sum = plus(sum, pair<odd>(at, 1) * weights[1]);
+  if constexpr (!odd) sum = plus(sum, at(0) * weights[0]);
+  return sum;
+}
+
+template <int half, bool odd, class T, class V>
+NUQI_PASS void down(const T* const* rows, const V (&y)[4], int64_t left, V* tile, int32_t from,
+                    int32_t to) {
+  constexpr int N = kLanesOf<V>, kRows = SobelTile<V>::kRows + 2 * half;
+  const Vec<V, N> weights[4] = {broadcast<V, N>(y[0]), broadcast<V, N>(y[1]), broadcast<V, N>(y[2]),
+                                broadcast<V, N>(y[3])};
+  for_blocks_overlapping<N>(from, to, [&](int64_t x, auto part) NUQI_FORCED {
+    Vec<V, N> row[kRows];
+    for_each<kRows>([&](int i)
+                        NUQI_FORCED { row[i] = convert<V>(load<N>(rows[i] + left + x, part)); });
+    for_each<SobelTile<V>::kRows>([&](int i) NUQI_FORCED {
+      const auto at = [&](int k) NUQI_FORCED { return row[i + half + k]; };
+      store(tile + i * SobelTile<V>::kRowStep + x, fold<half, odd>(at, weights));
+    });
+  });
+}
+
+template <int half, bool odd, class V>
+NUQI_PASS void along(const V* from, const V (&x)[4], V* to, int32_t width) {
+  constexpr int N = kLanesOf<V>;
+  const Vec<V, N> weights[4] = {broadcast<V, N>(x[0]), broadcast<V, N>(x[1]), broadcast<V, N>(x[2]),
+                                broadcast<V, N>(x[3])};
+  const V x0 = x[0], x1 = x[1], x2 = x[2],
+          x3 = x[3];  // else every store would have them read again
+  for_blocks_overlapping<N>(0, width, [&](int64_t column, auto part) NUQI_FORCED {
+    const auto at = [&](int k) NUQI_FORCED { return load<N>(from + column + k); };
+    if constexpr (half == 3 && sizeof(V) == 2) {
+      // Only the pairs fit 16 bits.
+      auto sum = add_pairs({}, pair<odd>(at, 3), pair<odd>(at, 2), x3, x2);
+      sum = add_pairs(sum, pair<odd>(at, 1), at(0), x1, x0);
+      store(to + column, pack_pairs(sum), part);
+    } else {
+      store(to + column, fold<half, odd>(at, weights), part);
+    }
+  });
+}
+
+template <int half, bool x_odd, bool y_odd, class T, class V>
+void sobel(const WindowJob<T, V>& job, const SobelWeights<V>& weights) {
+  for_tiles<SobelTile<V>, half>(
+      job.roi,
+      [&](SobelTile<V>& tile, int32_t y, int32_t x, int32_t from, int32_t to)
+          NUQI_FORCED { down<half, y_odd>(job.rows + y, weights.y, x, tile.at(0), from, to); },
+      [&](SobelTile<V>& tile, int row, int32_t y, int32_t x, int32_t width) NUQI_FORCED {
+        along<half, x_odd>(tile.at(row * tile.kRowStep), weights.x, row_of(job.dst, y) + x, width);
+      });
+}
+
+template <class T, class V>
+constexpr SobelKernelsOf<T, V> kKernels = {{
+    {{sobel<1, false, false, T, V>, sobel<1, false, true, T, V>},
+     {sobel<1, true, false, T, V>, sobel<1, true, true, T, V>}},
+    {{sobel<2, false, false, T, V>, sobel<2, false, true, T, V>},
+     {sobel<2, true, false, T, V>, sobel<2, true, true, T, V>}},
+    {{sobel<3, false, false, T, V>, sobel<3, false, true, T, V>},
+     {sobel<3, true, false, T, V>, sobel<3, true, true, T, V>}},
+}};
+
+}  // namespace
+
+const SobelKernels sobel_kernels = {kKernels<uint8_t, int16_t>, kKernels<int8_t, int16_t>,
+                                    kKernels<float, float>};
+
+}  // namespace nuqi::NUQI_ISA
