@@ -8,6 +8,8 @@ void register_abs_diff();
 void register_copy();
 void register_motion_history();
 void register_fast_arctan();
+void register_sample_line();
+void register_histogram();
 
 inline void register_all() {
   register_accumulate();
@@ -15,6 +17,8 @@ inline void register_all() {
   register_copy();
   register_motion_history();
   register_fast_arctan();
+  register_sample_line();
+  register_histogram();
 }
 
 }  // namespace nuqi::bench

@@ -10,5 +10,7 @@ void hash_abs_diff(Hash& hash);
 void hash_copy(Hash& hash);
 void hash_motion_history(Hash& hash);
 void hash_fast_arctan(Hash& hash);
+void hash_sample_line(Hash& hash);
+void hash_histogram(Hash& hash);
 
 }  // namespace nuqi::test

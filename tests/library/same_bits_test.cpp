@@ -21,6 +21,8 @@ const Family kFamilies[] = {
     {"copy", hash_copy, 0x5FEB7D3EC9F32585},
     {"motion_history", hash_motion_history, 0x4BE6A9CE1B60009C},
     {"fast_arctan", hash_fast_arctan, 0x783CFF63BA99D58E},
+    {"sample_line", hash_sample_line, 0x722E714D4FECD9C9},
+    {"histogram", hash_histogram, 0xEEE350EF450C6C67},
 };
 
 class SameBits : public EveryIsa {};
