@@ -281,6 +281,33 @@ NUQI_API StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette
 NUQI_API StatusCode nuqibFastArctan_32f(const float* y, const float* x, float* angle,
                                         int32_t length);
 
+/* ---- Line samples ----------------------------------------------------------------------------
+ *
+ * Copies the pixels along a digital straight line, both ends included, into a plain array: profiles
+ * of intensity. The longer axis is walked pixel by pixel (y where both are equally long); the other
+ * coordinate is the nearest one to the true line, exact halves rounding towards the start.
+ *
+ * Shapes      8u or 32f, one channel or three interleaved ones. dst has room for
+ *             max(|end.x - start.x|, |end.y - start.y|) + 1 pixels, one after the other.
+ * Result      The number of pixels written, 1 or more, or a status below 0.
+ * Overlap     dst must not overlap the image.
+ * Statuses    1. StatusNullPtr: dst is null, or the step of a 32f image is not a multiple of 4.
+ *             2. StatusNullPtr: src is null.
+ *             3. StatusBadSize: width or height below 1.
+ *             4. StatusBadStep: the step is below the row's bytes.
+ *             5. StatusBadArg: start or end lies outside the ROI.
+ * Method      J. Bresenham, "Algorithm for computer control of a digital plotter", IBM Systems
+ *             Journal 4(1), 1965.
+ */
+NUQI_API StatusCode nuqiSampleLine_8u_C1R(const uint8_t* src, int32_t srcStep, RoiSize roi,
+                                          uint8_t* dst, PixelPoint start, PixelPoint end);
+NUQI_API StatusCode nuqiSampleLine_8u_C3R(const uint8_t* src, int32_t srcStep, RoiSize roi,
+                                          uint8_t* dst, PixelPoint start, PixelPoint end);
+NUQI_API StatusCode nuqiSampleLine_32f_C1R(const float* src, int32_t srcStep, RoiSize roi,
+                                           float* dst, PixelPoint start, PixelPoint end);
+NUQI_API StatusCode nuqiSampleLine_32f_C3R(const float* src, int32_t srcStep, RoiSize roi,
+                                           float* dst, PixelPoint start, PixelPoint end);
+
 /* ---- Means and deviations --------------------------------------------------------------------
  *
  * The mean, or the mean and the standard deviation, of the pixels of a region: all of them or those
@@ -575,6 +602,49 @@ NUQI_API StatusCode nuqiNormRel_L2_32f_C3CMR(const float* src1, int32_t src1Step
                                              int32_t src2Step, const uint8_t* mask,
                                              int32_t maskStep, RoiSize roi, int32_t channel,
                                              double* norm);
+
+/* ---- Histograms ------------------------------------------------------------------------------
+ *
+ * nuqiCalcHist_8u_C1R counts the pixels of an image in bins between levels: bin i holds the number of
+ * pixels v with levels[i] <= v < levels[i + 1].
+ *
+ *   levelCount  Levels; hist has levelCount - 1 bins, but at least one. With a single level its one
+ *               bin has no upper end. Bins whose levels do not ascend are 0.
+ *   Statuses    1. StatusNullPtr: a pointer is null.
+ *               2. StatusBadSize: width, height or levelCount below 1.
+ *               3. StatusBadStep: the step is below the row's bytes.
+ *
+ * nuqiCalcHist_8u_C2R counts pairs of the two interleaved channels: row j, column i of hist holds the
+ * number of pixels whose first channel lies in bin i and second channel in bin j.
+ *
+ *   counts      Two numbers, of columns and of rows. They are not tested for null.
+ *   levels      counts[0] + 1 ascending levels of the first channel, then counts[1] + 1 of the
+ *               second. A value from the first level to below the last lies in the bin whose number
+ *               is that of the levels after the first that are not above it.
+ *   hist        counts[1] rows of counts[0] counters, histStep bytes apart; the step is not tested.
+ *               First of all, (counts[0] + 1) * (counts[1] + 1) counters from its start are set to 0
+ *               whatever the step is: memory must reach so far, and counters beyond keep what they
+ *               hold and are added to.
+ *   Statuses    1. StatusNullPtr: src, hist or levels is null.
+ *               2. StatusBadSize: a count, width or height below 1.
+ *               3. StatusBadStep: the step is below 2 * width.
+ *
+ * nuqiConvertHist1D_32s32f tests a histogram: whether it is there, and whether its total is 0. It
+ * writes nothing, and the flag has no effect.
+ *
+ *   Statuses    1. StatusNullPtr: a pointer is null.
+ *               2. StatusBadSize: length below 1.
+ *               3. StatusDivByZero: the sum of the counters, which is exact, is 0.
+ *
+ * Counters are 32-bit integers and wrap around. Images, levels and histograms must not overlap.
+ */
+NUQI_API StatusCode nuqiCalcHist_8u_C1R(const uint8_t* src, int32_t srcStep, RoiSize roi,
+                                        int32_t* hist, int32_t levelCount, const uint8_t* levels);
+NUQI_API StatusCode nuqiCalcHist_8u_C2R(const uint8_t* src, int32_t srcStep, RoiSize roi,
+                                        int32_t* hist, int32_t histStep, const int32_t* counts,
+                                        const int32_t* levels);
+NUQI_API StatusCode nuqiConvertHist1D_32s32f(const int32_t* src, float* dst, int32_t length,
+                                             int32_t flag);
 
 /* ---- Fixed 3x3 derivatives -------------------------------------------------------------------
  *

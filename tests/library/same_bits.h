@@ -17,5 +17,7 @@ void hash_fast_arctan(Hash& hash);
 void hash_blur(Hash& hash);
 void hash_sobel(Hash& hash);
 void hash_laplace(Hash& hash);
+void hash_sample_line(Hash& hash);
+void hash_histogram(Hash& hash);
 
 }  // namespace nuqi::test

@@ -28,6 +28,8 @@ const Family kFamilies[] = {
     {"blur", hash_blur, 0xE36D36248B744E31},
     {"sobel", hash_sobel, 0x9D997271001CB10D},
     {"laplace", hash_laplace, 0x2B230AE0BDD37440},
+    {"sample_line", hash_sample_line, 0x722E714D4FECD9C9},
+    {"histogram", hash_histogram, 0xEEE350EF450C6C67},
 };
 
 class SameBits : public EveryIsa {};

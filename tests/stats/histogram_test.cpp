@@ -1,0 +1,201 @@
+// Tests of the histograms. They have no kernels: one instruction set is enough.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "library/same_bits.h"
+#include "stats/histogram_reference.h"
+#include "support/comparison.h"
+#include "support/values.h"
+#include "support/walls.h"
+
+namespace nuqi::test {
+namespace {
+
+using Levels = std::vector<int32_t>;
+
+// ---- One channel
+
+// Noise with long runs of one value.
+void fill(WalledImage<uint8_t>& image, uint64_t seed) {
+  Random random(seed);
+  uint8_t run = 0;
+  int left = 0;
+  image.fill([&] {
+    if (left == 0 && random.bits() % 32 == 0)
+      left = random.between(1, 40), run = random.integer<uint8_t>();
+    if (left != 0) return --left, run;
+    return random.integer<uint8_t>();
+  });
+}
+
+void expect_histogram(RoiSize roi, int padding, Wall wall, const std::vector<uint8_t>& levels) {
+  SCOPED_TRACE(testing::Message() << roi.width << "x" << roi.height << ", " << levels.size()
+                                  << " levels");
+  WalledImage<uint8_t> src(roi, padding, wall);
+  fill(src, static_cast<uint64_t>(roi.width));
+  const std::vector<int32_t> expected = histogram_reference(src.pixels(), levels);
+  WalledBytes hist(expected.size() * 4, Wall::after), walled(levels.size(), Wall::after);
+  std::memcpy(walled.data(), levels.data(), levels.size());
+  auto* bins = reinterpret_cast<int32_t*>(hist.data());
+  ASSERT_EQ(nuqiCalcHist_8u_C1R(src.data(), src.step(), roi, bins, static_cast<int>(levels.size()),
+                                walled.data()),
+            StatusOk);
+  ASSERT_EQ(expected, std::vector<int32_t>(bins, bins + expected.size()));
+}
+
+TEST(Histogram, AgreesWithTheReference) {
+  std::vector<uint8_t> all(256);
+  for (int i = 0; i < 256; ++i) all[i] = static_cast<uint8_t>(i);
+  const std::vector<uint8_t> levels[] = {all,       {0, 128, 255},      {17, 255},
+                                         {9, 9, 7}, {200, 100, 50, 60}, {255, 0, 255}};
+  for (Wall wall : {Wall::after, Wall::before}) {
+    for (int width = 1; width <= 70; ++width)
+      expect_histogram({width, 3}, width % 3, wall, levels[width % 6]);
+    expect_histogram({641, 5}, 0, wall, all);
+  }
+}
+
+// Oddity: one level makes a bin, too. The level beyond is not read: the list ends at a wall.
+TEST(Histogram, OneLevelMakesABinWithoutUpperEnd) {
+  for (uint8_t level : {0, 100, 255}) expect_histogram({50, 4}, 1, Wall::after, {level});
+}
+
+// Each row spoils one argument more than it needs to, and names the status that must win.
+TEST(HistogramStatus, FirstFailureWinsAndNothingIsWritten) {
+  const auto expect = [](const char* what, StatusCode status, auto spoil) {
+    struct {
+      std::vector<uint8_t> image = std::vector<uint8_t>(40), list = {0, 9, 20};
+      std::vector<int32_t> bins = {-7, -7};
+      const uint8_t *src = image.data(), *levels = list.data();
+      int32_t step = 10, *hist = bins.data(), count = 3;
+      RoiSize roi = {10, 4};
+    } a;
+    spoil(a);
+    EXPECT_EQ(nuqiCalcHist_8u_C1R(a.src, a.step, a.roi, a.hist, a.count, a.levels), status) << what;
+    EXPECT_EQ(a.bins, (std::vector<int32_t>{-7, -7})) << what;
+  };
+  expect("null source, width 0", StatusNullPtr, [](auto& a) { a.src = nullptr, a.roi.width = 0; });
+  expect("null histogram, short step", StatusNullPtr,
+         [](auto& a) { a.hist = nullptr, a.step = 9; });
+  expect("null levels, no level", StatusNullPtr, [](auto& a) { a.levels = nullptr, a.count = 0; });
+  expect("width 0, short step", StatusBadSize, [](auto& a) { a.roi.width = 0, a.step = -1; });
+  expect("height 0", StatusBadSize, [](auto& a) { a.roi.height = 0; });
+  expect("no level, short step", StatusBadSize, [](auto& a) { a.count = 0, a.step = 9; });
+  expect("short step", StatusBadStep, [](auto& a) { a.step = 9; });
+}
+
+// ---- Two channels
+
+void expect_joint(RoiSize roi, int padding, const Levels& across, const Levels& down,
+                  int32_t step) {
+  SCOPED_TRACE(testing::Message() << roi.width << "x" << roi.height << ", histogram step " << step);
+  WalledImage<uint8_t> src(roi, padding, Wall::after, 2);
+  fill(src, static_cast<uint64_t>(roi.width) + 1);
+  const int32_t counts[2] = {static_cast<int>(across.size()) - 1,
+                             static_cast<int>(down.size()) - 1};
+  Levels levels = across;
+  levels.insert(levels.end(), down.begin(), down.end());
+  // All counters that are cleared, and all rows; what neither touches stays.
+  const int64_t rows_end = int64_t{std::max(step, 0)} * (counts[1] - 1) + counts[0] * 4;
+  const size_t size = std::max<int64_t>(rows_end, int64_t(across.size() * down.size()) * 4);
+  WalledBytes hist(size, Wall::after);
+  std::memset(hist.data(), 0x11, size);
+  std::vector<uint8_t> expected(hist.data(), hist.data() + size);
+  joint_histogram_reference(src.pixels(), across, down, step, expected);
+  ASSERT_EQ(
+      nuqiCalcHist_8u_C2R(src.data(), src.step(), roi, reinterpret_cast<int32_t*>(hist.data()),
+                          step, counts, levels.data()),
+      StatusOk);
+  ASSERT_EQ(expected, std::vector<uint8_t>(hist.data(), hist.data() + size));
+}
+
+TEST(JointHistogram, AgreesWithTheReference) {
+  Levels fine, coarse = {0, 64, 128, 192, 256};
+  for (int i = 0; i <= 256; ++i) fine.push_back(i);
+  for (int width = 1; width <= 40; ++width) {
+    expect_joint({width, 3}, width % 3, coarse, {10, 20, 240}, 16);
+    expect_joint({width, 3}, width % 3, {-1000, 5, 100000}, coarse, 12);
+  }
+  expect_joint({300, 20}, 0, fine, fine, 1024);
+  expect_joint({300, 20}, 0, {50, 60}, {0, 200}, 4);
+  // Several levels at one value: the bins between them stay empty.
+  expect_joint({300, 20}, 0, {0, 7, 7, 7, 200}, {3, 3, 90, 90}, 20);
+  // Levels that descend: the number of those not above a value.
+  expect_joint({300, 20}, 0, {0, 90, 30, 60, 256}, {0, 128, 256}, 16);
+}
+
+// Oddity: (K + 1) * (L + 1) counters from the start are cleared, not the rows.
+TEST(JointHistogram, ClearsByCountNotByRows) {
+  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256},
+               64);                                                // beyond: added to what is there
+  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256}, 0);  // all rows are one
+  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256}, 6);  // rows that overlap
+}
+
+TEST(JointHistogramStatus, FirstFailureWinsAndNothingIsWritten) {
+  const auto expect = [](const char* what, StatusCode status, auto spoil) {
+    struct {
+      std::vector<uint8_t> image = std::vector<uint8_t>(80);
+      std::vector<int32_t> bins = std::vector<int32_t>(12, -7), list = {0, 9, 20, 0, 5, 9, 20};
+      int32_t pair[2] = {2, 3};
+      const uint8_t* src = image.data();
+      const int32_t *counts = pair, *levels = list.data();
+      int32_t step = 20, *hist = bins.data();
+      RoiSize roi = {10, 4};
+    } a;
+    spoil(a);
+    EXPECT_EQ(nuqiCalcHist_8u_C2R(a.src, a.step, a.roi, a.hist, 8, a.counts, a.levels), status)
+        << what;
+    EXPECT_EQ(a.bins, std::vector<int32_t>(12, -7)) << what;
+  };
+  // Null pointers come before the counts are read.
+  expect("null source and counts", StatusNullPtr,
+         [](auto& a) { a.src = nullptr, a.counts = nullptr; });
+  expect("null histogram, no column", StatusNullPtr,
+         [](auto& a) { a.hist = nullptr, a.pair[0] = 0; });
+  expect("null levels, width 0", StatusNullPtr,
+         [](auto& a) { a.levels = nullptr, a.roi.width = 0; });
+  expect("no column, short step", StatusBadSize, [](auto& a) { a.pair[0] = 0, a.step = 19; });
+  expect("no row", StatusBadSize, [](auto& a) { a.pair[1] = 0, a.step = 19; });
+  expect("width 0, short step", StatusBadSize, [](auto& a) { a.roi.width = 0, a.step = -1; });
+  expect("height 0", StatusBadSize, [](auto& a) { a.roi.height = 0; });
+  expect("short step", StatusBadStep, [](auto& a) { a.step = 19; });
+}
+
+// ---- The total
+
+TEST(ConvertHist, TestsTheTotalAndWritesNothing) {
+  const std::vector<int32_t> none = {1, -1}, some = {0, 0, 3};
+  const std::vector<int32_t> wraps = {INT32_MIN, INT32_MIN}, large = {INT32_MAX, INT32_MAX, 2};
+  float dst[3] = {5, 6, 7};
+  for (int flag : {0, 1, -1}) {
+    EXPECT_EQ(nuqiConvertHist1D_32s32f(none.data(), dst, 2, flag), StatusDivByZero);
+    EXPECT_EQ(nuqiConvertHist1D_32s32f(some.data(), dst, 2, flag), StatusDivByZero);
+    EXPECT_EQ(nuqiConvertHist1D_32s32f(some.data(), dst, 3, flag), StatusOk);
+  }
+  EXPECT_EQ(nuqiConvertHist1D_32s32f(wraps.data(), dst, 2, 0), StatusOk);
+  EXPECT_EQ(nuqiConvertHist1D_32s32f(large.data(), dst, 3, 0), StatusOk);
+  EXPECT_EQ(nuqiConvertHist1D_32s32f(nullptr, dst, 0, 0), StatusNullPtr);
+  EXPECT_EQ(nuqiConvertHist1D_32s32f(some.data(), nullptr, 0, 0), StatusNullPtr);
+  EXPECT_EQ(nuqiConvertHist1D_32s32f(none.data(), dst, 0, 0), StatusBadSize);
+  EXPECT_TRUE(dst[0] == 5 && dst[1] == 6 && dst[2] == 7);
+}
+
+}  // namespace
+
+void hash_histogram(Hash& hash) {
+  WalledImage<uint8_t> src({130, 6}, 3, Wall::after, 2);
+  fill(src, 9);
+  const uint8_t levels[6] = {0, 3, 90, 91, 200, 255};
+  std::vector<int32_t> bins(5), joint(20);
+  ASSERT_EQ(nuqiCalcHist_8u_C1R(src.data(), src.step(), {260, 6}, bins.data(), 6, levels),
+            StatusOk);
+  const int32_t counts[2] = {3, 4}, pairs[9] = {0, 50, 51, 256, 10, 11, 100, 101, 240};
+  ASSERT_EQ(nuqiCalcHist_8u_C2R(src.data(), src.step(), {130, 6}, joint.data(), 16, counts, pairs),
+            StatusOk);
+  hash.add(bins);
+  hash.add(joint);
+}
+
+}  // namespace nuqi::test
