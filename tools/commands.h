@@ -11,6 +11,9 @@ namespace tools {
 void add_tour(CLI::App& app);
 void add_edges(CLI::App& app);
 void add_background(CLI::App& app);
+void add_blur(CLI::App& app);
+void add_sobel(CLI::App& app);
+void add_laplace(CLI::App& app);
 void add_info(CLI::App& app);
 
 }  // namespace tools

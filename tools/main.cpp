@@ -15,6 +15,9 @@ constexpr void (*kCommands[])(CLI::App&) = {
     tools::add_tour,
     tools::add_edges,
     tools::add_background,
+    tools::add_blur,
+    tools::add_sobel,
+    tools::add_laplace,
     tools::add_info,
 };
 
