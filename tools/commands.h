@@ -14,6 +14,7 @@ void add_background(CLI::App& app);
 void add_blur(CLI::App& app);
 void add_sobel(CLI::App& app);
 void add_laplace(CLI::App& app);
+void add_stats(CLI::App& app);
 void add_info(CLI::App& app);
 
 }  // namespace tools

@@ -18,6 +18,7 @@ constexpr void (*kCommands[])(CLI::App&) = {
     tools::add_blur,
     tools::add_sobel,
     tools::add_laplace,
+    tools::add_stats,
     tools::add_info,
 };
 

@@ -229,7 +229,7 @@ TEST_F(Info, ListsTheHeadersFunctions) {
 }
 
 TEST_F(Info, HelpAndVersionSucceed) {
-  for (const char* command : {"tour", "edges", "background", "blur", "sobel", "laplace", "info"}) {
+  for (const char* command : {"tour", "edges", "background", "blur", "sobel", "laplace", "stats", "info"}) {
     const Outcome outcome = run({command, "--help"});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_NE(outcome.out.find(command), std::string::npos);
