@@ -19,6 +19,11 @@ constexpr void (*kCommands[])(CLI::App&) = {
     tools::add_sobel,
     tools::add_laplace,
     tools::add_stats,
+    tools::add_diff,
+    tools::add_split,
+    tools::add_join,
+    tools::add_profile,
+    tools::add_motion,
     tools::add_info,
 };
 
