@@ -11,6 +11,15 @@ namespace tools {
 void add_tour(CLI::App& app);
 void add_edges(CLI::App& app);
 void add_background(CLI::App& app);
+void add_blur(CLI::App& app);
+void add_sobel(CLI::App& app);
+void add_laplace(CLI::App& app);
+void add_stats(CLI::App& app);
+void add_diff(CLI::App& app);
+void add_split(CLI::App& app);
+void add_join(CLI::App& app);
+void add_profile(CLI::App& app);
+void add_motion(CLI::App& app);
 void add_info(CLI::App& app);
 
 }  // namespace tools

@@ -1,0 +1,100 @@
+// The commands blur, sobel and laplace on pictures small enough to filter by hand.
+#include <algorithm>
+
+#include "run_program.h"
+#include "tour_colours.h"
+
+namespace tools::test {
+namespace {
+
+class Filters : public ProgramTest {
+ protected:
+  // Runs a command that writes out.png and compares that with the values in colours.
+  void expect_values(std::vector<std::string> arguments, RoiSize size,
+                     const std::vector<int16_t>& values) const {
+    arguments.insert(arguments.begin() + 1, {path("in.png"), path("out.png"), "--range", "100"});
+    const Outcome outcome = run(arguments);
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    Plane<int16_t> expected(size);
+    expected.values = values;
+    EXPECT_EQ(read_picture(path("out.png")).pixels, signed_colours(expected, 100).pixels);
+    const auto [low, high] = std::minmax_element(values.begin(), values.end());
+    const std::string extremes = std::to_string(*low) + " to " + std::to_string(*high);
+    EXPECT_NE(outcome.out.find("values " + extremes + ","), std::string::npos) << outcome.out;
+  }
+};
+
+TEST_F(Filters, BlurTakesTheMeanInEachChannel) {
+  Picture picture({3, 1}, 3);
+  picture.pixels = {0, 0, 255, 90, 2, 255, 255, 0, 255};
+  write_picture(path("in.png"), picture);
+  const Outcome outcome = run({"blur", path("in.png"), path("out.png")});
+  ASSERT_EQ(outcome.code, 0) << outcome.err;
+  EXPECT_NE(outcome.out.find("3x1, means of 3x3 pixels"), std::string::npos) << outcome.out;
+  EXPECT_EQ(read_picture(path("out.png")).pixels,
+            (std::vector<uint8_t>{30, 1, 255, 115, 1, 255, 200, 1, 255}));
+}
+
+TEST_F(Filters, BlurReachesAsFarAsItsSize) {
+  std::vector<uint8_t> spot(15 * 15, 0);
+  spot[7 * 15 + 7] = 245;
+  write_grey("in.png", {15, 15}, spot);
+  for (const int size : {3, 5, 7}) {
+    ASSERT_EQ(run({"blur", path("in.png"), path("out.png"), "--size", std::to_string(size)}).code,
+              0);
+    const std::vector<uint8_t> out = read_grey("out.png");
+    const int level = (245 + size * size / 2) / (size * size);
+    EXPECT_EQ(std::count(out.begin(), out.end(), level), size * size) << size;
+    EXPECT_EQ(std::count(out.begin(), out.end(), 0), 15 * 15 - size * size) << size;
+  }
+}
+
+TEST_F(Filters, SobelOfAStep) {
+  write_grey("in.png", {5, 1}, {10, 10, 20, 20, 20});
+  expect_values({"sobel"}, {5, 1}, {0, 40, 40, 0, 0});
+  expect_values({"sobel", "--size", "5"}, {5, 1}, {160, 480, 480, 160, 0});
+  expect_values({"sobel", "--xorder", "2"}, {5, 1}, {0, 40, -40, 0, 0});
+  expect_values({"sobel", "--xorder", "0", "--yorder", "1"}, {5, 1}, {0, 0, 0, 0, 0});
+  write_grey("in.png", {1, 5}, {10, 10, 20, 20, 20});
+  expect_values({"sobel", "--xorder", "0", "--yorder", "1"}, {1, 5}, {0, 40, 40, 0, 0});
+}
+
+TEST_F(Filters, LaplaceOfASpot) {
+  std::vector<uint8_t> spot(25, 50);
+  spot[12] = 60;
+  write_grey("in.png", {5, 5}, spot);
+  std::vector<int16_t> values(25, 0);
+  values[12] = -80;
+  for (const size_t corner : {6, 8, 16, 18}) values[corner] = 20;
+  expect_values({"laplace"}, {5, 5}, values);
+  write_grey("in.png", {2, 1}, {0, 1});
+  expect_values({"laplace", "--size", "7"}, {2, 1}, {2 * 64, -2 * 64});
+}
+
+TEST_F(Filters, WithoutARangeFewValuesArePalest) {
+  std::vector<uint8_t> ramp(200);  // one steep place among gentle ones
+  for (size_t i = 0; i < ramp.size(); ++i) ramp[i] = uint8_t(i < 199 ? i / 2 : 255);
+  write_grey("in.png", {200, 1}, ramp);
+  const Outcome outcome = run({"sobel", path("in.png"), path("out.png")});
+  ASSERT_EQ(outcome.code, 0) << outcome.err;
+  EXPECT_NE(outcome.out.find("shown to 4,"), std::string::npos) << outcome.out;
+}
+
+TEST_F(Filters, Mistakes) {
+  const std::string in = write_grey("in.png", {2, 2}, {1, 2, 3, 4}), out = path("out.png");
+  for (const char* command : {"blur", "sobel", "laplace"}) {
+    expect_refused({command, in, out, "--size", "4"}, {"--size", "4"});
+    expect_refused({command, path("none.png"), out}, {"none.png", "No such file"});
+    expect_refused({command, in, path("out.gif")}, {"out.gif", ".png"});
+    expect_refused({command, in}, {"OUT"});
+  }
+  expect_refused({"sobel", in, out, "--xorder", "3"}, {"--xorder", "0 to 2"});
+  expect_refused({"sobel", in, out, "--size", "7", "--yorder", "7"}, {"--yorder", "0 to 6"});
+  expect_refused({"sobel", in, out, "--yorder", "-1"}, {"--yorder"});
+  expect_refused({"sobel", in, out, "--range", "0"}, {"--range"});
+  expect_refused({"laplace", in, out, "--range", "nan"}, {"--range"});
+  EXPECT_FALSE(std::filesystem::exists(out));
+}
+
+}  // namespace
+}  // namespace tools::test

@@ -1,0 +1,36 @@
+// Small diagrams: bars and curves over a grid, with numbers at the axes.
+#pragma once
+
+#include <array>
+
+#include "picture.h"
+
+namespace tools {
+
+using Ink = std::array<uint8_t, 3>;  // red, green, blue
+
+class Plot {
+ public:
+  // A white sheet with a grid for places 0 to `last` and values 0 to `top`.
+  Plot(double last, double top);
+
+  // One bar a value; they fill the width, each half a place to either side of its own.
+  void bars(const std::vector<double>& values, Ink ink);
+  // A curve through the values at places 0, 1, 2 ...
+  void curve(const std::vector<double>& values, Ink ink);
+
+  const Picture& picture() const { return picture_; }
+
+ private:
+  int32_t column_of(double place) const;
+  int32_t row_of(double value) const;
+  void dot(int32_t x, int32_t y, Ink ink);
+  void fill(int32_t left, int32_t top, int32_t right, int32_t bottom, Ink ink);  // both ends in
+  void number(double value, int32_t right, int32_t middle);
+  void grid();
+
+  Picture picture_;
+  double last_, top_;
+};
+
+}  // namespace tools

@@ -1,0 +1,111 @@
+// nuqi profile: the pixels along a straight line.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "failure.h"
+#include "picture.h"
+#include "plot.h"
+
+namespace tools {
+namespace {
+
+constexpr char kFooter[] =
+    "Prints the pixels from x1,y1 to x2,y2, both included, as CSV: position, channels, grey\n"
+    "level. Positions count from the upper left pixel, 0,0. --plot draws the channels in their\n"
+    "colours and the grey level in black, over the number of the pixel on the line.\n";
+
+struct Options {
+  std::string in, start, end, plot;
+};
+
+PixelPoint point_of(const std::string& text) {
+  PixelPoint point{};
+  int length = 0;
+  if (std::sscanf(text.c_str(), "%9d,%9d%n", &point.x, &point.y, &length) == 2 &&
+      size_t(length) == text.size()) {
+    return point;
+  }
+  throw UserError(text + ": is no position, which is written as x,y");
+}
+
+void check_inside(PixelPoint point, const std::string& text, const std::string& path,
+                  RoiSize size) {
+  if (point.x >= 0 && point.y >= 0 && point.x < size.width && point.y < size.height) return;
+  throw UserError(text + ": lies outside " + path + ", which is " + size_text(size));
+}
+
+int32_t length_between(PixelPoint a, PixelPoint b) {
+  return std::max(std::abs(b.x - a.x), std::abs(b.y - a.y)) + 1;
+}
+
+// Where the library takes sample `k`: on the shorter axis the nearest pixel, halves towards a.
+PixelPoint position_of(PixelPoint a, PixelPoint b, int32_t k) {
+  const int64_t last = length_between(a, b) - 1;
+  const auto moved = [&](int32_t from, int32_t to) {
+    if (last == 0) return from;
+    const int64_t steps = (2 * std::abs(int64_t{to} - from) * k + last - 1) / (2 * last);
+    return int32_t(to < from ? from - steps : from + steps);
+  };
+  return {moved(a.x, b.x), moved(a.y, b.y)};
+}
+
+Picture samples_of(const Picture& picture, PixelPoint start, PixelPoint end) {
+  const int32_t count = length_between(start, end);
+  Picture samples({count, 1}, 3);
+  const StatusCode sampled = nuqiSampleLine_8u_C3R(picture.pixels.data(), 3 * picture.size.width,
+                                                   picture.size, samples.pixels.data(), start, end);
+  if (sampled != count) require_ok(sampled, "nuqiSampleLine_8u_C3R");
+  return samples;
+}
+
+void write_plot(const std::string& path, const Picture& samples, const Plane<uint8_t>& grey) {
+  static constexpr Ink kInks[] = {{220, 60, 50}, {30, 160, 80}, {50, 100, 230}};
+  const size_t count = grey.values.size();
+  Plot plot(double(count - 1), 255);
+  for (size_t c = 0; c < 3; ++c) {
+    std::vector<double> values(count);
+    for (size_t i = 0; i < count; ++i) values[i] = samples.pixels[3 * i + c];
+    plot.curve(values, kInks[c]);
+  }
+  plot.curve({grey.values.begin(), grey.values.end()}, {20, 24, 32});
+  write_picture(path, plot.picture());
+}
+
+void print_profile(const Options& options) {
+  const PixelPoint start = point_of(options.start), end = point_of(options.end);
+  if (!options.plot.empty()) check_ending(options.plot);
+  const Picture picture = read_picture(options.in);
+  check_inside(start, options.start, options.in, picture.size);
+  check_inside(end, options.end, options.in, picture.size);
+  const Picture samples = samples_of(picture, start, end);
+  const Plane<uint8_t> grey = grey_of(samples);
+  if (!options.plot.empty()) write_plot(options.plot, samples, grey);
+  std::printf("x,y,red,green,blue,grey\n");
+  for (int32_t k = 0; k < samples.size.width; ++k) {
+    const PixelPoint at = position_of(start, end, k);
+    const uint8_t* rgb = &samples.pixels[3 * size_t(k)];
+    std::printf("%d,%d,%d,%d,%d,%d\n", at.x, at.y, rgb[0], rgb[1], rgb[2], grey.values[size_t(k)]);
+  }
+}
+
+}  // namespace
+
+void add_profile(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("profile", "Prints the pixels along a straight line");
+  command->footer(kFooter);
+  command->add_option("IN", options->in, "The picture")->required();
+  command->add_option("START", options->start, "The line's first pixel, x1,y1")->required();
+  command->add_option("END", options->end, "The line's last pixel, x2,y2")->required();
+  command->add_option("--plot", options->plot, "Also draws the samples as this picture")
+      ->type_name("FILE");
+  command->callback([options] { print_profile(*options); });
+}
+
+}  // namespace tools

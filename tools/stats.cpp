@@ -1,0 +1,79 @@
+// nuqi stats: numbers that describe a picture.
+#include "stats.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "commands.h"
+#include "failure.h"
+
+namespace tools {
+namespace {
+
+constexpr char kFooter[] =
+    "Describes the grey levels, or one channel, 1 red, 2 green or 3 blue. A mask is a picture of\n"
+    "IN's size: where its grey level is not 0 pixels take part. Make masks PNG files, as JPEG's\n"
+    "blacks are not quite black.\n";
+
+struct Options {
+  std::string in, mask;
+  int channel = 0;
+};
+
+Levels levels_of(const Picture& picture, int channel) {
+  return {channel == 0 ? picture_of(grey_of(picture)) : picture, channel};
+}
+
+Levels read_levels(const Options& options, const std::string& path) {
+  return levels_of(read_picture(path), options.channel);
+}
+
+void check_same_size(RoiSize size, const std::string& path, const Levels& in,
+                     const Options& options) {
+  if (size.width == in.size().width && size.height == in.size().height) return;
+  throw UserError(path + ": is " + size_text(size) + ", but " + options.in + " is " +
+                  size_text(in.size()));
+}
+
+Selection selection_of(const Options& options, const Levels& in) {
+  Selection selection;
+  if (options.mask.empty()) {
+    selection.mask = Plane<uint8_t>(in.size());
+    std::fill(selection.mask.values.begin(), selection.mask.values.end(), 255);
+  } else {
+    selection.mask = grey_of(read_picture(options.mask));
+    check_same_size(selection.mask.size, options.mask, in, options);
+  }
+  const auto& values = selection.mask.values;
+  selection.count = int64_t(values.size()) - std::count(values.begin(), values.end(), 0);
+  if (selection.count == 0) throw UserError(options.mask + ": selects no pixel");
+  return selection;
+}
+
+void print_stats(const Options& options) {
+  static constexpr const char* kChannels[] = {"grey levels", "red", "green", "blue"};
+  const Levels in = read_levels(options, options.in);
+  const Selection selection = selection_of(options, in);
+  std::printf("%-*s%s, %s, %s\n", kNameWidth, "picture", options.in.c_str(),
+              size_text(in.size()).c_str(), kChannels[options.channel]);
+  std::printf("%-*s%lld\n", kNameWidth, "pixels", static_cast<long long>(selection.count));
+  print_means(in, selection);
+}
+
+}  // namespace
+
+void add_stats(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("stats", "Describes a picture in numbers");
+  command->footer(kFooter);
+  command->add_option("IN", options->in, "The picture")->required();
+  command->add_option("--channel", options->channel, "1 red, 2 green, 3 blue instead of grey")
+      ->check(CLI::IsMember({1, 2, 3}));
+  command->add_option("--mask", options->mask, "Selects the pixels that take part")
+      ->type_name("PICTURE");
+  command->callback([options] { print_stats(*options); });
+}
+
+}  // namespace tools
