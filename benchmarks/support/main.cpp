@@ -19,6 +19,7 @@ class Collector : public benchmark::ConsoleReporter {
   Collector() : ConsoleReporter(OO_Tabular) {}
 
   void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
       if (run.error_occurred) continue;
       if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median") continue;
