@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "filters/sobel_reference.h"
 #include "filters/stripe_members.h"
 #include "library/same_bits.h"
@@ -117,16 +119,17 @@ TEST(ConvolStateStatus, FirstFailureWinsAndThePointerStays) {
 
 // Sizes are 64-bit: 4 * width wraps at 2^30, and the allocator counts no more than 2^32 bytes.
 TEST(ConvolStateStatus, NoMemory) {
+  using Statuses = std::array<StatusCode, 3>;  // a vector would ask the heap that refuses
   ConvolState marker;
   const auto statuses = [&](int32_t width) {
     ConvolState *sobel = &marker, *blur = &marker, *laplace = &marker;
-    const std::vector<StatusCode> all = {nuqiSobelInitAlloc(width, k8u, 3, 0, 1, 0, &sobel),
-                                         nuqiBlurInitAlloc(width, k8u, 3, &blur),
-                                         nuqiLaplaceInitAlloc(width, k8u, 3, &laplace)};
+    const Statuses all = {nuqiSobelInitAlloc(width, k8u, 3, 0, 1, 0, &sobel),
+                          nuqiBlurInitAlloc(width, k8u, 3, &blur),
+                          nuqiLaplaceInitAlloc(width, k8u, 3, &laplace)};
     EXPECT_TRUE(sobel == &marker && blur == &marker && laplace == &marker);
     return all;
   };
-  const std::vector<StatusCode> none(3, StatusNoMemory);
+  const Statuses none = {StatusNoMemory, StatusNoMemory, StatusNoMemory};
   WatchedHeap heap(true);
   EXPECT_EQ(statuses(8), none);
   EXPECT_EQ(heap.refused, 3);
