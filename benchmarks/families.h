@@ -11,6 +11,7 @@ void register_fast_arctan();
 void register_sample_line();
 void register_mean();
 void register_norm();
+void register_min_max();
 void register_histogram();
 void register_derivative3x3();
 void register_blur();
@@ -27,6 +28,7 @@ inline void register_all() {
   register_sample_line();
   register_mean();
   register_norm();
+  register_min_max();
   register_histogram();
   register_derivative3x3();
   register_blur();

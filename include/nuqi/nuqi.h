@@ -603,6 +603,66 @@ NUQI_API StatusCode nuqiNormRel_L2_32f_C3CMR(const float* src1, int32_t src1Step
                                              int32_t maskStep, RoiSize roi, int32_t channel,
                                              double* norm);
 
+/* ---- Minimum and maximum ---------------------------------------------------------------------
+ *
+ * The smallest and the largest pixel, or selected pixel, of an image, and where each is met first: row
+ * by row from the top, from left to right.
+ *
+ * Shapes      C1: one channel. C3C: one of three, channel 1 to 3. Sources 8u, 8s or 32f; values are
+ *             written as floats, places as points of the ROI.
+ * Results     Each of the four may be null and is not written then.
+ * 32f         Floats are compared by their bits, in a total order: -0.0 is below +0.0, NaNs whose sign
+ *             is clear lie above +infinity, the others below -infinity. The minimum is looked for below
+ *             +infinity, the maximum above -infinity. Values keep their bits.
+ * Nothing     Where there is no pixel (an empty ROI or mask), or no minimum (32f: +infinity and NaNs
+ *             above it alone), or no maximum, both values are 0.0 and both points (0, 0).
+ * Mask        Unselected pixels are passed over.
+ * Statuses    1. StatusNullPtr: the source or the mask is null.
+ *             2. StatusBadSize: width or height below 0.
+ *             3. StatusBadStep: a step below its row's bytes, or a 32f step not a multiple of 4.
+ *             4. StatusBadCoi: channel below 1 or above 3 (C3C).
+ *             StatusOk otherwise; a width or height of 0 reads nothing.
+ */
+NUQI_API StatusCode nuqiMinMaxIndx_8u_C1R(const uint8_t* src, int32_t srcStep, RoiSize roi,
+                                          float* min, float* max, PixelPoint* minAt,
+                                          PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_8s_C1R(const int8_t* src, int32_t srcStep, RoiSize roi,
+                                          float* min, float* max, PixelPoint* minAt,
+                                          PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_32f_C1R(const float* src, int32_t srcStep, RoiSize roi,
+                                           float* min, float* max, PixelPoint* minAt,
+                                           PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_8u_C3CR(const uint8_t* src, int32_t srcStep, RoiSize roi,
+                                           int32_t channel, float* min, float* max,
+                                           PixelPoint* minAt, PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_8s_C3CR(const int8_t* src, int32_t srcStep, RoiSize roi,
+                                           int32_t channel, float* min, float* max,
+                                           PixelPoint* minAt, PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_32f_C3CR(const float* src, int32_t srcStep, RoiSize roi,
+                                            int32_t channel, float* min, float* max,
+                                            PixelPoint* minAt, PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
+                                           int32_t maskStep, RoiSize roi, float* min, float* max,
+                                           PixelPoint* minAt, PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                           int32_t maskStep, RoiSize roi, float* min, float* max,
+                                           PixelPoint* minAt, PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                            int32_t maskStep, RoiSize roi, float* min, float* max,
+                                            PixelPoint* minAt, PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_8u_C3CMR(const uint8_t* src, int32_t srcStep,
+                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
+                                            int32_t channel, float* min, float* max,
+                                            PixelPoint* minAt, PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
+                                            int32_t maskStep, RoiSize roi, int32_t channel,
+                                            float* min, float* max, PixelPoint* minAt,
+                                            PixelPoint* maxAt);
+NUQI_API StatusCode nuqiMinMaxIndx_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
+                                             int32_t maskStep, RoiSize roi, int32_t channel,
+                                             float* min, float* max, PixelPoint* minAt,
+                                             PixelPoint* maxAt);
+
 /* ---- Histograms ------------------------------------------------------------------------------
  *
  * nuqiCalcHist_8u_C1R counts the pixels of an image in bins between levels: bin i holds the number of

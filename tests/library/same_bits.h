@@ -10,6 +10,7 @@ void hash_derivative3x3(Hash& hash);
 void hash_canny(Hash& hash);
 void hash_mean(Hash& hash);
 void hash_norm(Hash& hash);
+void hash_min_max(Hash& hash);
 void hash_abs_diff(Hash& hash);
 void hash_copy(Hash& hash);
 void hash_motion_history(Hash& hash);

@@ -21,6 +21,7 @@ const Family kFamilies[] = {
     {"canny", hash_canny, 0x61A768FE55610C05},
     {"mean", hash_mean, 0xB3AF99C3307273F9},
     {"norm", hash_norm, 0xA64CBB607D35C17F},
+    {"min_max", hash_min_max, 0xBE6BA9663C437B8B},
     {"abs_diff", hash_abs_diff, 0xAC7E7C2EBC280D46},
     {"copy", hash_copy, 0x5FEB7D3EC9F32585},
     {"motion_history", hash_motion_history, 0x4BE6A9CE1B60009C},

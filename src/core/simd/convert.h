@@ -374,16 +374,26 @@ NUQI_INLINE Px<double> add_exact_square(const Px<double>& sum, const Px<double>&
 #endif
 }
 
-// a where the mask byte is not zero, b elsewhere.
-template <class T>
-NUQI_INLINE Px<T> choose(const Px<uint8_t>& mask, const Px<T>& a, const Px<T>& b) {
-  static_assert(sizeof(T) == 4);
+// a where the mask byte is not zero, b elsewhere: sixteen lanes of four bytes, or a register of bytes.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> choose(const Vec<uint8_t, N>& mask, const Vec<T, N>& a, const Vec<T, N>& b) {
+  static_assert(sizeof(T) == 1 || (sizeof(T) == 4 && N == 16));
 #if NUQI_LEVEL == 2
-  const __m128i bytes = (__m128i)mask.r[0];
-  return {{(typename Px<T>::Reg)_mm512_mask_mov_epi32(
-      (__m512i)b.r[0], _mm_test_epi8_mask(bytes, bytes), (__m512i)a.r[0])}};
+  using Reg = typename Vec<T, N>::Reg;
+  const __m512i x = (__m512i)a.r[0], y = (__m512i)b.r[0];
+  if constexpr (sizeof(T) == 1) {
+    const __m512i bytes = (__m512i)mask.r[0];
+    return {{(Reg)_mm512_mask_mov_epi8(y, _mm512_test_epi8_mask(bytes, bytes), x)}};
+  } else {
+    const __m128i bytes = (__m128i)mask.r[0];
+    return {{(Reg)_mm512_mask_mov_epi32(y, _mm_test_epi8_mask(bytes, bytes), x)}};
+  }
 #else
-  return select(convert<int32_t>(mask == Px<uint8_t>{}), b, a);
+  const auto unselected = mask == Vec<uint8_t, N>{};
+  if constexpr (sizeof(T) == 1)
+    return select(unselected, b, a);
+  else
+    return select(convert<int32_t>(unselected), b, a);
 #endif
 }
 

@@ -36,16 +36,20 @@ NUQI_INLINE uint32_t bits_greater(const Vec<int16_t, N>& a, const Vec<int16_t, N
 // Whether any bit is set.
 template <class T, int N>
 NUQI_INLINE bool any(const Vec<T, N>& a) {
-  static_assert(Vec<T, N>::kRegs == 1);
+  if constexpr (Vec<T, N>::kRegs > 1) {
+    using Half = Vec<T, N / 2>;
+    return any(generate<Half>([&](int i) NUQI_FORCED { return a.r[i] | a.r[Half::kRegs + i]; }));
+  } else {
 #if NUQI_LEVEL == 2
-  return _mm512_test_epi32_mask((__m512i)a.r[0], (__m512i)a.r[0]) != 0;
+    return _mm512_test_epi32_mask((__m512i)a.r[0], (__m512i)a.r[0]) != 0;
 #elif NUQI_LEVEL == 1
-  return !_mm256_testz_si256((__m256i)a.r[0], (__m256i)a.r[0]);
+    return !_mm256_testz_si256((__m256i)a.r[0], (__m256i)a.r[0]);
 #else
-  typedef uint64_t Halves __attribute__((vector_size(16)));
-  const Halves halves = (Halves)a.r[0];
-  return (halves[0] | halves[1]) != 0;
+    typedef uint64_t Halves __attribute__((vector_size(16)));
+    const Halves halves = (Halves)a.r[0];
+    return (halves[0] | halves[1]) != 0;
 #endif
+  }
 }
 
 // ---- From many lanes to one
@@ -83,6 +87,10 @@ NUQI_INLINE T fold(const Vec<T, N>& a, const Op& op) {
 template <class T, int N>
 NUQI_INLINE T fold(const Vec<T, N>& a) {
   return fold(a, [](const auto& x, const auto& y) NUQI_FORCED { return x + y; });
+}
+template <class T, int N>
+NUQI_INLINE T smallest_lane(const Vec<T, N>& a) {
+  return fold(a, [](const auto& x, const auto& y) NUQI_FORCED { return min(x, y); });
 }
 template <class T, int N>
 NUQI_INLINE T largest_lane(const Vec<T, N>& a) {
