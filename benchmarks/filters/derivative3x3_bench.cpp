@@ -29,19 +29,19 @@ DerivativeArgs<T> args_of(const Images& im) {
           2};
 }
 
-// The arithmetic of row after row, on registers that hold pixels and their neighbours.
+// The arithmetic of row after row, on pixels that stay in the first cache.
 template <Derivative derivative, class T>
 void arithmetic(int64_t pixels) {
   using namespace native;
+  alignas(64) static const T row[3 * 64] = {};
+  const T* at = row + 64;
   const Scale<T> scale(DerivativeJob<T>{{}, {}, {}, 2, 0.25f});
-  Pixels<T> row = {};
+  const auto around = loader_around<T>(Inside{}, Whole{});
   Term<T> above = {}, here = {};
 #pragma GCC unroll 8
   for (int64_t x = 0; x < pixels; x += Column<T>::kLanes) {
-    opaque(row.left);
-    opaque(row.centre);
-    opaque(row.right);
-    const Term<T> below = term_of<derivative>(row, scale);
+    __asm__ volatile("" : "+r"(at));
+    const Term<T> below = term_of<derivative>(around(at), scale);
     Column<T> result = finish<derivative>(combine<derivative>(above, here, below), scale);
     opaque(result);
     above = here;

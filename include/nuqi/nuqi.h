@@ -729,10 +729,11 @@ NUQI_API StatusCode nuqiConvertHist1D_32s32f(const int32_t* src, float* dst, int
  * 32f         Single precision. With the row terms
  *               d = S(c+1) - S(c-1)
  *               s = (S(c-1) + S(c+1)) + 2 * S(c)
- *               t = (S(c-1) + S(c+1)) * k3 + S(c) * k10,   k3 = 3 * 2^-shift, k10 = 10 * 2^-shift
- *             Sobel Dx is (d above + d below) + 2 * d, Sobel Dy is s below - s above, Scharr Dx is
- *             (d above + d below) * k3 + d * k10 and Scharr Dy is t below - t above; with bottomUp 1
- *             above and below change places. Each operation rounds once, in the order written. The
+ *               t = (S(c-1) * k3 + S(c+1) * k3) + S(c) * k10
+ *             where k3 = 3 * 2^-shift and k10 = 10 * 2^-shift, Sobel Dx is (d above + d) + (d + d below),
+ *             Sobel Dy is s below - s above, Scharr Dx is (d above * k3 + d below * k3) + d * k10 and
+ *             Scharr Dy is t below - t above; with bottomUp 1 above and below change places. Each
+ *             operation rounds once, in the order written; pixels of weight 0 take no part. The
  *             factor 2^-shift is the reciprocal of 1 doubled shift times: 0 from shift 128 on.
  * Overlap     Source and destination must not overlap.
  * Statuses    1. StatusUnsupported: shift below 0 (Scharr).

@@ -1,26 +1,8 @@
 // Walks the fixed 3x3 derivatives down columns of pixels, keeping the terms of rows in registers.
-#include "core/simd/memory.h"
 #include "filters/derivative3x3_terms.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
-
-// Where a column lies: away from both ends of the row, or maybe at them.
-struct Inside {};
-struct AtEnds {
-  bool start, end;
-};
-
-template <class T>
-NUQI_INLINE Pixels<T> load_pixels(const T* at, Inside, Whole) {
-  constexpr int n = Column<T>::kLanes;
-  return {load<n>(at - 1), load<n>(at), load<n>(at + 1)};
-}
-template <class T, class Part>
-NUQI_INLINE Pixels<T> load_pixels(const T* at, AtEnds ends, Part part) {
-  const auto here = load<Column<T>::kLanes>(at, part);
-  return {load_left(at, here, ends.start, part), here, load_right(at, here, ends.end, part)};
-}
 
 // Rows first to last - 1 of the column at x.
 template <Derivative derivative, class T, class Where, class Part>
@@ -32,9 +14,9 @@ NUQI_INLINE void walk_down(const DerivativeJob<T>& job, int64_t x, int32_t first
   auto dst = job.dst;
   dst.data = row_of(job.dst, first) + x;
 
-  const auto term_at = [&](const T* at) NUQI_FORCED {
-    return term_of<derivative>(load_pixels(at, where, part), scale);
-  };
+  const auto pixels = loader_around<T>(where, part);
+  const auto term_at = [&](const T* at)
+                           NUQI_FORCED { return term_of<derivative>(pixels(at), scale); };
   Term<T> here = term_at(src.data);
   Term<T> above = first > 0 ? term_at(row_of(src, -1)) : here;
   int32_t y = first;
@@ -76,7 +58,7 @@ NUQI_APART void walk_inside(const DerivativeJob<T>& job, int64_t begin, int64_t 
 // the terms of the two rows around them. More rows at once are more than the prefetchers follow.
 template <class T>
 NUQI_INLINE int32_t rows_of_band(int32_t width) {
-  constexpr int32_t kCache = 32768, kFewest = sizeof(T) == 1 ? 16 : 2;
+  constexpr int32_t kCache = 32768, kFewest = sizeof(T) == 1 ? 16 : 8;
   constexpr int32_t kPixel = sizeof(T) + sizeof(typename DerivativeOf<T>::Type);
   return width > kCache / kPixel / kFewest ? kFewest : kCache / (width * kPixel) / 4 * 4;
 }

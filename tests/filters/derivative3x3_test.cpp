@@ -1,6 +1,8 @@
 // Tests of the fixed 3x3 derivatives.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "filters/derivative3x3_members.h"
 #include "library/same_bits.h"
 #include "support/comparison.h"
@@ -11,15 +13,15 @@
 namespace nuqi::test {
 namespace {
 
-// The images of one call. Source rows get `padding` elements, destination rows as many.
+// The images of one call, with `padding` elements between two rows of each.
 template <class T>
 struct Fixture {
-  using R = DerivativeResult<T>;
+  using Result = DerivativeResult<T>;
 
   Fixture(RoiSize size, int padding, Wall wall, uint64_t seed)
       : roi(size),
         src(roi, padding * int{sizeof(T)}, wall),
-        dst(roi, padding * int{sizeof(R)}, wall) {
+        dst(roi, padding * int{sizeof(Result)}, wall) {
     Random random(seed);
     src.fill([&] { return random.value<T>(); });
   }
@@ -29,7 +31,7 @@ struct Fixture {
 
   RoiSize roi;
   WalledImage<T> src;
-  WalledImage<R> dst;
+  WalledImage<Result> dst;
 };
 
 class Derivative3x3 : public EveryIsa {};
@@ -41,7 +43,7 @@ void expect_agreement(const DerivativeMember<T>& member, Fixture<T>& fixture, in
   if (!member.has_bottom_up) bottom_up = 0;
   if (!member.has_shift) shift = 0;
   SCOPED_TRACE(testing::Message() << member.name << " " << fixture.roi.width << "x"
-                                  << fixture.roi.height << " src step " << fixture.src.step()
+                                  << fixture.roi.height << " source step " << fixture.src.step()
                                   << " bottomUp " << bottom_up << " shift " << shift);
   const auto expected =
       derivative_reference(member.kind, fixture.src.pixels(), fixture.roi, bottom_up, shift);
@@ -58,10 +60,11 @@ TEST_P(Derivative3x3, AgreesWithTheReference) {
         expect_agreement(member, fixture, bottom_up, shift);
       };
       for (int width = 1; width <= 70; ++width)
-        expect({width, 3 + width % 3}, width % 4, width % 2, width % 5);
-      for (int height : {2, 3, 8, 9, 17, 33}) expect({37, height}, 1, height % 2, 1);
-      expect({641, 19}, 0, 1, 3);
-      expect({1023, 9}, 3, 0, 0);
+        expect({width, 3 + width % 3}, width % 4, width / 2 % 2, width % 5);
+      for (int height = 2; height <= 9; ++height) expect({129, height}, 1, height % 2, 1);
+      // Wide enough to be walked in bands of 8 and 16 rows.
+      expect({701, 33}, 0, 1, 3);
+      expect({1023, 10}, 3, 0, 0);
     }
   });
 }
@@ -79,36 +82,79 @@ TEST_P(Derivative3x3, EveryShift) {
   });
 }
 
-// Oddity: with bottomUp 1 the end of the last row is shifted first and negated then.
+TEST_P(Derivative3x3, PointersNeedNoAlignment) {
+  for_each_derivative([]<class T>(const DerivativeMember<T>& member) {
+    using Result = DerivativeResult<T>;
+    for (int width : {5, 71}) {
+      Fixture<T> fixture({width, 3}, 0, Wall::after, width);
+      const auto src = fixture.src.all_bytes();
+      std::vector<uint8_t> moved_src(src.size() + 1), moved_dst(fixture.dst.all_bytes().size() + 1);
+      std::copy(src.begin(), src.end(), moved_src.begin() + 1);
+      DerivativeArgs<T> args = fixture.args(0, 1);
+      args.src = reinterpret_cast<const T*>(moved_src.data() + 1);
+      args.dst = reinterpret_cast<Result*>(moved_dst.data() + 1);
+      ASSERT_EQ(member.call(fixture.args(0, 1)), StatusOk);
+      ASSERT_EQ(member.call(args), StatusOk);
+      EXPECT_EQ(fixture.dst.all_bytes(),
+                std::vector<uint8_t>(moved_dst.begin() + 1, moved_dst.end()))
+          << member.name << " " << width;
+    }
+  });
+}
+
+// Oddity: nuqiScharr_Dy_8u16s_C1R with bottomUp 1 shifts first and negates then in the last row,
+// from column 8 * ((width - 1) / 8) on.
 TEST_P(Derivative3x3, ScharrDy8uRoundsTheEndOfTheLastRowTheOtherWay) {
   for (int width : {1, 8, 9, 16, 17}) {
-    // Row terms 16 * 0, 16 * 0 and 16 * 1: unnegated sums of 16 in the last two rows.
-    const std::vector<uint8_t> src8u = [&] {
-      std::vector<uint8_t> pixels(3 * width, 0);
-      for (int x = 0; x < width; ++x) pixels[2 * width + x] = 1;
-      return pixels;
-    }();
-    std::vector<int16_t> dst(3 * width);
-    ASSERT_EQ(nuqiScharr_Dy_8u16s_C1R(src8u.data(), width, dst.data(), 2 * width, 1, {width, 3}, 5),
+    // Two rows of 0 and one of 1: 16 is negated and divided by 32 in the last two rows.
+    std::vector<uint8_t> src(3 * width, 0);
+    std::fill(src.end() - width, src.end(), 1);
+    std::vector<int16_t> from_8u(3 * width, 0), from_8s(3 * width, 0);
+    ASSERT_EQ(
+        nuqiScharr_Dy_8u16s_C1R(src.data(), width, from_8u.data(), 2 * width, 1, {width, 3}, 5),
+        StatusOk);
+    ASSERT_EQ(nuqiScharr_Dy_8s16s_C1R(reinterpret_cast<const int8_t*>(src.data()), width,
+                                      from_8s.data(), 2 * width, 1, {width, 3}, 5),
               StatusOk);
     for (int x = 0; x < width; ++x) {
-      EXPECT_EQ(dst[width + x], -1) << width << " column " << x;
-      EXPECT_EQ(dst[2 * width + x], x < 8 * ((width - 1) / 8) ? -1 : 0) << width << " column " << x;
+      const int first_odd = width < 9 ? 0 : width < 17 ? 8 : 16;
+      EXPECT_EQ(from_8u[width + x], -1) << "width " << width << " column " << x;
+      EXPECT_EQ(from_8u[2 * width + x], x < first_odd ? -1 : 0)
+          << "width " << width << " column " << x;
+      EXPECT_EQ(from_8s[2 * width + x], -1) << "width " << width << " column " << x;
     }
-    ASSERT_EQ(nuqiScharr_Dy_8s16s_C1R(reinterpret_cast<const int8_t*>(src8u.data()), width,
-                                      dst.data(), 2 * width, 1, {width, 3}, 5),
-              StatusOk);
-    for (int x = 0; x < width; ++x) EXPECT_EQ(dst[2 * width + x], -1) << width << " column " << x;
+  }
+}
+
+TEST_P(Derivative3x3, InfinitiesDoNotReachWeightsOfZero) {
+  constexpr float inf = std::numeric_limits<float>::infinity();
+  const float row[9] = {1, 1, 1, inf, inf, inf, 1, 1, 1};
+  const float column[9] = {1, inf, 1, 1, inf, 1, 1, inf, 1};
+  float dst[9];
+  for (int32_t shift : {0, 200}) {
+    ASSERT_EQ(nuqiScharr_Dy_32f_C1R(row, 12, dst, 12, 0, {3, 3}, shift), StatusOk);
+    EXPECT_EQ(bits_of(dst[4]), bits_of(0.0f));
+    ASSERT_EQ(nuqiScharr_Dx_32f_C1R(column, 12, dst, 12, {3, 3}, shift), StatusOk);
+    EXPECT_EQ(bits_of(dst[4]), bits_of(0.0f));
+  }
+}
+
+// Of large values too, since the weights hold the factor.
+TEST_P(Derivative3x3, ScharrOfAConstantIsZero) {
+  const std::vector<float> src(9, std::numeric_limits<float>::max());
+  for (int32_t shift : {4, 127, 128}) {
+    std::vector<float> dst(9, 5.0f);
+    ASSERT_EQ(nuqiScharr_Dy_32f_C1R(src.data(), 12, dst.data(), 12, 1, {3, 3}, shift), StatusOk);
+    EXPECT_TRUE(same_bits(std::vector<float>(9, 0.0f), dst)) << "shift " << shift;
   }
 }
 
 // Oddity: nuqiSobel3x3_Dx_8u16s_C1R takes an empty row for a row of one pixel.
-TEST(Derivative3x3Status, SobelDx8uOfWidth0WritesTheFirstColumn) {
+TEST(Derivative3x3Status, SobelDx8uOfWidth0WritesTheFirstElementOfEveryRow) {
   for_each_derivative([]<class T>(const DerivativeMember<T>& member) {
     const bool odd = member.kind == DerivativeKind::dx && std::is_same_v<T, uint8_t>;
     Fixture<T> fixture({2, 3}, 0, Wall::after, 1);
-    const auto before = fixture.dst.pixels();
-    auto expected = before;
+    auto expected = fixture.dst.pixels();
     if (odd) expected[0] = expected[2] = expected[4] = 0;
     DerivativeArgs<T> args = fixture.args(0, 0);
     args.roi.width = 0;
@@ -130,21 +176,11 @@ TEST(Derivative3x3Status, FirstFailureWinsAndNothingIsWritten) {
       EXPECT_EQ(member.call(args), status) << member.name << ": " << what;
       EXPECT_EQ(before, fixture.dst.all_bytes()) << member.name << ": " << what;
     };
-    expect("null source, height 1", StatusNullPtr,
-           [](auto& a) { a.src = nullptr, a.roi.height = 1; });
-    expect("null destination, short step", StatusNullPtr,
-           [](auto& a) { a.dst = nullptr, a.dstStep = 0; });
-    expect("negative width", StatusBadSize, [](auto& a) { a.roi.width = -1; });
-    expect("height 1", StatusBadSize, [](auto& a) { a.roi.height = 1; });
-    expect("height 1, width 0", StatusBadSize, [](auto& a) { a.roi = {0, 1}; });
-    expect("short source row", StatusBadSize, [&](auto& a) { a.srcStep = 9 * element; });
-    expect("short destination row", StatusBadSize, [&](auto& a) { a.dstStep = 9 * result; });
-    expect("uneven destination step", StatusBadSize, [&](auto& a) { a.dstStep = 10 * result + 1; });
-    expect("a width whose row overflows an int", StatusBadSize,
-           [](auto& a) { a.roi.width = 1 << 30, a.srcStep = INT32_MAX; });
-    if (element == 4) {
-      expect("half-even source step", StatusBadSize, [](auto& a) { a.srcStep = 42; });
-      expect("half-even destination step", StatusBadSize, [](auto& a) { a.dstStep = 42; });
+    if (member.has_shift) {
+      expect("shift -1, null source", StatusUnsupported,
+             [](auto& a) { a.shift = -1, a.src = nullptr; });
+      expect("lowest shift, height 1", StatusUnsupported,
+             [](auto& a) { a.shift = INT32_MIN, a.roi.height = 1; });
     }
     if (member.has_bottom_up) {
       expect("bottomUp 2, null source", StatusUnsupported,
@@ -152,30 +188,24 @@ TEST(Derivative3x3Status, FirstFailureWinsAndNothingIsWritten) {
       expect("bottomUp -1, height 1", StatusUnsupported,
              [](auto& a) { a.bottomUp = -1, a.roi.height = 1; });
     }
-    if (member.has_shift)
-      expect("shift -1, null source", StatusUnsupported,
-             [](auto& a) { a.shift = -1, a.src = nullptr; });
+    expect("null source, height 1", StatusNullPtr,
+           [](auto& a) { a.src = nullptr, a.roi.height = 1; });
+    expect("null destination, short step", StatusNullPtr,
+           [](auto& a) { a.dst = nullptr, a.dstStep = 0; });
+    expect("negative width", StatusBadSize, [](auto& a) { a.roi.width = -1; });
+    expect("height 1, width 0", StatusBadSize, [](auto& a) { a.roi = {0, 1}; });
+    expect("short source row", StatusBadSize, [&](auto& a) { a.srcStep = 9 * element; });
+    expect("short destination row", StatusBadSize, [&](auto& a) { a.dstStep = 9 * result; });
+    expect("odd destination step", StatusBadSize, [&](auto& a) { a.dstStep = 11 * result + 1; });
+    expect("width 0, negative step", StatusBadSize,
+           [](auto& a) { a.roi.width = 0, a.srcStep = -4; });
+    expect("a width whose row overflows an int", StatusBadSize,
+           [](auto& a) { a.roi.width = 1 << 30, a.srcStep = INT32_MAX / 4 * 4, a.dstStep = 0; });
+    if (element == 4) {
+      expect("source step of half an element", StatusBadSize, [](auto& a) { a.srcStep = 42; });
+      expect("destination step of half an element", StatusBadSize, [](auto& a) { a.dstStep = 42; });
+    }
   });
-}
-
-// A large factor's absence: pixels of weight 0 are not multiplied, and a small factor keeps large
-// values finite.
-TEST_P(Derivative3x3, FloatsOfWeightZeroDoNotCount) {
-  constexpr float inf = std::numeric_limits<float>::infinity();
-  constexpr float max = std::numeric_limits<float>::max();
-  // The middle row counts for no derivative in y of its own pixels, nor the middle column in x.
-  const float src[9] = {1, 1, 1, inf, inf, inf, 1, 1, 1};
-  const float turned[9] = {1, inf, 1, 1, inf, 1, 1, inf, 1};
-  const float large[9] = {max, max, max, max, max, max, max, max, max};
-  float dst[9];
-  for (int32_t shift : {4, 200}) {
-    ASSERT_EQ(nuqiScharr_Dy_32f_C1R(src, 12, dst, 12, 0, {3, 3}, shift), StatusOk);
-    EXPECT_EQ(bits_of(dst[4]), bits_of(0.0f));
-    ASSERT_EQ(nuqiScharr_Dx_32f_C1R(turned, 12, dst, 12, {3, 3}, shift), StatusOk);
-    EXPECT_EQ(bits_of(dst[4]), bits_of(0.0f));
-    ASSERT_EQ(nuqiScharr_Dy_32f_C1R(large, 12, dst, 12, 1, {3, 3}, shift), StatusOk);
-    EXPECT_EQ(bits_of(dst[4]), bits_of(0.0f));
-  }
 }
 
 }  // namespace

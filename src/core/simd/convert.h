@@ -226,32 +226,25 @@ NUQI_INLINE Vec<uint8_t, N> abs(const Vec<int8_t, N>& a) {
 #endif
 }
 
+#if NUQI_LEVEL > 0
 // Of every two bytes, left * even + right * odd. The weights of signed bytes are not negative: the
 // instruction multiplies unsigned bytes by signed ones.
 template <int left, int right, class T, int N>
 NUQI_INLINE Vec<int16_t, N / 2> multiply_pairs(const Vec<T, N>& a) {
   static_assert(!kIsSigned<T> || (left >= 0 && right >= 0));
   using Out = Vec<int16_t, N / 2>;
-#if NUQI_LEVEL > 0
   const auto weights = broadcast<int16_t, N / 2>(int16_t(right * 256 + (left & 255)));
-#endif
   return generate<Out>([&](int i) NUQI_FORCED {
 #if NUQI_LEVEL == 2
     const __m512i x = (__m512i)a.r[i], w = (__m512i)weights.r[i];
     return kIsSigned<T> ? _mm512_maddubs_epi16(w, x) : _mm512_maddubs_epi16(x, w);
-#elif NUQI_LEVEL == 1
+#else
     const __m256i x = (__m256i)a.r[i], w = (__m256i)weights.r[i];
     return kIsSigned<T> ? _mm256_maddubs_epi16(w, x) : _mm256_maddubs_epi16(x, w);
-#else
-    typedef uint16_t Words __attribute__((vector_size(sizeof a.r[i])));
-    using Result = typename Out::Reg;
-    const Words words = (Words)a.r[i];
-    const Result even = kIsSigned<T> ? (Result)(words << 8) >> 8 : (Result)(words & 255);
-    const Result odd = kIsSigned<T> ? (Result)words >> 8 : (Result)(words >> 8);
-    return left == -right ? (odd - even) * right : even * left + odd * right;
 #endif
   });
 }
+#endif
 
 // a where the mask byte is not zero, +0.0 elsewhere.
 NUQI_INLINE Px<float> keep_selected(const Px<uint8_t>& mask, const Px<float>& a) {

@@ -1,7 +1,6 @@
 // Loads and stores of whole vectors and of their first lanes, and the loop that walks a row with them.
 #pragma once
 
-#include "core/simd/shuffle.h"
 #include "core/simd/vec.h"
 
 namespace nuqi::NUQI_ISA {
@@ -155,58 +154,6 @@ NUQI_INLINE void store(T* to, const Vec<T, N>& a, First part) {
     __builtin_memcpy(&piece, (const char*)&a + 16 * i, 16);
     store_few((char*)to + 16 * i, piece, bytes - 16 * i);
   });
-}
-
-#endif
-
-// ---- Neighbours in a row. `here` holds the lanes at `from`; these hold the ones one pixel further
-// left or right. A pixel at the row's end is its own neighbour: nothing beyond it is touched.
-
-#if NUQI_LEVEL == 2
-
-template <int N>
-NUQI_INLINE uint64_t mask_of(Whole) {
-  return ~uint64_t{0} >> (64 - N);
-}
-template <int N>
-NUQI_INLINE uint64_t mask_of(First part) {
-  return ~uint64_t{0} >> (64 - part.lanes);
-}
-
-// The lanes of the mask from memory, the others from `otherwise`.
-template <class T, int N>
-NUQI_INLINE Vec<T, N> load_or(const T* from, uint64_t mask, const Vec<T, N>& otherwise) {
-  static_assert(Vec<T, N>::kBytes == 64 && (sizeof(T) == 1 || sizeof(T) == 4));
-  const __m512i reg = (__m512i)otherwise.r[0];
-  if constexpr (sizeof(T) == 1)
-    return {{(typename Vec<T, N>::Reg)_mm512_mask_loadu_epi8(reg, mask, from)}};
-  else
-    return {{(typename Vec<T, N>::Reg)_mm512_mask_loadu_epi32(reg, (__mmask16)mask, from)}};
-}
-template <class T, int N, class Part>
-NUQI_INLINE Vec<T, N> load_left(const T* from, const Vec<T, N>& here, bool at_start, Part part) {
-  const uint64_t lanes = mask_of<N>(part);
-  return load_or(from - 1, at_start ? lanes << 1 : lanes, here);
-}
-template <class T, int N, class Part>
-NUQI_INLINE Vec<T, N> load_right(const T* from, const Vec<T, N>& here, bool at_end, Part part) {
-  const uint64_t lanes = mask_of<N>(part);
-  return load_or(from + 1, at_end ? lanes >> 1 : lanes, here);
-}
-
-#else
-
-template <class T, int N, class Part>
-NUQI_INLINE Vec<T, N> load_left(const T* from, const Vec<T, N>& here, bool at_start, Part part) {
-  return at_start ? repeat_first(here) : load<N>(from - 1, part);
-}
-template <class T, int N>
-NUQI_INLINE Vec<T, N> load_right(const T* from, const Vec<T, N>& here, bool at_end, Whole) {
-  return at_end ? repeat_last(here, N) : load<N>(from + 1);
-}
-template <class T, int N>
-NUQI_INLINE Vec<T, N> load_right(const T* from, const Vec<T, N>& here, bool at_end, First part) {
-  return at_end ? repeat_last(here, part.lanes) : load<N>(from + 1, part);
 }
 
 #endif
