@@ -43,5 +43,12 @@ void for_tiles(RoiSize size, const Body& body) {
 // Each prints lines that begin with a name and go on with its value.
 constexpr int kNameWidth = 20;
 void print_means(const Levels& levels, const Selection& selection);
+void print_extrema(const Levels& levels, const Selection& selection);
+void print_norms(const Levels& levels, const Selection& selection);
+void print_distance(const Levels& levels, const Levels& other, const Selection& selection);
+void print_histogram(const Levels& levels, const Selection& selection, int bins);
+
+// Writes a picture of one bar for each level.
+void draw_histogram(const Levels& levels, const Selection& selection, const std::string& path);
 
 }  // namespace tools

@@ -61,6 +61,72 @@ TEST_F(Stats, LargeBrightPicturesDoNotWrap) {
   EXPECT_EQ(value_of(outcome, "pixels"), "17220000");
   EXPECT_EQ(value_of(outcome, "mean"), "255.0000");
   EXPECT_EQ(value_of(outcome, "standard deviation"), "0.0615");
+  EXPECT_EQ(value_of(outcome, "norm L1"), "4391099745");
+  EXPECT_EQ(value_of(outcome, "minimum"), "0 at 4199,4099");
+}
+
+TEST_F(Stats, ExtremaAreTheFirstSelected) {
+  const std::string in = write_grey("in.png", {3, 2}, {9, 5, 200, 200, 5, 0});
+  const Outcome all = run({"stats", in});
+  EXPECT_EQ(value_of(all, "minimum"), "0 at 2,1");
+  EXPECT_EQ(value_of(all, "maximum"), "200 at 2,0");
+  const std::string mask = write_grey("mask.png", {3, 2}, {1, 1, 0, 1, 1, 0});
+  const Outcome some = run({"stats", in, "--mask", mask});
+  EXPECT_EQ(value_of(some, "minimum"), "5 at 1,0");
+  EXPECT_EQ(value_of(some, "maximum"), "200 at 0,1");
+  const Outcome green = run({"stats", write_colours("colours.png"), "--channel", "2"});
+  EXPECT_EQ(value_of(green, "minimum"), "0 at 0,0");
+  EXPECT_EQ(value_of(green, "maximum"), "4 at 0,1");
+}
+
+TEST_F(Stats, NormsOfOneAndOfTwo) {
+  const std::string a = write_grey("a.png", {2, 2}, {3, 4, 0, 12});
+  const std::string b = write_grey("b.png", {2, 2}, {0, 8, 0, 12});
+  const Outcome outcome = run({"stats", a, b});
+  const std::pair<const char*, const char*> values[] = {
+      {"norm Inf", "12"},           {"norm L1", "19"},           {"norm L2", "13.0000"},
+      {"difference Inf", "4"},      {"difference L1", "7"},      {"difference L2", "5.0000"},
+      {"relative Inf", "0.333333"}, {"relative L1", "0.350000"}, {"relative L2", "0.346688"}};
+  for (const auto& [name, value] : values) EXPECT_EQ(value_of(outcome, name), value) << name;
+  EXPECT_EQ(run({"stats", a}).out.find("difference"), std::string::npos);
+
+  const std::string black = write_grey("black.png", {2, 2}, {0, 0, 0, 0});
+  EXPECT_EQ(value_of(run({"stats", a, black}), "relative L1"), "inf");
+  EXPECT_EQ(value_of(run({"stats", black, black}), "relative L2"), "0.000000");
+
+  const Outcome red = run({"stats", write_colours("c.png"), write_colours("d.png"), "--channel=1"});
+  EXPECT_EQ(value_of(red, "norm L1"), "120");
+  EXPECT_EQ(value_of(red, "difference Inf"), "0");
+}
+
+TEST_F(Stats, HistogramAsTableAndPicture) {
+  const std::string in = write_grey("in.png", {4, 2}, {0, 15, 16, 255, 255, 240, 239, 128});
+  const std::string mask = write_grey("mask.png", {4, 2}, {1, 1, 1, 1, 1, 1, 1, 0});
+  const Outcome outcome = run({"stats", in, "--mask", mask, "--histogram", path("h.png")});
+  EXPECT_EQ(value_of(outcome, "levels 0 to 15").substr(0, 2), "2 ");
+  EXPECT_EQ(value_of(outcome, "levels 16 to 31").substr(0, 2), "1 ");
+  EXPECT_EQ(value_of(outcome, "levels 128 to 143").substr(0, 2), "0 ");
+  EXPECT_EQ(value_of(outcome, "levels 224 to 239").substr(0, 2), "1 ");
+  EXPECT_EQ(value_of(outcome, "levels 240 to 255"), "3           " + std::string(40, '#'));
+  EXPECT_EQ(value_of(run({"stats", in, "--bins", "1"}), "levels 0 to 255").substr(0, 2), "8 ");
+  const Outcome fine = run({"stats", in, "--bins", "256"});
+  EXPECT_EQ(value_of(fine, "levels 255 to 255").substr(0, 2), "2 ");
+  EXPECT_EQ(value_of(fine, "levels 254 to 254").substr(0, 2), "0 ");
+
+  // The bar of 255, at the right, is the highest; beside it a small one of 240.
+  const Picture picture = read_picture(path("h.png"));
+  const auto dark = [&](int x, int y) {
+    return picture.pixels[3 * size_t(y * picture.size.width + x)] < 100;
+  };
+  int columns = 0, highest = 0;
+  for (int x = 100; x < picture.size.width; ++x) {
+    int height = 0;
+    for (int y = 0; y < 320; ++y) height += dark(x, y);
+    columns += height > 100;
+    highest = std::max(highest, height);
+  }
+  EXPECT_GE(highest, 300);
+  EXPECT_GE(columns, 3 * 2);
 }
 
 TEST_F(Stats, Mistakes) {
@@ -72,6 +138,10 @@ TEST_F(Stats, Mistakes) {
   expect_refused({"stats", in, "--channel", "4"}, {"--channel"});
   expect_refused({"stats", in, "--mask", wide}, {wide + ": is 3x2, but " + in + " is 2x2"});
   expect_refused({"stats", in, "--mask", black}, {black, "selects no pixel"});
+  expect_refused({"stats", in, wide}, {wide + ": is 3x2, but " + in + " is 2x2"});
+  expect_refused({"stats", in, "--bins", "0"}, {"--bins"});
+  expect_refused({"stats", in, "--bins", "257"}, {"--bins"});
+  expect_refused({"stats", in, "--histogram", path("h.txt")}, {"h.txt", ".png"});
 }
 
 }  // namespace
