@@ -22,7 +22,11 @@ struct Family {
 
 constexpr Family kFamilies[] = {
     {"accumulation", accumulation_section},
+    {"channels and profiles", layout_section},
+    {"motion", motion_section},
+    {"statistics", statistics_section},
     {"3x3 derivatives", derivatives_section},
+    {"blur, Sobel, Laplace", filters_section},
     {"Canny edges", canny_section},
 };
 

@@ -8,7 +8,11 @@ namespace tools {
 
 // Each does its family's work on the scene. tour.cpp lists them in the page's order.
 Section accumulation_section(const Scene& scene);
+Section layout_section(const Scene& scene);
+Section motion_section(const Scene& scene);
+Section statistics_section(const Scene& scene);
 Section derivatives_section(const Scene& scene);
+Section filters_section(const Scene& scene);
 Section canny_section(const Scene& scene);
 
 }  // namespace tools
