@@ -68,7 +68,7 @@ void print(const char* name, const Norms& norms) {
   line("L2", "%.4f", std::sqrt(norms.squares));
 }
 
-// The library's relative norms would do where one tile holds all; quotients of the joined norms always.
+// The library's relative norms are those of one tile: here all tiles' norms are joined first.
 double quotient(double difference, double reference) {
   return difference == 0 ? 0 : difference / reference;
 }

@@ -12,7 +12,7 @@
 #endif
 
 #include "core/simd/channel.h"
-#include "core/simd/reduce.h"
+#include "core/simd/selection.h"
 
 namespace nuqi::native {
 namespace {

@@ -2,6 +2,7 @@
 #include "arith/accumulate.h"
 #include "core/simd/convert.h"
 #include "core/simd/memory.h"
+#include "core/simd/selection.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {

@@ -2,6 +2,7 @@
 #include "arith/motion_history.h"
 #include "core/simd/convert.h"
 #include "core/simd/memory.h"
+#include "core/simd/selection.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {

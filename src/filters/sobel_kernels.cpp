@@ -64,8 +64,7 @@ NUQI_PASS void along(const V* from, const V (&x)[4], V* to, int32_t width) {
   constexpr int N = kLanesOf<V>;
   const Vec<V, N> weights[4] = {broadcast<V, N>(x[0]), broadcast<V, N>(x[1]), broadcast<V, N>(x[2]),
                                 broadcast<V, N>(x[3])};
-  const V x0 = x[0], x1 = x[1], x2 = x[2],
-          x3 = x[3];  // else every store would have them read again
+  const V x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3];  // or else read again after every store
   for_blocks_overlapping<N>(0, width, [&](int64_t column, auto part) NUQI_FORCED {
     const auto at = [&](int k) NUQI_FORCED { return load<N>(from + column + k); };
     if constexpr (half == 3 && sizeof(V) == 2) {

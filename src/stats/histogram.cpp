@@ -65,7 +65,7 @@ StatusCode calc_hist(Image<const uint8_t> src, RoiSize roi, int32_t* hist, int32
 
   const auto& t = counts.of;
   uint32_t
-      pixels[256];  // of each value; written out, since GCC 12 does not vectorize a sum of tables
+      pixels[256];  // of each value; the sum is written out, or else GCC 12 takes it one by one
   for (int v = 0; v < 256; ++v)
     pixels[v] = t[0][v] + t[1][v] + t[2][v] + t[3][v] + t[4][v] + t[5][v] + t[6][v] + t[7][v];
   uint32_t below[257] = {};  // each value

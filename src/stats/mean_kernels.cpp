@@ -2,18 +2,11 @@
 // of one out of three.
 #include "core/simd/channel.h"
 #include "core/simd/reduce.h"
+#include "core/simd/selection.h"
 #include "stats/mean.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
-
-template <int channels, int N, class T, class Part>
-NUQI_INLINE Vec<T, N> load_channel(const T* from, Part part) {
-  if constexpr (channels == 3)
-    return load_third<N>(from, part);
-  else
-    return load<N>(from, part);
-}
 
 // Bytes, in integers.
 template <int channels, bool masked, bool squares, class T>

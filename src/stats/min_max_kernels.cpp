@@ -1,6 +1,7 @@
 // Finds the smallest and the largest pixel and the first place of each.
 #include "core/simd/channel.h"
 #include "core/simd/extremes.h"
+#include "core/simd/selection.h"
 #include "stats/min_max.h"
 
 namespace nuqi::NUQI_ISA {
@@ -63,11 +64,7 @@ class Search {
 
   template <class Part>
   NUQI_INLINE V pixels(int32_t y, int64_t x, Part part) const {
-    const T* from = row_of(job_.src, y) + channels * x;
-    if constexpr (channels == 3)
-      return as<Bits>(load_third<kLanes>(from, part));
-    else
-      return as<Bits>(load<kLanes>(from, part));
+    return as<Bits>(load_channel<channels, kLanes>(row_of(job_.src, y) + channels * x, part));
   }
   // Not zero where pixels take part.
   NUQI_INLINE auto taking_part(int32_t y, int64_t x, Whole part) const {

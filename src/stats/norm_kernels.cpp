@@ -2,19 +2,23 @@
 // magnitudes or the sum of their squares.
 #include "core/simd/channel.h"
 #include "core/simd/reduce.h"
+#include "core/simd/selection.h"
 #include "stats/norm.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// ---- Magnitudes. Those of bytes, and of differences of bytes, are unsigned bytes.
+// ---- What each pixel contributes: its magnitude or, of floats for L2, the square of it. Magnitudes of
+// bytes, and of differences of bytes, are unsigned bytes.
 
 template <Norm norm, class T, int N>
 NUQI_INLINE auto magnitude(const Vec<T, N>& a) {
-  if constexpr (!kIsSigned<T> || (kIsFloat<T> && norm == Norm::l2))
-    return a;  // a square has no sign
-  else
+  if constexpr (kIsFloat<T> && norm == Norm::l2)
+    return a * a;
+  else if constexpr (kIsSigned<T>)
     return abs(a);
+  else
+    return a;
 }
 template <Norm norm, class T, int N>
 NUQI_INLINE auto distance(const Vec<T, N>& a, const Vec<T, N>& b) {
@@ -70,9 +74,10 @@ class Total<of, norm, channels, float> {
   NUQI_INLINE void reserve(int) {}
   NUQI_INLINE void add(const Vec<float, kLanes>& a, int turn) {
     auto& lanes = lanes_[turn];
-    if constexpr (norm == Norm::inf) lanes = max(a, lanes);  // which stay where a is NaN
-    if constexpr (norm == Norm::l1) lanes = lanes + a;
-    if constexpr (norm == Norm::l2) lanes = lanes + a * a;
+    if constexpr (norm == Norm::inf)
+      lanes = max(a, lanes);  // which stay where a is NaN
+    else
+      lanes = lanes + a;
   }
   NUQI_INLINE double value() const {
     auto all = lanes_[0];
@@ -92,13 +97,6 @@ template <int N, class Part>
 NUQI_INLINE auto load_mask(const uint8_t* from, Part part) {
   if constexpr (N == 8)
     return load_eight(from, part);
-  else
-    return load<N>(from, part);
-}
-template <int N, int channels, class T, class Part>
-NUQI_INLINE Vec<T, N> load_channel(const T* from, Part part) {
-  if constexpr (channels == 3)
-    return load_third<N>(from, part);
   else
     return load<N>(from, part);
 }
@@ -134,11 +132,11 @@ NormTotals measure(const NormJob<T>& job) {
       for_row<kLanes, Totals::kTurns>(width, [&](int64_t i, auto part, int turn) NUQI_FORCED {
         const int64_t x = start + i;
         const auto selected = load_mask<kLanes>(mask + x, part);
-        const auto a = load_channel<kLanes, channels>(src + channels * x, part);
+        const auto a = load_channel<channels, kLanes>(src + channels * x, part);
         if constexpr (of == NormOf::image) {
           total.add(keep_selected(selected, magnitude<norm>(a)), turn);
         } else {
-          const auto b = load_channel<kLanes, channels>(src2 + channels * x, part);
+          const auto b = load_channel<channels, kLanes>(src2 + channels * x, part);
           total.add(keep_selected(selected, distance<norm>(a, b)), turn);
           if constexpr (of == NormOf::relative)
             total_of_second.add(keep_selected(selected, magnitude<norm>(b)), turn);

@@ -1,4 +1,4 @@
-// Loads of one channel out of three interleaved ones.
+// Loads of an image's only channel, or of one out of three interleaved ones.
 //
 // load_third<N>(from, part) gives from[0], from[3], from[6] ... and touches nothing beyond the last of
 // them: the third channel of the last pixel may end a page. It looks at them through three windows
@@ -172,6 +172,16 @@ NUQI_INLINE Vec<T, N> load_third(const T* from, First part) {
 }
 
 #endif
+
+// ---- Either
+
+template <int channels, int N, class T, class Part>
+NUQI_INLINE Vec<T, N> load_channel(const T* from, Part part) {
+  if constexpr (channels == 3)
+    return load_third<N>(from, part);
+  else
+    return load<N>(from, part);
+}
 
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

@@ -246,43 +246,6 @@ NUQI_INLINE Vec<int16_t, N / 2> multiply_pairs(const Vec<T, N>& a) {
 }
 #endif
 
-// a where the mask byte is not zero, +0.0 elsewhere.
-NUQI_INLINE Px<float> keep_selected(const Px<uint8_t>& mask, const Px<float>& a) {
-#if NUQI_LEVEL == 2
-  const __m128i bytes = (__m128i)mask.r[0];
-  // As integers: the compiler then clears a sign in the same instruction.
-  const __mmask16 selected = _mm_test_epi8_mask(bytes, bytes);
-  return {{(Px<float>::Reg)_mm512_maskz_mov_epi32(selected, (__m512i)a.r[0])}};
-#else
-  return keep(convert<int32_t>(nonzero(mask)), a);
-#endif
-}
-// The same by the first eight mask bytes.
-NUQI_INLINE Vec<float, 8> keep_selected(const Px<uint8_t>& mask, const Vec<float, 8>& a) {
-#if NUQI_LEVEL == 2
-  const __m128i bytes = (__m128i)mask.r[0];
-  const __mmask8 selected = (__mmask8)_mm_test_epi8_mask(bytes, bytes);
-  return {{(Vec<float, 8>::Reg)_mm256_maskz_mov_epi32(selected, (__m256i)a.r[0])}};
-#else
-  const Px<int32_t> lanes = convert<int32_t>(nonzero(mask));
-  return keep(generate<Vec<int32_t, 8>>([&](int i) NUQI_FORCED { return lanes.r[i]; }), a);
-#endif
-}
-
-// Bytes where the mask byte is not zero, 0 elsewhere.
-template <class T, int N>
-NUQI_INLINE Vec<T, N> keep_selected(const Vec<uint8_t, N>& mask, const Vec<T, N>& a) {
-  static_assert(sizeof(T) == 1);
-#if NUQI_LEVEL == 2
-  static_assert(N == 64);
-  const __m512i bytes = (__m512i)mask.r[0];
-  return {{(typename Vec<T, N>::Reg)_mm512_maskz_mov_epi8(_mm512_test_epi8_mask(bytes, bytes),
-                                                          (__m512i)a.r[0])}};
-#else
-  return keep(nonzero(mask), a);
-#endif
-}
-
 // To doubles, exactly.
 NUQI_INLINE Px<double> to_doubles(const Px<float>& a) {
   using Reg = Px<double>::Reg;
@@ -342,20 +305,6 @@ NUQI_INLINE Px<double> load_doubles(const float* from, Whole = {}) {
 #endif
 }
 
-// The same where the mask byte is not zero, +0.0 elsewhere.
-template <class Part>
-NUQI_INLINE Px<double> load_doubles(const float* from, const Px<uint8_t>& mask, Part part) {
-  return to_doubles(keep_selected(mask, load(from, part)));
-}
-#if NUQI_LEVEL == 2
-NUQI_INLINE Px<double> load_doubles(const float* from, const Px<uint8_t>& mask, Whole) {
-  const __mmask16 selected = _mm_test_epi8_mask((__m128i)mask.r[0], (__m128i)mask.r[0]);
-  return generate<Px<double>>([&](int i) NUQI_FORCED {
-    return _mm512_maskz_cvtps_pd((__mmask8)(selected >> 8 * i), _mm256_loadu_ps(from + 8 * i));
-  });
-}
-#endif
-
 // sum + a * a, where the square is exact: then a fused operation is the same and saves one.
 NUQI_INLINE Px<double> add_exact_square(const Px<double>& sum, const Px<double>& a) {
 #if NUQI_LEVEL == 2
@@ -364,29 +313,6 @@ NUQI_INLINE Px<double> add_exact_square(const Px<double>& sum, const Px<double>&
   });
 #else
   return sum + a * a;
-#endif
-}
-
-// a where the mask byte is not zero, b elsewhere: sixteen lanes of four bytes, or a register of bytes.
-template <class T, int N>
-NUQI_INLINE Vec<T, N> choose(const Vec<uint8_t, N>& mask, const Vec<T, N>& a, const Vec<T, N>& b) {
-  static_assert(sizeof(T) == 1 || (sizeof(T) == 4 && N == 16));
-#if NUQI_LEVEL == 2
-  using Reg = typename Vec<T, N>::Reg;
-  const __m512i x = (__m512i)a.r[0], y = (__m512i)b.r[0];
-  if constexpr (sizeof(T) == 1) {
-    const __m512i bytes = (__m512i)mask.r[0];
-    return {{(Reg)_mm512_mask_mov_epi8(y, _mm512_test_epi8_mask(bytes, bytes), x)}};
-  } else {
-    const __m128i bytes = (__m128i)mask.r[0];
-    return {{(Reg)_mm512_mask_mov_epi32(y, _mm_test_epi8_mask(bytes, bytes), x)}};
-  }
-#else
-  const auto unselected = mask == Vec<uint8_t, N>{};
-  if constexpr (sizeof(T) == 1)
-    return select(unselected, b, a);
-  else
-    return select(convert<int32_t>(unselected), b, a);
 #endif
 }
 

@@ -249,31 +249,5 @@ class ByteSums {
 
 #endif
 
-// Counts the selected pixels of masks.
-template <int N>
-class SelectedCount {
- public:
-#if NUQI_LEVEL == 2
-  NUQI_INLINE void add(const Vec<uint8_t, N>& mask) {
-    if constexpr (N == 64)
-      count_ += __builtin_popcountll(_mm512_test_epi8_mask((__m512i)mask.r[0], (__m512i)mask.r[0]));
-    else
-      count_ += __builtin_popcount(_mm_test_epi8_mask((__m128i)mask.r[0], (__m128i)mask.r[0]));
-  }
-  NUQI_INLINE uint32_t total() const { return count_; }
-
- private:
-  uint32_t count_ = 0;
-#else
-  NUQI_INLINE void add(const Vec<uint8_t, N>& mask) {
-    sums_ = sums_ + sum_eights(min(mask, broadcast<uint8_t, N>(1)));
-  }
-  NUQI_INLINE uint32_t total() const { return static_cast<uint32_t>(fold(sums_)); }
-
- private:
-  Vec<uint64_t, N / 8> sums_ = {};
-#endif
-};
-
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

@@ -205,7 +205,18 @@ NUQI_INLINE Vec<T, N> keep(const Mask<T, N>& mask, const Vec<T, N>& a) {
 // Clears the sign, a NaN's too.
 template <int N>
 NUQI_INLINE Vec<float, N> abs(const Vec<float, N>& a) {
-  return as<float>(as<int32_t>(a) & broadcast<int32_t, N>(0x7FFFFFFF));
+  const auto all_but_sign = broadcast<int32_t, N>(0x7FFFFFFF);
+#if NUQI_LEVEL == 2
+  // As floats: GCC joins a selection that follows only with an operation of the same kind.
+  if constexpr (Vec<float, N>::kBytes == 64)
+    return {
+        {(typename Vec<float, N>::Reg)_mm512_and_ps((__m512)a.r[0], (__m512)all_but_sign.r[0])}};
+  else
+    return {
+        {(typename Vec<float, N>::Reg)_mm256_and_ps((__m256)a.r[0], (__m256)all_but_sign.r[0])}};
+#else
+  return as<float>(as<int32_t>(a) & all_but_sign);
+#endif
 }
 
 // The second operand where either is NaN, as the machines' instructions have it.
