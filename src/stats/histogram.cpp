@@ -82,41 +82,41 @@ StatusCode calc_hist(Image<const uint8_t> src, RoiSize roi, int32_t* hist, int32
 
 // ---- Two channels
 
-// How far from the histogram's start the counters of a byte value of one channel lie, in bytes. The
-// distances of a pixel's two values are added; kOutside is more than any two.
+// By the byte value of one channel, how far from `start` the counters of its bin lie, in bytes. Rows of
+// counters start at the histogram's address and columns at 0, so that the two of a pixel add up to the
+// address of its counter. kOutside is more than any such sum.
 constexpr int64_t kOutside = int64_t{1} << 61;
-struct Distances {
+struct Places {
   int64_t of[256];
   bool all_inside;
 };
 
 // Of `count` bins between count + 1 levels, `step` bytes apart.
-Distances distances_of(const int32_t* levels, int32_t count, int32_t step) {
+Places places_of(const int32_t* levels, int32_t count, int64_t start, int32_t step) {
   uint32_t levels_at[256] = {};  // of the levels after the first; those below 0 lie at 0
   for (int64_t i = 1; i <= count; ++i) {
     const int32_t level = integer_at(levels, i);
     if (level < 256) ++levels_at[level < 0 ? 0 : level];
   }
   const int32_t first = integer_at(levels, 0), last = integer_at(levels, count);
-  Distances distances;
+  Places places;
   int64_t bin = 0;
   for (int v = 0; v < 256; ++v) {
     bin += levels_at[v];
-    distances.of[v] = first <= v && v < last ? bin * step : kOutside;
+    places.of[v] = first <= v && v < last ? start + bin * step : kOutside;
   }
-  distances.all_inside = first <= 0 && last > 255;
-  return distances;
+  places.all_inside = first <= 0 && last > 255;
+  return places;
 }
 
 template <bool all_inside>
-void count_pairs(const uint8_t* row, int64_t width, const Distances& across, const Distances& down,
-                 uintptr_t hist) {
+void count_pairs(const uint8_t* row, int64_t width, const Places& columns, const Places& rows) {
   uint32_t discarded = 0;
-  const int64_t elsewhere = static_cast<int64_t>(reinterpret_cast<uintptr_t>(&discarded) - hist);
   const auto count = [&](uint8_t first, uint8_t second) {
-    int64_t distance = across.of[first] + down.of[second];
-    if (!all_inside) distance = distance < kOutside / 2 ? distance : elsewhere;
-    increment(reinterpret_cast<void*>(hist + static_cast<uintptr_t>(distance)));
+    const int64_t place = columns.of[first] + rows.of[second];
+    void* counter = reinterpret_cast<void*>(static_cast<uintptr_t>(place));
+    if (!all_inside) counter = place < kOutside / 2 ? counter : &discarded;
+    increment(counter);
   };
   int64_t x = 0;
   for (; x + 4 <= width; x += 4) {
@@ -144,11 +144,11 @@ StatusCode calc_hist(Image<const uint8_t> src, RoiSize roi, int32_t* hist, int32
   const uint64_t cleared = (uint64_t(across) + 1) * (uint64_t(down) + 1);
   __builtin_memset(hist, 0, static_cast<size_t>(cleared * sizeof(int32_t)));
 
-  const Distances columns = distances_of(levels, across, sizeof(int32_t));
-  const Distances rows = distances_of(levels + int64_t{across} + 1, down, histStep);
+  const auto start = static_cast<int64_t>(reinterpret_cast<uintptr_t>(hist));
+  const Places columns = places_of(levels, across, 0, sizeof(int32_t));
+  const Places rows = places_of(levels + int64_t{across} + 1, down, start, histStep);
   const auto count = columns.all_inside && rows.all_inside ? count_pairs<true> : count_pairs<false>;
-  for (int32_t y = 0; y < roi.height; ++y)
-    count(row_of(src, y), roi.width, columns, rows, reinterpret_cast<uintptr_t>(hist));
+  for (int32_t y = 0; y < roi.height; ++y) count(row_of(src, y), roi.width, columns, rows);
   return StatusOk;
 }
 
