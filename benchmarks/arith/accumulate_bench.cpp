@@ -41,25 +41,26 @@ void arithmetic(int64_t pixels) {
   using namespace native;
   Px<T> s = {}, s2 = {};
   Px<uint8_t> mask = {};
-  Px<float> acc = {}, alpha = {}, t;
+  Px<float> acc = {}, alpha = {}, sum;
 #pragma GCC unroll 8
   for (int64_t x = 0; x < pixels; x += 16) {
     opaque(s);
     if constexpr (term == AccumulateTerm::product) opaque(s2);
     if constexpr (masked) opaque(mask);
-    const auto product = [](const Px<T>& a, const Px<T>& b) {
-      if constexpr (sizeof(T) == 1)
-        return convert<float>(multiply_bytes(a, b));
-      else
-        return a * b;
-    };
     const auto selected = [&](const Px<float>& v) { return masked ? keep_selected(mask, v) : v; };
-    if constexpr (term == AccumulateTerm::add) t = selected(convert<float>(s));
-    if constexpr (term == AccumulateTerm::square) t = selected(product(s, s));
-    if constexpr (term == AccumulateTerm::product) t = selected(product(s, s2));
-    if constexpr (term == AccumulateTerm::weighted) t = (convert<float>(s) - acc) * selected(alpha);
-    t = acc + t;
-    opaque(t);
+    if constexpr (term == AccumulateTerm::add)
+      sum = acc + selected(convert<float>(s));
+    else if constexpr (term == AccumulateTerm::square && sizeof(T) > 1)
+      sum = acc + selected(s * s);
+    else if constexpr (term == AccumulateTerm::square)
+      sum = add_exact_square(acc, selected(convert<float>(s)));
+    else if constexpr (term == AccumulateTerm::product && sizeof(T) > 1)
+      sum = acc + selected(s * s2);
+    else if constexpr (term == AccumulateTerm::product)
+      sum = acc + selected(convert<float>(multiply_bytes(s, s2)));
+    else
+      sum = acc + (convert<float>(s) - acc) * selected(alpha);
+    opaque(sum);
   }
 }
 

@@ -34,12 +34,18 @@ void accumulate(const AccumulateJob<T>& job) {
         else
           return value;
       };
-      Px<float> t;
-      if constexpr (term == Term::add) t = selected(convert<float>(s));
-      if constexpr (term == Term::square) t = selected(product(s, s));
-      if constexpr (term == Term::product) t = selected(product(s, load(src2 + x, part)));
-      if constexpr (term == Term::weighted) t = (convert<float>(s) - acc) * selected(alpha);
-      store(out + x, acc + t, part);
+      Px<float> sum;
+      if constexpr (term == Term::add)
+        sum = acc + selected(convert<float>(s));
+      else if constexpr (term == Term::square && kIsFloat<T>)
+        sum = acc + selected(s * s);
+      else if constexpr (term == Term::square)
+        sum = add_exact_square(acc, selected(convert<float>(s)));
+      else if constexpr (term == Term::product)
+        sum = acc + selected(product(s, load(src2 + x, part)));
+      else
+        sum = acc + (convert<float>(s) - acc) * selected(alpha);
+      store(out + x, sum, part);
     });
   }
 }

@@ -306,6 +306,13 @@ NUQI_INLINE Px<double> load_doubles(const float* from, Whole = {}) {
 }
 
 // sum + a * a, where the square is exact: then a fused operation is the same and saves one.
+NUQI_INLINE Px<float> add_exact_square(const Px<float>& sum, const Px<float>& a) {
+#if NUQI_LEVEL == 2
+  return {{(Px<float>::Reg)_mm512_fmadd_ps((__m512)a.r[0], (__m512)a.r[0], (__m512)sum.r[0])}};
+#else
+  return sum + a * a;
+#endif
+}
 NUQI_INLINE Px<double> add_exact_square(const Px<double>& sum, const Px<double>& a) {
 #if NUQI_LEVEL == 2
   return generate<Px<double>>([&](int i) NUQI_FORCED {
