@@ -140,10 +140,7 @@ void make_background(const Options& options) {
       roi = frame.size;
       moments = moments_for(roi, options);
     }
-    if (frame.size.width != roi.width || frame.size.height != roi.height) {
-      throw UserError(path + ": is " + size_text(frame.size) + ", but " + options.frames[0] +
-                      " is " + size_text(roi));
-    }
+    check_same_size(path, frame.size, options.frames[0], roi);
     moments->add(frame);
     progress.advance();
   }

@@ -33,10 +33,7 @@ Picture difference(const Picture& a, const Picture& b) {
 void write_difference(const Options& options) {
   check_ending(options.out);
   const Picture a = read_picture(options.a), b = read_picture(options.b);
-  if (a.size.width != b.size.width || a.size.height != b.size.height) {
-    throw UserError(options.b + ": is " + size_text(b.size) + ", but " + options.a + " is " +
-                    size_text(a.size));
-  }
+  check_same_size(options.b, b.size, options.a, a.size);
   const Picture result = difference(a, b);
   write_picture(options.out, result);
   int64_t differing = 0;

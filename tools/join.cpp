@@ -23,10 +23,7 @@ void join(const Options& options) {
   Plane<uint8_t> channels[3];
   for (int c = 0; c < 3; ++c) {
     channels[c] = grey_of(read_picture(options.in[c]));
-    const RoiSize size = channels[c].size, first = channels[0].size;
-    if (size.width == first.width && size.height == first.height) continue;
-    throw UserError(options.in[c] + ": is " + size_text(size) + ", but " + options.in[0] + " is " +
-                    size_text(first));
+    check_same_size(options.in[c], channels[c].size, options.in[0], channels[0].size);
   }
   const RoiSize roi = channels[0].size;
   Picture picture(roi, 3);

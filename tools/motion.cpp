@@ -18,12 +18,10 @@ namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes the last frame darkened and over it all that moved, brighter the later. The hue is "
-    "the\n"
-    "direction: red to the right, yellow-green down, cyan to the left, violet up; grey where no\n"
-    "direction shows. A pixel moves where its grey level changes by more than --threshold from "
-    "one\n"
-    "frame to the next; after --duration frames its motion is forgotten.\n";
+    "Writes the last frame darkened and over it all that moved, brighter the later. The hue is\n"
+    "the direction: red to the right, yellow-green down, cyan to the left, violet up; grey where\n"
+    "no direction shows. A pixel moves where its grey level changes by more than --threshold from\n"
+    "one frame to the next; after --duration frames its motion is forgotten.\n";
 
 struct Options {
   std::string out;
@@ -31,13 +29,6 @@ struct Options {
   int threshold = 30;
   int duration = 0;  // 0: all frames
 };
-
-void check_same_size(RoiSize size, const std::string& path, RoiSize first,
-                     const std::string& first_path) {
-  if (size.width == first.width && size.height == first.height) return;
-  throw UserError(path + ": is " + size_text(size) + ", but " + first_path + " is " +
-                  size_text(first));
-}
 
 void add_frame(Motion& motion, Plane<uint8_t> frame, int threshold) {
   const RoiSize roi = frame.size;
@@ -67,7 +58,7 @@ Motion history_of(const Options& options, RoiSize& size) {
       const int most = int(options.frames.size()) - 1;
       motion.duration = float(options.duration > 0 ? std::min(options.duration, most) : most);
     } else {
-      check_same_size(grey.size, path, size, options.frames[0]);
+      check_same_size(path, grey.size, options.frames[0], size);
       add_frame(motion, with_two_rows(grey), options.threshold);
     }
     progress.advance();

@@ -30,6 +30,13 @@ std::string size_text(RoiSize size) {
   return std::to_string(size.width) + "x" + std::to_string(size.height);
 }
 
+void check_same_size(const std::string& name, RoiSize size, const std::string& first_name,
+                     RoiSize first) {
+  if (size.width == first.width && size.height == first.height) return;
+  throw UserError(name + ": is " + size_text(size) + ", but " + first_name + " is " +
+                  size_text(first));
+}
+
 void check_size(uint32_t width, uint32_t height, const std::string& name) {
   if (width < 1 || height < 1) throw UserError(name + ": is an empty picture");
   if ((width + uint64_t{2}) * (height + uint64_t{2}) > kMaxBorderedPixels) {

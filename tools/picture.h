@@ -36,6 +36,9 @@ struct Picture {
 };
 
 std::string size_text(RoiSize size);  // "640x480"
+// Throws a UserError where pictures that belong together differ in size.
+void check_same_size(const std::string& name, RoiSize size, const std::string& first_name,
+                     RoiSize first);
 
 // Reads a PNG or JPEG file of any kind as red, green and blue. Transparent pixels are laid over
 // white, 16 bits are rounded to 8, CMYK is converted, and a camera's orientation is applied.

@@ -33,13 +33,6 @@ Levels read_levels(const Options& options, const std::string& path) {
   return levels_of(read_picture(path), options.channel);
 }
 
-void check_same_size(RoiSize size, const std::string& path, const Levels& in,
-                     const Options& options) {
-  if (size.width == in.size().width && size.height == in.size().height) return;
-  throw UserError(path + ": is " + size_text(size) + ", but " + options.in + " is " +
-                  size_text(in.size()));
-}
-
 Selection selection_of(const Options& options, const Levels& in) {
   Selection selection;
   if (options.mask.empty()) {
@@ -47,7 +40,7 @@ Selection selection_of(const Options& options, const Levels& in) {
     std::fill(selection.mask.values.begin(), selection.mask.values.end(), 255);
   } else {
     selection.mask = grey_of(read_picture(options.mask));
-    check_same_size(selection.mask.size, options.mask, in, options);
+    check_same_size(options.mask, selection.mask.size, options.in, in.size());
   }
   const auto& values = selection.mask.values;
   selection.count = int64_t(values.size()) - std::count(values.begin(), values.end(), 0);
@@ -62,7 +55,7 @@ void print_stats(const Options& options) {
   Levels other;
   if (!options.other.empty()) {
     other = read_levels(options, options.other);
-    check_same_size(other.size(), options.other, in, options);
+    check_same_size(options.other, other.size(), options.in, in.size());
   }
   const Selection selection = selection_of(options, in);
   std::printf("%-*s%s, %s, %s\n", kNameWidth, "picture", options.in.c_str(),

@@ -7,6 +7,9 @@
 #include <cpuid.h>
 #endif
 
+// Kernels and histograms take several bytes for one integer, the first in the lowest place.
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
+
 namespace nuqi {
 namespace {
 

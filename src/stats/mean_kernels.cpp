@@ -17,13 +17,14 @@ void sum_bytes(const MeanJob<T>& job, MeanSums& result) {
   Sums sums;
   SelectedCount<kLanes> count;
   for (int32_t y = 0; y < job.roi.height; ++y) {
+    const T* src = row_of(job.src, y);
+    const uint8_t* mask = row_of(job.mask, y);
     for (int64_t start = 0; start < job.roi.width; start += kStretch) {
-      const T* src = row_of(job.src, y) + channels * start;
-      const uint8_t* mask = row_of(job.mask, y) + start;
       const int64_t rest = job.roi.width - start, width = rest < kStretch ? rest : kStretch;
       sums.reserve(int((width + kLanes - 1) / kLanes));
       for_blocks_in_turns<kLanes, Sums::kTurns>(
-          width, [&](int64_t x, auto part, int turn) NUQI_FORCED {
+          width, [&](int64_t i, auto part, int turn) NUQI_FORCED {
+            const int64_t x = start + i;
             auto v = load_channel<channels, kLanes>(src + channels * x, part);
             if constexpr (masked) {
               const auto m = load<kLanes>(mask + x, part);

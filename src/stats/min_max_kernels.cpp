@@ -107,12 +107,14 @@ class Search {
   template <bool mixed>
   NUQI_INLINE Pair scan_two(int32_t y, int64_t x, const Pair& seen) const {
     const V a = pixels(y, x, Whole{}), b = pixels(y, x + kLanes, Whole{});
-    const auto two = sorted(a, b);
-    if constexpr (mixed)
+    if constexpr (mixed) {
+      // One of the two by each way, which take different ports.
       return extend<true>(seen, as<Bits>(sorted(as<uint32_t>(a), as<uint32_t>(b)).upper),
-                          two.upper);
-    else
+                          max(a, b));
+    } else {
+      const auto two = sorted(a, b);
       return extend<false>(seen, two.lower, two.upper);
+    }
   }
   template <bool mixed>
   NUQI_INLINE Pair scan(const Stretch& stretch, Pair seen) const {

@@ -142,6 +142,9 @@ TEST_P(Mean, SumsOfBytesWrap) {
   for (RoiSize roi : {RoiSize{16843009, 1}, RoiSize{257, 65537}}) {
     ASSERT_EQ(nuqiMean_8u_C1MR(src, roi.width, src, roi.width, roi, &mean), StatusOk);
     EXPECT_EQ(mean, -1.0 / 16843009);
+    ASSERT_EQ(nuqiMean_StdDev_8u_C1R(src, roi.width, roi, &mean, &deviation), StatusOk);
+    EXPECT_EQ(mean, -(1.0 / 16843009));
+    EXPECT_EQ(deviation, std::sqrt(65025.0 * 16843009 * (1.0 / 16843009) - mean * mean));
   }
   const RoiSize narrow = {256, 65537};  // 2^32 + 2^16 pixels less one 256th
   const int32_t count = narrow.width * narrow.height;
