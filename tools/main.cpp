@@ -49,9 +49,7 @@ std::string one_line(std::string text) {
   return text;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   CLI::App app{kDescription, "nuqi"};
   app.footer(kFooter);
   app.set_version_flag("--version", std::to_string(NUQI_VERSION_MAJOR) + "." +
@@ -75,6 +73,14 @@ int main(int argc, char** argv) {
     return fail(error.what(), 2);
   } catch (const std::bad_alloc&) {
     return fail("the memory does not suffice", 1);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
   } catch (const std::exception& error) {
     return fail(error.what(), 1);
   }

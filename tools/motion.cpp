@@ -1,6 +1,7 @@
 // nuqi motion: what moved in a sequence of frames, when and where to.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <numeric>
@@ -100,8 +101,8 @@ std::string direction_text(float degrees) {
                                            "left",  "upper left",  "up",   "upper right"};
   if (degrees < 0) return "in no direction";
   char text[64];
-  std::snprintf(text, sizeof text, "mostly %s (%.0f degrees)", kNames[int(degrees / 45 + 0.5f) % 8],
-                double(degrees));
+  std::snprintf(text, sizeof text, "mostly %s (%.0f degrees)",
+                kNames[std::lround(degrees / 45) % 8], double(degrees));
   return text;
 }
 

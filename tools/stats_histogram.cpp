@@ -1,5 +1,6 @@
 // nuqi stats: how many pixels have which levels.
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <numeric>
 #include <string>
@@ -50,7 +51,7 @@ void print_histogram(const Levels& levels, const Selection& selection, int bins)
     const int32_t count = counts[size_t(i)];
     const int first = first_level(i, bins), last = first_level(i + 1, bins) - 1;
     const std::string name = "levels " + std::to_string(first) + " to " + std::to_string(last);
-    const std::string bar(size_t(40.0 * count / most + 0.5), '#');
+    const std::string bar(size_t(std::lround(40.0 * count / most)), '#');
     std::printf("%-*s%-11d%s%s\n", kNameWidth, name.c_str(), count, bar.empty() ? "" : " ",
                 bar.c_str());
   }

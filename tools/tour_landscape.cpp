@@ -220,16 +220,18 @@ uint32_t hash(uint32_t a, uint32_t b, uint32_t c) {
 }
 
 Picture landscape() {
-  constexpr int kSamples =
-      2;  // along each side of a pixel, so that edges are soft as in a photograph
+  // Several samples along each side of a pixel make edges as soft as in a photograph.
+  constexpr int kSamples = 2;
   Picture picture(kSize, 3);
   uint8_t* rgb = picture.pixels.data();
   for (int32_t y = 0; y < kSize.height; ++y) {
     for (int32_t x = 0; x < kSize.width; ++x, rgb += 3) {
       Colour sum{0, 0, 0};
-      for (int i = 0; i < kSamples * kSamples; ++i) {
-        sum = sum + scene_colour(float(x) + (float(i % kSamples) + 0.5f) / kSamples,
-                                 float(y) + (float(i / kSamples) + 0.5f) / kSamples);
+      for (int row = 0; row < kSamples; ++row) {
+        for (int column = 0; column < kSamples; ++column) {
+          sum = sum + scene_colour(float(x) + (float(column) + 0.5f) / kSamples,
+                                   float(y) + (float(row) + 0.5f) / kSamples);
+        }
       }
       const Colour mean = sum * (1.0f / (kSamples * kSamples));
       const float noise = grain(uint32_t(x), uint32_t(y));

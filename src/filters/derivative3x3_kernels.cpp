@@ -29,8 +29,9 @@ NUQI_INLINE void walk_down(const DerivativeJob<T>& job, int64_t x, int32_t first
     here = below;
   };
   // Four at a time, so that terms stay where they are and rows share their sums.
-  while (y + 4 <= last) for_each<4>(next_row);
-  while (y < last) next_row(0);
+  int32_t rest = last - first;
+  for (; rest >= 4; rest -= 4) for_each<4>(next_row);
+  for (; rest > 0; --rest) next_row(0);
 }
 
 // Functions of their own: in one, each loop's constants would be paid for by all.

@@ -120,18 +120,15 @@ NUQI_INLINE Vec<uint64_t, N / 8> sum_eights(const Vec<uint8_t, N>& a) {
   return sum_pairs<uint64_t>(sum_pairs<uint32_t>(sum_pairs<uint16_t>(a)));
 #else
   using Out = Vec<uint64_t, N / 8>;
+  constexpr int kBytes = sizeof(typename Out::Reg);
   return generate<Out>([&](int i) NUQI_FORCED {
-#if NUQI_LEVEL == 2
-    if constexpr (sizeof(typename Out::Reg) == 64)
-      return _mm512_sad_epu8((__m512i)a.r[i], __m512i{});
-    else
-#endif
+    if constexpr (kBytes == 16) return _mm_sad_epu8((__m128i)a.r[i], __m128i{});
 #if NUQI_LEVEL >= 1
-        if constexpr (sizeof(typename Out::Reg) == 32)
-      return _mm256_sad_epu8((__m256i)a.r[i], __m256i{});
-    else
+    if constexpr (kBytes == 32) return _mm256_sad_epu8((__m256i)a.r[i], __m256i{});
 #endif
-      return _mm_sad_epu8((__m128i)a.r[i], __m128i{});
+#if NUQI_LEVEL == 2
+    if constexpr (kBytes == 64) return _mm512_sad_epu8((__m512i)a.r[i], __m512i{});
+#endif
   });
 #endif
 }
