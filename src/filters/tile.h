@@ -10,7 +10,8 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-constexpr int32_t kTileWidth = 1024;
+// Not less: at each tile's start the prefetchers have to find its rows again.
+constexpr int32_t kTileWidth = 2048;
 
 // Lanes that fill a register with values of V; sixteen at least, so that their bytes fill one too.
 template <class V>
