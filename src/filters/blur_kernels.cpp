@@ -13,8 +13,9 @@ namespace {
 
 struct SplitTile {
   static constexpr int kRows = 4;
+  static constexpr int32_t kWidth = kTileWidth<int16_t>;
   static constexpr int32_t kMargin = kRegBytes;
-  static constexpr int32_t kHalfStep = kMargin + kTileWidth / 2 + kMargin;
+  static constexpr int32_t kHalfStep = kMargin + kWidth / 2 + kMargin;
   static constexpr int32_t kRowStep = 2 * kHalfStep;
 
   alignas(64) int16_t values[kRows][2][kHalfStep];

@@ -10,8 +10,10 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Not less: at each tile's start the prefetchers have to find its rows again.
-constexpr int32_t kTileWidth = 2048;
+// Columns of a tile of V. Narrower ones make the prefetchers find the rows again too often, wider ones
+// leave the first cache.
+template <class V>
+constexpr int32_t kTileWidth = 4096 / sizeof(V);
 
 // Lanes that fill a register with values of V; sixteen at least, so that their bytes fill one too.
 template <class V>
@@ -20,9 +22,10 @@ constexpr int kLanesOf = kRegBytes / int{sizeof(V)} > 16 ? kRegBytes / int{sizeo
 template <class V, int kRowCount, int kPlanes = 1>
 struct Tile {
   static constexpr int kRows = kRowCount;  // output rows at once
+  static constexpr int32_t kWidth = kTileWidth<V>;
   // Columns beyond the edges, for whole registers.
   static constexpr int32_t kMargin = 3 * kLanesOf<V>;
-  static constexpr int32_t kRowStep = kMargin + kTileWidth + kMargin;
+  static constexpr int32_t kRowStep = kMargin + kWidth + kMargin;
 
   alignas(64) V values[kPlanes][kRows][kRowStep];
 
@@ -55,9 +58,9 @@ NUQI_INLINE void for_tiles(RoiSize roi, const Down& down, const Along& along) {
   Tile tile;
   for (int32_t y = 0; y < roi.height; y += Tile::kRows) {
     const int rows = roi.height - y < Tile::kRows ? roi.height - y : Tile::kRows;
-    for (int32_t x = 0; x < roi.width; x += kTileWidth) {
+    for (int32_t x = 0; x < roi.width; x += Tile::kWidth) {
       const int32_t right = roi.width - x;  // columns to the image's edge
-      const int32_t width = right < kTileWidth ? right : kTileWidth;
+      const int32_t width = right < Tile::kWidth ? right : Tile::kWidth;
       const int32_t from = x > 0 ? -half : 0;
       const int32_t to = right < width + half ? right : width + half;
       down(tile, y, x, from, to);

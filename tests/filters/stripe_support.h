@@ -96,7 +96,8 @@ void expect_agreement(const StripeMember<T, D>& member, const NewState& new_stat
                       const Expected& expected) {
   std::vector<RoiSize> sizes;
   for (int width = 1; width <= 70; ++width) sizes.push_back({width, 1 + width * 7 % 9});
-  for (RoiSize roi : {RoiSize{129, 40}, {515, 3}, {2049, 4}, {2053, 5}, {8, 150}}) sizes.push_back(roi);
+  for (RoiSize roi : {RoiSize{129, 40}, {515, 3}, {1026, 3}, {2049, 4}, {2053, 5}, {8, 150}})
+    sizes.push_back(roi);
   for (const RoiSize& roi : sizes) {
     WatchedHeap heap;
     ConvolState* state = new_state(roi.width, data_type(T{}));
