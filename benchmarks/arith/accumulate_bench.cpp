@@ -42,6 +42,8 @@ void arithmetic(int64_t pixels) {
   Px<T> s = {}, s2 = {};
   Px<uint8_t> mask = {};
   Px<float> acc = {}, alpha = {}, sum;
+  opaque(acc);
+  opaque(alpha);
 #pragma GCC unroll 8
   for (int64_t x = 0; x < pixels; x += 16) {
     opaque(s);
