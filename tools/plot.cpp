@@ -108,4 +108,12 @@ void Plot::curve(const std::vector<double>& values, Ink ink) {
   }
 }
 
+void Plot::channel_curves(const std::vector<uint8_t>& pixels) {
+  std::vector<double> values(pixels.size() / 3);
+  for (size_t c = 0; c < 3; ++c) {
+    for (size_t i = 0; i < values.size(); ++i) values[i] = pixels[3 * i + c];
+    curve(values, kChannelInks[c]);
+  }
+}
+
 }  // namespace tools

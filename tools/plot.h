@@ -8,6 +8,8 @@
 namespace tools {
 
 using Ink = std::array<uint8_t, 3>;  // red, green, blue
+inline constexpr Ink kGreyInk = {70, 80, 96};
+inline constexpr Ink kChannelInks[3] = {{220, 60, 50}, {30, 160, 80}, {50, 100, 230}};
 
 class Plot {
  public:
@@ -18,6 +20,8 @@ class Plot {
   void bars(const std::vector<double>& values, Ink ink);
   // A curve through the values at places 0, 1, 2 ...
   void curve(const std::vector<double>& values, Ink ink);
+  // A curve for each channel of a picture's pixels, in the channels' inks.
+  void channel_curves(const std::vector<uint8_t>& pixels);
 
   const Picture& picture() const { return picture_; }
 

@@ -65,14 +65,8 @@ Picture samples_of(const Picture& picture, PixelPoint start, PixelPoint end) {
 }
 
 void write_plot(const std::string& path, const Picture& samples, const Plane<uint8_t>& grey) {
-  static constexpr Ink kInks[] = {{220, 60, 50}, {30, 160, 80}, {50, 100, 230}};
-  const size_t count = grey.values.size();
-  Plot plot(double(count - 1), 255);
-  for (size_t c = 0; c < 3; ++c) {
-    std::vector<double> values(count);
-    for (size_t i = 0; i < count; ++i) values[i] = samples.pixels[3 * i + c];
-    plot.curve(values, kInks[c]);
-  }
+  Plot plot(double(grey.values.size() - 1), 255);
+  plot.channel_curves(samples.pixels);
   plot.curve({grey.values.begin(), grey.values.end()}, {20, 24, 32});
   write_picture(path, plot.picture());
 }

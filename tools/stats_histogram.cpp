@@ -58,10 +58,10 @@ void print_histogram(const Levels& levels, const Selection& selection, int bins)
 }
 
 void draw_histogram(const Levels& levels, const Selection& selection, const std::string& path) {
-  static constexpr Ink kInks[] = {{70, 80, 96}, {220, 60, 50}, {30, 160, 80}, {50, 100, 230}};
+  const Ink ink = levels.channel == 0 ? kGreyInk : kChannelInks[levels.channel - 1];
   const std::vector<int32_t> counts = histogram_of(selected(levels, selection), 256);
   Plot plot(255, *std::max_element(counts.begin(), counts.end()));
-  plot.bars({counts.begin(), counts.end()}, kInks[levels.channel]);
+  plot.bars({counts.begin(), counts.end()}, ink);
   write_picture(path, plot.picture());
 }
 

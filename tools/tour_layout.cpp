@@ -11,8 +11,6 @@ constexpr char kText[] =
     "Colours lie pixel by pixel or plane by plane, and copies lead both ways. Along any straight "
     "line the pixels can be sampled: a profile.";
 
-constexpr Ink kInks[] = {{220, 60, 50}, {30, 160, 80}, {50, 100, 230}};
-
 void add_channels(Section& section, const Scene& scene) {
   const RoiSize roi = scene.colour.size;
   const uint8_t* src = scene.colour.pixels.data();
@@ -56,11 +54,7 @@ void add_profile(Section& section, const Scene& scene) {
     return status(nuqiSampleLine_8u_C3R(src, src_step, roi, dst, start, end));
   });
   Plot plot(double(count - 1), 255);
-  for (size_t c = 0; c < 3; ++c) {
-    std::vector<double> values(count);
-    for (size_t i = 0; i < count; ++i) values[i] = samples[3 * i + c];
-    plot.curve(values, kInks[c]);
-  }
+  plot.channel_curves(samples);
   Figure figure("Profile", "Red, green and blue along a line, as three curves", plot.picture());
   figure.size = {int32_t(count), 1};
   figure.note("The colours along the line from (" + std::to_string(start.x) + ", " +

@@ -132,7 +132,7 @@ void add_histogram(Section& section, const Plane<uint8_t>& grey) {
   // The last bin would end at 256, which is no byte.
   histogram[255] = int32_t(std::count(grey.values.begin(), grey.values.end(), 255));
   Plot plot(255, *std::max_element(histogram, histogram + 256));
-  plot.bars({histogram, histogram + 256}, {70, 80, 96});
+  plot.bars({histogram, histogram + 256}, kGreyInk);
   Figure figure("Histogram", "One bar for each of 256 grey levels", plot.picture());
   figure.size = roi;
   figure.note("How many pixels have each grey level.").with(std::move(call));

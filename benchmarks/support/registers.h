@@ -11,6 +11,7 @@
 #define NUQI_LEVEL 0
 #endif
 
+#include "core/simd/arithmetic.h"
 #include "core/simd/channel.h"
 #include "core/simd/selection.h"
 

@@ -1,5 +1,6 @@
 // Adds a term of one or two images to a float accumulator, sixteen pixels at a time.
 #include "arith/accumulate.h"
+#include "core/simd/arithmetic.h"
 #include "core/simd/convert.h"
 #include "core/simd/memory.h"
 #include "core/simd/selection.h"

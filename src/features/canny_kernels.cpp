@@ -1,4 +1,5 @@
 // Canny's passes over all pixels: magnitude and suppression, sweeps of edges, output.
+#include "core/simd/arithmetic.h"
 #include "core/simd/convert.h"
 #include "core/simd/memory.h"
 #include "core/simd/reduce.h"

@@ -1,5 +1,5 @@
 // Sums of 3x3, 5x5 or 7x7 pixels.
-#include "core/simd/pairs.h"
+#include "core/simd/convert.h"
 #include "core/simd/shuffle.h"
 #include "core/simd/transpose.h"
 #include "filters/blur.h"

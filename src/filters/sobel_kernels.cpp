@@ -1,4 +1,5 @@
 // Separable filters of 3, 5 or 7 columns and rows: first down the columns, then along the rows.
+#include "core/simd/arithmetic.h"
 #include "core/simd/pairs.h"
 #include "filters/sobel.h"
 #include "filters/tile.h"

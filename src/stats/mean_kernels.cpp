@@ -1,5 +1,6 @@
 // Sums of the pixels of a ROI and of their squares: all of them or the selected ones, of one channel or
 // of one out of three.
+#include "core/simd/arithmetic.h"
 #include "core/simd/channel.h"
 #include "core/simd/reduce.h"
 #include "core/simd/selection.h"

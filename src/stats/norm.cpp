@@ -21,8 +21,8 @@ double relative(const NormTotals& totals) {
 
 // Deliberate: nuqiNorm_L1_8u_C3CMR never takes back-to-back rows for one.
 template <NormOf of, Norm norm, int channels, class T>
-constexpr bool kRowByRow =
-    of == NormOf::image&& norm == Norm::l1&& channels == 3 && std::is_same_v<T, uint8_t>;
+constexpr bool kRowByRow = std::is_same_v<T, uint8_t>&& channels == 3 && (of == NormOf::image) &&
+                           (norm == Norm::l1);
 
 template <NormOf of, Norm norm, int channels, class T>
 StatusCode measure(NormJob<T> job, int32_t coi, double* result) {

@@ -11,8 +11,8 @@ enum class NormOf { image, difference, relative };
 
 template <class T>
 struct NormJob {
-  Image<const T> src,
-      src2;  // of three channels: at the first pixel's chosen one; src2: differences
+  Image<const T> src;   // of three channels: at the first pixel's chosen one
+  Image<const T> src2;  // differences only
   Image<const uint8_t> mask;
   RoiSize roi;
 };

@@ -1,5 +1,6 @@
 // Folds the selected pixels of one or two images into their largest magnitude, the sum of their
 // magnitudes or the sum of their squares.
+#include "core/simd/arithmetic.h"
 #include "core/simd/channel.h"
 #include "core/simd/reduce.h"
 #include "core/simd/selection.h"

@@ -2,7 +2,7 @@
 // is its own neighbour; nothing beyond it is touched.
 #pragma once
 
-#include "core/simd/convert.h"
+#include "core/simd/arithmetic.h"
 #include "core/simd/memory.h"
 #include "core/simd/shuffle.h"
 

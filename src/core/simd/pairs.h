@@ -1,59 +1,12 @@
-// Even and odd bytes; sums and weighted sums of 16-bit lanes.
+// Weighted sums of 16-bit lanes, in 32 bits. Their lanes stand in an order of the machine's own: only the
+// function that packs them knows it, and sums of different kinds do not mix.
 #pragma once
 
-#include "core/simd/convert.h"
+#include "core/simd/arithmetic.h"
 #include "core/simd/memory.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
-
-// The bytes in even places, or in odd ones, as 16-bit integers.
-template <class T, int N>
-NUQI_INLINE Vec<int16_t, N / 2> even_bytes(const Vec<T, N>& a) {
-  using Out = Vec<int16_t, N / 2>;
-  return generate<Out>([&](int i) NUQI_FORCED {
-    const auto both = (typename Out::Reg)a.r[i];
-    if constexpr (kIsSigned<T>)
-      return both << 8 >> 8;
-    else
-      return both & 255;
-  });
-}
-template <class T, int N>
-NUQI_INLINE Vec<int16_t, N / 2> odd_bytes(const Vec<T, N>& a) {
-  using Signed = Vec<int16_t, N / 2>;
-  using Unsigned = Vec<uint16_t, N / 2>;
-  return generate<Signed>([&](int i) NUQI_FORCED {
-    if constexpr (kIsSigned<T>)
-      return (typename Signed::Reg)a.r[i] >> 8;
-    else
-      return (typename Unsigned::Reg)a.r[i] >> 8;
-  });
-}
-
-// a + b, at most 32767 and at least -32768.
-template <int N>
-NUQI_INLINE Vec<int16_t, N> add_saturated(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
-  using V = Vec<int16_t, N>;
-#if defined(NUQI_PLAIN) || !defined(__SSE2__)
-  const auto wrapped = as<int16_t>(as<uint16_t>(a) + as<uint16_t>(b));
-  const auto limit = as<int16_t>(broadcast<uint16_t, N>(0x7FFF) - as<uint16_t>(a >> 15));
-  return select(((a ^ wrapped) & (b ^ wrapped)) < V{}, limit, wrapped);
-#else
-  return generate<V>([&](int i) NUQI_FORCED {
-#if NUQI_LEVEL == 2
-    return _mm512_adds_epi16((__m512i)a.r[i], (__m512i)b.r[i]);
-#elif NUQI_LEVEL == 1
-    return _mm256_adds_epi16((__m256i)a.r[i], (__m256i)b.r[i]);
-#else
-    return _mm_adds_epi16((__m128i)a.r[i], (__m128i)b.r[i]);
-#endif
-  });
-#endif
-}
-
-// ---- Weighted sums in 32 bits. Their lanes stand in an order of the machine's own: only the function
-// that packs them knows it, and sums of different kinds do not mix.
 
 #if defined(__SSE2__) && !defined(NUQI_PLAIN)
 // sum + the even 16-bit lanes * x + the odd ones * y.

@@ -59,7 +59,7 @@ template <class T, class S, int C>
 NUQI_INLINE Regs<T, C> recast(const Regs<S, C>& a) {
   Regs<T, C> out;
   for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C) out.v[k].r[0] = (typename Reg<T>::Reg)a.v[k].r[0];
+    if (k < C) out.v[k] = lanes_as<T>(a.v[k]);
   });
   return out;
 }

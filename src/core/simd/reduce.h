@@ -97,13 +97,6 @@ NUQI_INLINE T largest_lane(const Vec<T, N>& a) {
   return fold(a, [](const auto& x, const auto& y) NUQI_FORCED { return max(x, y); });
 }
 
-// The same bits, seen as lanes of another size.
-template <class T, class S, int N>
-NUQI_INLINE auto lanes_as(const Vec<S, N>& a) {
-  using Out = Vec<T, N* int{sizeof(S)} / int{sizeof(T)}>;
-  return generate<Out>([&](int i) NUQI_FORCED { return (typename Out::Reg)a.r[i]; });
-}
-
 // The sums of two neighbours each, in lanes of twice the size.
 template <class To, class From, int N>
 NUQI_INLINE Vec<To, N / 2> sum_pairs(const Vec<From, N>& a) {
@@ -214,13 +207,11 @@ class ByteSums {
     used_ += blocks;
   }
   NUQI_INLINE void add(const Reg<T>& a, int) {
-    using Pairs = Reg<int16_t>;
     // Signed bytes are summed as x + 128.
     const auto x = as<uint8_t>(kIsSigned<T> ? a ^ broadcast<T, Reg<T>::kLanes>(T(128)) : a);
     sums_ = sums_ + sum_eights(x);
     if constexpr (squares) {
-      const auto even = lanes_as<int16_t>(x) & broadcast<int16_t, Pairs::kLanes>(255);
-      const auto odd = as<int16_t>(lanes_as<uint16_t>(x) >> 8);
+      const auto even = even_bytes(x), odd = odd_bytes(x);
       squares_lanes_ = squares_lanes_ + as<uint32_t>(dot_pairs(even, even) + dot_pairs(odd, odd));
     }
   }

@@ -128,6 +128,13 @@ NUQI_INLINE Vec<T, N> as(const Vec<S, N>& a) {
   return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return (typename Vec<T, N>::Reg)a.r[i]; });
 }
 
+// The same bits, seen as lanes of another size.
+template <class T, class S, int N>
+NUQI_INLINE auto lanes_as(const Vec<S, N>& a) {
+  using Out = Vec<T, N* int{sizeof(S)} / int{sizeof(T)}>;
+  return generate<Out>([&](int i) NUQI_FORCED { return (typename Out::Reg)a.r[i]; });
+}
+
 // ---- Arithmetic, lane by lane; integers wrap
 
 #define NUQI_LANEWISE(op)                                                            \
