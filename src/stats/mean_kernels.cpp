@@ -45,14 +45,12 @@ void sum_bytes(const MeanJob<T>& job, MeanSums& result) {
 // Floats, in doubles: a row's sixteen sums are folded into one when it ends.
 template <int channels, bool masked>
 void sum_floats(const MeanJob<float>& job, MeanSums& result) {
-  // Pays where all sums stay in registers: most row lengths then end a loop that the CPU predicts.
-  constexpr int kUnrolled = NUQI_LEVEL == 2 ? 4 : 1;
   SelectedCount<16> count;
   for (int32_t y = 0; y < job.roi.height; ++y) {
     const float* src = row_of(job.src, y);
     const uint8_t* mask = row_of(job.mask, y);
     Px<double> sums = {}, squares = {};
-    for_blocks_in_turns<16, kUnrolled>(job.roi.width, [&](int64_t x, auto part, int) NUQI_FORCED {
+    for_blocks(job.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
       Px<double> v;
       if constexpr (masked) {
         const auto m = load(mask + x, part);
