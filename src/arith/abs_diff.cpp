@@ -6,10 +6,6 @@
 namespace nuqi {
 namespace {
 
-// Where abs_diff_kernels() keeps the kernels of one element type.
-const auto& kernels_of(const uint8_t*) { return abs_diff_kernels().u8; }
-const auto& kernels_of(const float*) { return abs_diff_kernels().f32; }
-
 template <class T>
 StatusCode abs_diff(AbsDiffJob<T> job) {
   auto& [src, src2, dst, roi, constant] = job;
@@ -23,7 +19,7 @@ StatusCode abs_diff(AbsDiffJob<T> job) {
   // clang-format on
 
   ContiguousCollapse(roi, tight(src, roi.width) && tight(src2, roi.width) && tight(dst, roi.width));
-  kernels_of(src.data).of_images(job);
+  abs_diff_kernels().of_type<T>().of_images(job);
   return StatusOk;
 }
 
@@ -40,7 +36,7 @@ StatusCode abs_diff_c(AbsDiffJob<T> job) {
   // clang-format on
 
   ContiguousCollapse(roi, tight(src, roi.width) && tight(dst, roi.width));
-  kernels_of(src.data).of_constant(job);
+  abs_diff_kernels().of_type<T>().of_constant(job);
   return StatusOk;
 }
 

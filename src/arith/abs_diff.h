@@ -1,6 +1,7 @@
 // What the entries of the absolute-difference family hand to its kernels.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/image.h"
 #include "core/isa.h"
 
@@ -20,10 +21,7 @@ struct AbsDiffKernelsOf {
   void (*of_constant)(const AbsDiffJob<T>&);
 };
 
-struct AbsDiffKernels {
-  AbsDiffKernelsOf<uint8_t> u8;
-  AbsDiffKernelsOf<float> f32;
-};
+using AbsDiffKernels = ByType<AbsDiffKernelsOf, uint8_t, float>;
 
 NUQI_KERNEL_TABLES(AbsDiffKernels, abs_diff_kernels)
 

@@ -1,6 +1,8 @@
 // The accumulation family: nuqiAdd, nuqiAddSquare, nuqiAddProduct, nuqiAddWeighted.
 #include "arith/accumulate.h"
 
+#include <type_traits>
+
 #include "core/validate.h"
 
 namespace nuqi {
@@ -8,18 +10,13 @@ namespace {
 
 constexpr bool kMasked = true;
 
-// Where accumulate_kernels() keeps the kernels of one source type.
-const auto& kernels_of(const uint8_t*) { return accumulate_kernels().u8; }
-const auto& kernels_of(const int8_t*) { return accumulate_kernels().s8; }
-const auto& kernels_of(const float*) { return accumulate_kernels().f32; }
-
 template <Term term, bool masked, class T>
 StatusCode accumulate(AccumulateJob<T> job) {
   constexpr bool product = term == Term::product;
   auto& [src, src2, mask, acc, roi, alpha] = job;
   // Deliberate: nuqiAddProduct_32f_C1IR holds its source steps against the width in pixels.
   const bool short_sources =
-      product && !masked && sizeof(T) == 4
+      product && !masked && std::is_same_v<T, float>
           ? src.step < roi.width || src2.step < roi.width
           : short_row(src, roi.width) || (product && short_row(src2, roi.width));
 
@@ -36,7 +33,7 @@ StatusCode accumulate(AccumulateJob<T> job) {
   ContiguousCollapse(roi, tight(src, roi.width) && (!product || tight(src2, roi.width)) &&
                               (!masked || tight(mask, roi.width)) && tight(acc, roi.width));
   if (empty(roi)) return StatusOk;
-  kernels_of(src.data).of[static_cast<int>(term)][masked](job);
+  accumulate_kernels().of_type<T>().of[static_cast<int>(term)][masked](job);
   return StatusOk;
 }
 

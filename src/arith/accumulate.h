@@ -1,6 +1,7 @@
 // What the entries of the accumulation family hand to its kernels.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/image.h"
 #include "core/isa.h"
 
@@ -22,11 +23,7 @@ struct AccumulateKernelsOf {
   void (*of[4][2])(const AccumulateJob<T>&);  // [term][masked]
 };
 
-struct AccumulateKernels {
-  AccumulateKernelsOf<uint8_t> u8;
-  AccumulateKernelsOf<int8_t> s8;
-  AccumulateKernelsOf<float> f32;
-};
+using AccumulateKernels = ByType<AccumulateKernelsOf, uint8_t, int8_t, float>;
 
 NUQI_KERNEL_TABLES(AccumulateKernels, accumulate_kernels)
 

@@ -11,10 +11,10 @@ namespace {
 // Products of bytes are formed as integers: 0 * -5 is +0.0 then, and -0.0 as floats.
 template <class T>
 NUQI_INLINE Px<float> product(const Px<T>& a, const Px<T>& b) {
-  if constexpr (sizeof(T) == 1)
-    return convert<float>(multiply_bytes(a, b));
-  else
+  if constexpr (kIsFloat<T>)
     return a * b;
+  else
+    return convert<float>(multiply_bytes(a, b));
 }
 
 template <Term term, bool masked, class T>

@@ -1,16 +1,25 @@
 // The copy family: nuqiCopy, between interleaved and planar images.
 #include "arith/copy.h"
 
-#include <type_traits>
-
 #include "core/validate.h"
 
 namespace nuqi {
 namespace {
 
+template <int bytes>
+struct UnsignedOf;
+template <>
+struct UnsignedOf<1> {
+  using Type = uint8_t;
+};
+template <>
+struct UnsignedOf<4> {
+  using Type = uint32_t;
+};
+
 // Elements are copied as integers of their size.
 template <class T>
-using Bits = std::conditional_t<sizeof(T) == 4, uint32_t, uint8_t>;
+using Bits = typename UnsignedOf<sizeof(T)>::Type;
 
 template <class T>
 Image<Bits<T>> bits_of(T* data, int32_t step) {
@@ -20,10 +29,6 @@ template <class T>
 Image<const Bits<T>> bits_of(const T* data, int32_t step) {
   return {reinterpret_cast<const Bits<T>*>(data), step};
 }
-
-// Where copy_kernels() keeps the kernels of one element size.
-const auto& kernels_of(const uint8_t*) { return copy_kernels().u8; }
-const auto& kernels_of(const uint32_t*) { return copy_kernels().u32; }
 
 template <int channels, class T>
 StatusCode split(const T* data, int32_t dataStep, T* const planes[], int32_t step, RoiSize roi) {
@@ -43,7 +48,7 @@ StatusCode split(const T* data, int32_t dataStep, T* const planes[], int32_t ste
 
   ContiguousCollapse(roi, tight(src, roi.width, channels) && tight(plane, roi.width));
   if (empty(roi)) return StatusOk;
-  const auto& kernels = kernels_of(src.data);
+  const auto& kernels = copy_kernels().of_type<Bits<T>>();
   if (given == 1) {
     kernels.extract[channels - 3][channel]({src, {plane}, roi});
   } else {
@@ -71,7 +76,7 @@ StatusCode join(const T* const planes[], int32_t step, T* data, int32_t dataStep
   ContiguousCollapse(roi, tight(dst, roi.width, channels) && tight(plane, roi.width));
   JoinJob<Bits<T>> job = {{}, dst, roi};
   for (int k = 0; k < channels; ++k) job.planes[k] = bits_of(planes[k], step);
-  kernels_of(dst.data).join[channels - 3](job);
+  copy_kernels().of_type<Bits<T>>().join[channels - 3](job);
   return StatusOk;
 }
 

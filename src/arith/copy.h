@@ -1,6 +1,7 @@
 // What the entries of the copy family hand to its kernels.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/image.h"
 #include "core/isa.h"
 
@@ -28,10 +29,7 @@ struct CopyKernelsOf {
   void (*join[2])(const JoinJob<T>&);         // [channels - 3]
 };
 
-struct CopyKernels {
-  CopyKernelsOf<uint8_t> u8;
-  CopyKernelsOf<uint32_t> u32;
-};
+using CopyKernels = ByType<CopyKernelsOf, uint8_t, uint32_t>;
 
 NUQI_KERNEL_TABLES(CopyKernels, copy_kernels)
 

@@ -8,11 +8,9 @@ namespace {
 
 int buffers_for(int size) { return size + 1; }
 
-void blur_stripe(const StripeCall<uint8_t, int16_t>& call) {
-  filter_stripe(call, blur_kernels().u8.of[size_of(*call.state) / 2 - 1]);
-}
-void blur_stripe(const StripeCall<int8_t, int16_t>& call) {
-  filter_stripe(call, blur_kernels().s8.of[size_of(*call.state) / 2 - 1]);
+template <class T>
+void blur_stripe(const StripeCall<T, int16_t>& call) {
+  filter_stripe(call, blur_kernels().of_type<T>().of[size_of(*call.state) / 2 - 1]);
 }
 void blur_stripe(const StripeCall<float, float>& call) {
   const Stripe stripe = stripe_of(call);
@@ -27,7 +25,7 @@ void blur_stripe(const StripeCall<float, float>& call) {
     for (int i = 0; i < job.kRows; ++i) job.rows[i] = source[y + i];
     job.first = stripe.first && y == 0;
     job.skipped = job.first ? std::min(job.half, job.count) : 0;
-    blur_kernels().f32(job);
+    blur_kernels().of_type<float>().running(job);
     job.dst.data = row_of(job.dst, job.count - job.skipped);
   }
   report(call, stripe);

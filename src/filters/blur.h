@@ -1,15 +1,11 @@
 // What the entries of the box blurs hand to their kernels.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/isa.h"
 #include "filters/window.h"
 
 namespace nuqi {
-
-template <class T>
-struct BlurKernelsOf {
-  void (*of[3])(const WindowJob<T, int16_t>&);  // [size 3, 5, 7]
-};
 
 // Sums of floats run along the rows and down the columns, and keep what they have rounded away.
 struct RunningBlurJob {
@@ -24,11 +20,16 @@ struct RunningBlurJob {
   void* const* ring;  // the sums along the last 2 * half + 1 rows, then the column sums
 };
 
-struct BlurKernels {
-  BlurKernelsOf<uint8_t> u8;
-  BlurKernelsOf<int8_t> s8;
-  void (*f32)(const RunningBlurJob&);
+template <class T>
+struct BlurKernelsOf {
+  void (*of[3])(const WindowJob<T, int16_t>&);  // [size 3, 5, 7]
 };
+template <>
+struct BlurKernelsOf<float> {
+  void (*running)(const RunningBlurJob&);
+};
+
+using BlurKernels = ByType<BlurKernelsOf, uint8_t, int8_t, float>;
 
 NUQI_KERNEL_TABLES(BlurKernels, blur_kernels)
 

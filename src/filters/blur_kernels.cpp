@@ -187,6 +187,6 @@ constexpr BlurKernelsOf<T> kKernels = {{blur<1, T>, blur<2, T>, blur<3, T>}};
 
 }  // namespace
 
-const BlurKernels blur_kernels = {kKernels<uint8_t>, kKernels<int8_t>, running_blur};
+const BlurKernels blur_kernels = {kKernels<uint8_t>, kKernels<int8_t>, {running_blur}};
 
 }  // namespace nuqi::NUQI_ISA

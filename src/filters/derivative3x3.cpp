@@ -10,10 +10,6 @@
 namespace nuqi {
 namespace {
 
-const auto& kernels_of(const uint8_t*) { return derivative_kernels().u8; }
-const auto& kernels_of(const int8_t*) { return derivative_kernels().s8; }
-const auto& kernels_of(const float*) { return derivative_kernels().f32; }
-
 // The image with its last row first.
 template <class T>
 Image<T> upside_down(const Image<T>& image, int32_t height) {
@@ -76,7 +72,7 @@ StatusCode differentiate(DerivativeJob<T> job, int32_t bottom_up, int32_t shift)
     job.src = upside_down(src, roi.height);
     job.dst = upside_down(dst, roi.height);
   }
-  kernels_of(src.data).of[static_cast<int>(derivative)](job);
+  derivative_kernels().of_type<T>().of[static_cast<int>(derivative)](job);
   // Deliberate: nuqiScharr_Dy_8u16s_C1R rounds the end of the last row the other way.
   if constexpr (derivative == Derivative::scharr_dy && from_8u)
     if (bottom_up) shift_then_negate({src, dst, roi, job.shift, 0});
@@ -91,7 +87,7 @@ using namespace nuqi;
 // clang-format off
 
 #define ENTRY(name, T, derivative)                                                                \
-  StatusCode name(const T* src, int32_t srcStep, DerivativeOf<T>::Type* dst, int32_t dstStep,     \
+  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,     \
                   RoiSize roi) {                                                                  \
     return differentiate<derivative, T>({{src, srcStep}, {dst, dstStep}, roi, 0, 0}, 0, 0);       \
   }
@@ -105,7 +101,7 @@ ENTRY(nuqiSobel3x3_D2y_8s16s_C1R,  int8_t,  Derivative::d2y)
 #undef ENTRY
 
 #define ENTRY(name, T, derivative)                                                                \
-  StatusCode name(const T* src, int32_t srcStep, DerivativeOf<T>::Type* dst, int32_t dstStep,     \
+  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,     \
                   int32_t bottomUp, RoiSize roi) {                                                \
     return differentiate<derivative, T>({{src, srcStep}, {dst, dstStep}, roi, 0, 0},              \
                                         bottomUp, 0);                                             \
@@ -118,7 +114,7 @@ ENTRY(nuqiSobel3x3_DxDy_8s16s_C1R, int8_t,  Derivative::dxdy)
 #undef ENTRY
 
 #define ENTRY(name, T, derivative)                                                                \
-  StatusCode name(const T* src, int32_t srcStep, DerivativeOf<T>::Type* dst, int32_t dstStep,     \
+  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,     \
                   RoiSize roi, int32_t shift) {                                                   \
     return differentiate<derivative, T>({{src, srcStep}, {dst, dstStep}, roi, 0, 0}, 0, shift);   \
   }
@@ -128,7 +124,7 @@ ENTRY(nuqiScharr_Dx_32f_C1R,       float,   Derivative::scharr_dx)
 #undef ENTRY
 
 #define ENTRY(name, T, derivative)                                                                \
-  StatusCode name(const T* src, int32_t srcStep, DerivativeOf<T>::Type* dst, int32_t dstStep,     \
+  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,     \
                   int32_t bottomUp, RoiSize roi, int32_t shift) {                                 \
     return differentiate<derivative, T>({{src, srcStep}, {dst, dstStep}, roi, 0, 0},              \
                                         bottomUp, shift);                                         \

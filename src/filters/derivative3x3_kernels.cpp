@@ -60,7 +60,7 @@ NUQI_APART void walk_inside(const DerivativeJob<T>& job, int64_t begin, int64_t 
 template <class T>
 NUQI_INLINE int32_t rows_of_band(int32_t width) {
   constexpr int32_t kCache = 32768, kFewest = sizeof(T) == 1 ? 16 : 8;
-  constexpr int32_t kPixel = sizeof(T) + sizeof(typename DerivativeOf<T>::Type);
+  constexpr int32_t kPixel = sizeof(T) + sizeof(FilterResult<T>);
   return width > kCache / kPixel / kFewest ? kFewest : kCache / (width * kPixel) / 4 * 4;
 }
 
@@ -85,10 +85,7 @@ void differentiate(const DerivativeJob<T>& job) {
 template <Derivative derivative, class T>
 void differentiate_bytes(const DerivativeJob<T>& job) {
   if (job.roi.width >= Column<T>::kLanes) return differentiate<derivative>(job);
-  if constexpr (kIsSigned<T>)
-    base::derivative_kernels.s8.of[int(derivative)](job);
-  else
-    base::derivative_kernels.u8.of[int(derivative)](job);
+  base::derivative_kernels.of_type<T>().of[int(derivative)](job);
 }
 #else
 template <Derivative derivative, class T>
@@ -96,7 +93,7 @@ constexpr auto differentiate_bytes = differentiate<derivative, T>;
 #endif
 
 template <class T>
-constexpr DerivativeKernelsOf<T, 7> kOfBytes = {{
+constexpr DerivativeKernelsOf<T> kOfBytes = {{
     differentiate_bytes<Derivative::dx, T>,
     differentiate_bytes<Derivative::dy, T>,
     differentiate_bytes<Derivative::scharr_dx, T>,

@@ -6,17 +6,13 @@
 namespace nuqi {
 namespace {
 
-const auto& kernels_of(const uint8_t*) { return laplace_kernels().u8; }
-const auto& kernels_of(const int8_t*) { return laplace_kernels().s8; }
-const auto& kernels_of(const float*) { return laplace_kernels().f32; }
-
 int buffers_for(int size) { return 2 * size; }
 
 // The kernels know the coefficients: a state with so many row buffers holds no others.
 template <class T, class D>
 StatusCode laplace(const StripeCall<T, D>& call) {
   if (const StatusCode status = check<D>(call, buffers_for)) return status;
-  filter_stripe(call, kernels_of(call.src.data).of[size_of(*call.state) / 2 - 1]);
+  filter_stripe(call, laplace_kernels().of_type<T>().of[size_of(*call.state) / 2 - 1]);
   return StatusOk;
 }
 

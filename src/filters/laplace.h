@@ -1,21 +1,19 @@
 // What the entries of the Laplace filters hand to their kernels.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/isa.h"
+#include "filters/result.h"
 #include "filters/window.h"
 
 namespace nuqi {
 
-template <class T, class D>
+template <class T>
 struct LaplaceKernelsOf {
-  void (*of[3])(const WindowJob<T, D>&);  // [size 3, 5, 7]
+  void (*of[3])(const WindowJob<T, FilterResult<T>>&);  // [size 3, 5, 7]
 };
 
-struct LaplaceKernels {
-  LaplaceKernelsOf<uint8_t, int16_t> u8;
-  LaplaceKernelsOf<int8_t, int16_t> s8;
-  LaplaceKernelsOf<float, float> f32;
-};
+using LaplaceKernels = ByType<LaplaceKernelsOf, uint8_t, int8_t, float>;
 
 NUQI_KERNEL_TABLES(LaplaceKernels, laplace_kernels)
 

@@ -81,13 +81,15 @@ void laplace(const WindowJob<T, V>& job) {
           NUQI_FORCED { along<half>(tile, row, row_of(job.dst, y) + x, width); });
 }
 
-template <class T, class V>
-constexpr LaplaceKernelsOf<T, V> kKernels = {
-    {laplace<1, T, V>, laplace<2, T, V>, laplace<3, T, V>}};
+template <class T>
+constexpr LaplaceKernelsOf<T> kKernels = {{
+    laplace<1, T, FilterResult<T>>,
+    laplace<2, T, FilterResult<T>>,
+    laplace<3, T, FilterResult<T>>,
+}};
 
 }  // namespace
 
-const LaplaceKernels laplace_kernels = {kKernels<uint8_t, int16_t>, kKernels<int8_t, int16_t>,
-                                        kKernels<float, float>};
+const LaplaceKernels laplace_kernels = {kKernels<uint8_t>, kKernels<int8_t>, kKernels<float>};
 
 }  // namespace nuqi::NUQI_ISA

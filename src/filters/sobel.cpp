@@ -6,10 +6,6 @@
 namespace nuqi {
 namespace {
 
-const auto& kernels_of(const uint8_t*) { return sobel_kernels().u8; }
-const auto& kernels_of(const int8_t*) { return sobel_kernels().s8; }
-const auto& kernels_of(const float*) { return sobel_kernels().f32; }
-
 int buffers_for(int size) { return size; }
 
 template <class C>
@@ -30,7 +26,7 @@ StatusCode sobel(const StripeCall<T, D>& call) {
   const int size = size_of(state);
   const SobelWeights<D> weights = weights_of<D>(state);
   const auto kernel =
-      kernels_of(call.src.data).of[size / 2 - 1][state.kind % 2][state.kind / 2 % 2];
+      sobel_kernels().of_type<T>().of[size / 2 - 1][state.kind % 2][state.kind / 2 % 2];
   filter_stripe(call, [&](const WindowJob<T, D>& job) { kernel(job, weights); });
   return StatusOk;
 }

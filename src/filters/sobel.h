@@ -1,7 +1,9 @@
 // What the entries of the Sobel filters hand to their kernels.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/isa.h"
+#include "filters/result.h"
 #include "filters/window.h"
 
 namespace nuqi {
@@ -16,16 +18,13 @@ struct SobelWeights {
 template <class T, class D>
 using SobelKernel = void (*)(const WindowJob<T, D>&, const SobelWeights<D>&);
 
-template <class T, class D>
+template <class T>
 struct SobelKernelsOf {
-  SobelKernel<T, D> of[3][2][2];  // [aperture 3, 5, 7][x order is odd][y order is odd]
+  SobelKernel<T, FilterResult<T>> of[3][2]
+                                    [2];  // [aperture 3, 5, 7][x order is odd][y order is odd]
 };
 
-struct SobelKernels {
-  SobelKernelsOf<uint8_t, int16_t> u8;
-  SobelKernelsOf<int8_t, int16_t> s8;
-  SobelKernelsOf<float, float> f32;
-};
+using SobelKernels = ByType<SobelKernelsOf, uint8_t, int8_t, float>;
 
 NUQI_KERNEL_TABLES(SobelKernels, sobel_kernels)
 

@@ -90,8 +90,8 @@ void sobel(const WindowJob<T, V>& job, const SobelWeights<V>& weights) {
       });
 }
 
-template <class T, class V>
-constexpr SobelKernelsOf<T, V> kKernels = {{
+template <class T, class V = FilterResult<T>>
+constexpr SobelKernelsOf<T> kKernels = {{
     {{sobel<1, false, false, T, V>, sobel<1, false, true, T, V>},
      {sobel<1, true, false, T, V>, sobel<1, true, true, T, V>}},
     {{sobel<2, false, false, T, V>, sobel<2, false, true, T, V>},
@@ -102,7 +102,6 @@ constexpr SobelKernelsOf<T, V> kKernels = {{
 
 }  // namespace
 
-const SobelKernels sobel_kernels = {kKernels<uint8_t, int16_t>, kKernels<int8_t, int16_t>,
-                                    kKernels<float, float>};
+const SobelKernels sobel_kernels = {kKernels<uint8_t>, kKernels<int8_t>, kKernels<float>};
 
 }  // namespace nuqi::NUQI_ISA

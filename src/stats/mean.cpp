@@ -1,6 +1,8 @@
 // Means and deviations: nuqiMean, nuqiMean_StdDev.
 #include "stats/mean.h"
 
+#include <type_traits>
+
 #include "core/square_root.h"
 #include "core/validate.h"
 
@@ -8,11 +10,6 @@ namespace nuqi {
 namespace {
 
 constexpr bool kMasked = true;
-
-// Where mean_kernels() keeps the kernels of one source type.
-const auto& kernels_of(const uint8_t*) { return mean_kernels().u8; }
-const auto& kernels_of(const int8_t*) { return mean_kernels().s8; }
-const auto& kernels_of(const float*) { return mean_kernels().f32; }
 
 template <int channels, class T>
 StatusCode mean_of(MeanJob<T> job, int32_t coi, double* mean) {
@@ -30,7 +27,7 @@ StatusCode mean_of(MeanJob<T> job, int32_t coi, double* mean) {
   ContiguousCollapse(roi, tight(src, roi.width, channels) && tight(mask, roi.width));
   src.data += coi - 1;
   MeanSums sums;
-  kernels_of(src.data).mean[channels == 3](job, sums);
+  mean_kernels().of_type<T>().mean[channels == 3](job, sums);
   *mean = sums.count == 0 ? 0.0 : sums.sum / sums.count;
   return StatusOk;
 }
@@ -54,10 +51,10 @@ StatusCode deviation_of(MeanJob<T> job, int32_t coi, double* mean, double* devia
   sums.count =
       static_cast<int32_t>(static_cast<uint32_t>(roi.width) * static_cast<uint32_t>(roi.height));
   // Floats keep their rows: the column decides which partial sum a pixel belongs to.
-  if (sizeof(T) == 1)
+  if (!std::is_same_v<T, float>)
     ContiguousCollapse(roi, tight(src, roi.width, channels) && (!masked || tight(mask, roi.width)));
   src.data += coi - 1;
-  kernels_of(src.data).deviation[channels == 3][masked](job, sums);
+  mean_kernels().of_type<T>().deviation[channels == 3][masked](job, sums);
   const double share = sums.count == 0 ? 0.0 : 1.0 / sums.count;
   *mean = sums.sum * share;
   *deviation =

@@ -1,6 +1,7 @@
 // What the entries of the means and deviations hand to their kernels, and what they get back.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/image.h"
 #include "core/isa.h"
 
@@ -25,11 +26,7 @@ struct MeanKernelsOf {
   Kernel deviation[2][2];  // [of three channels][masked]
 };
 
-struct MeanKernels {
-  MeanKernelsOf<uint8_t> u8;
-  MeanKernelsOf<int8_t> s8;
-  MeanKernelsOf<float> f32;
-};
+using MeanKernels = ByType<MeanKernelsOf, uint8_t, int8_t, float>;
 
 NUQI_KERNEL_TABLES(MeanKernels, mean_kernels)
 

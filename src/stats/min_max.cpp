@@ -8,11 +8,6 @@ namespace {
 
 constexpr bool kMasked = true;
 
-// Where min_max_kernels() keeps the kernels of one element type.
-const auto& kernels_of(const uint8_t*) { return min_max_kernels().u8; }
-const auto& kernels_of(const int8_t*) { return min_max_kernels().s8; }
-const auto& kernels_of(const float*) { return min_max_kernels().f32; }
-
 // Any of them may be null.
 struct MinMaxResults {
   float *min, *max;
@@ -44,7 +39,7 @@ StatusCode find(MinMaxJob<T> job, int32_t coi, const MinMaxResults& results) {
   if (!empty(roi)) {
     ContiguousCollapse(roi, tight(src, width, channels) && (!masked || tight(mask, width)));
     src.data += coi - 1;
-    found = kernels_of(src.data).of[channels == 3][masked](job);
+    found = min_max_kernels().of_type<T>().of[channels == 3][masked](job);
   }
   // Deliberate: where one of the two was not found, neither counts.
   const bool none = found.min_at < 0 || found.max_at < 0;

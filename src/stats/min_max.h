@@ -1,6 +1,7 @@
 // What the entries of the extrema hand to their kernels, and what they get back.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/image.h"
 #include "core/isa.h"
 
@@ -25,11 +26,7 @@ struct MinMaxKernelsOf {
   MinMax<T> (*of[2][2])(const MinMaxJob<T>&);  // [three channels][masked]
 };
 
-struct MinMaxKernels {
-  MinMaxKernelsOf<uint8_t> u8;
-  MinMaxKernelsOf<int8_t> s8;
-  MinMaxKernelsOf<float> f32;
-};
+using MinMaxKernels = ByType<MinMaxKernelsOf, uint8_t, int8_t, float>;
 
 NUQI_KERNEL_TABLES(MinMaxKernels, min_max_kernels)
 

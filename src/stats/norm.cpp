@@ -9,11 +9,6 @@
 namespace nuqi {
 namespace {
 
-// Where norm_kernels() keeps the kernels of one element type.
-const auto& kernels_of(const uint8_t*) { return norm_kernels().u8; }
-const auto& kernels_of(const int8_t*) { return norm_kernels().s8; }
-const auto& kernels_of(const float*) { return norm_kernels().f32; }
-
 // A zero denominator is read as 2^-52, the smallest relative step of a double.
 double relative(const NormTotals& totals) {
   return totals.of_second != 0 ? totals.of_image / totals.of_second : totals.of_image * 0x1p52;
@@ -26,7 +21,7 @@ constexpr bool kRowByRow = std::is_same_v<T, uint8_t>&& channels == 3 && (of == 
 
 template <NormOf of, Norm norm, int channels, class T>
 StatusCode measure(NormJob<T> job, int32_t coi, double* result) {
-  constexpr bool two = of != NormOf::image, floats = sizeof(T) == 4;
+  constexpr bool two = of != NormOf::image, floats = std::is_same_v<T, float>;
   auto& [src, src2, mask, roi] = job;
   const int32_t width = roi.width;
 
@@ -49,7 +44,7 @@ StatusCode measure(NormJob<T> job, int32_t coi, double* result) {
                               (!two || tight(src2, width, channels)));
   src.data += coi - 1;
   if (two) src2.data += coi - 1;
-  const auto& kernels = kernels_of(src.data);
+  const auto& kernels = norm_kernels().of_type<T>();
   const NormTotals totals =
       kernels.of[static_cast<int>(of)][static_cast<int>(norm)][channels == 3](job);
   const double value = of == NormOf::relative ? relative(totals) : totals.of_image;

@@ -1,6 +1,7 @@
 // What the entries of the norm family hand to its kernels.
 #pragma once
 
+#include "core/by_type.h"
 #include "core/image.h"
 #include "core/isa.h"
 
@@ -28,11 +29,7 @@ struct NormKernelsOf {
   NormTotals (*of[3][3][2])(const NormJob<T>&);  // [NormOf][Norm][three channels]
 };
 
-struct NormKernels {
-  NormKernelsOf<uint8_t> u8;
-  NormKernelsOf<int8_t> s8;
-  NormKernelsOf<float> f32;
-};
+using NormKernels = ByType<NormKernelsOf, uint8_t, int8_t, float>;
 
 NUQI_KERNEL_TABLES(NormKernels, norm_kernels)
 
