@@ -1,6 +1,6 @@
-# The instruction-set levels that kernels are compiled for: NUQI_LEVEL_NAMES, and their flags in
-# NUQI_FLAGS_<name>. The first is the baseline.
-set(NUQI_LEVEL_NAMES base)
+# The instruction-set levels that kernels are compiled for, lowest first (`enum Isa` has the same order),
+# and their flags. The first is the target's baseline, the others are x86's.
+set(NUQI_LEVEL_NAMES base avx2 avx512)
 set(NUQI_FLAGS_base "")
 # Tuned for real processors: for its generic one, GCC 12 loads a register again for every further use.
 set(NUQI_FLAGS_avx2 -mavx2 -mtune=skylake)
@@ -9,16 +9,22 @@ set(NUQI_FLAGS_avx2 -mavx2 -mtune=skylake)
 set(NUQI_FLAGS_avx512 -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi -mavx512vnni
   -mtune=icelake-server -mprefer-vector-width=512)
 
-set(NUQI_X86_32 OFF)
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$")
-  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-    set(NUQI_X86_32 ON)
-  endif()
-  if(NOT NUQI_PLAIN AND NUQI_MAX_LEVEL MATCHES "^avx")
-    list(APPEND NUQI_LEVEL_NAMES avx2)
-  endif()
-  if(NOT NUQI_PLAIN AND NUQI_MAX_LEVEL STREQUAL avx512)
-    list(APPEND NUQI_LEVEL_NAMES avx512)
-  endif()
+set(NUQI_MAX_LEVEL avx512 CACHE STRING "The highest level to build")
+set_property(CACHE NUQI_MAX_LEVEL PROPERTY STRINGS ${NUQI_LEVEL_NAMES})
+
+# NUQI_LEVEL_NAMES keeps those that this build holds; NUQI_LEVELS counts them.
+list(FIND NUQI_LEVEL_NAMES "${NUQI_MAX_LEVEL}" NUQI_LEVELS)
+if(NUQI_LEVELS EQUAL -1)
+  message(FATAL_ERROR "NUQI_MAX_LEVEL is none of ${NUQI_LEVEL_NAMES}: ${NUQI_MAX_LEVEL}")
 endif()
-list(LENGTH NUQI_LEVEL_NAMES NUQI_LEVELS)
+set(NUQI_X86_32 OFF)
+if(NOT CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$")
+  set(NUQI_LEVELS 0)
+elseif(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  set(NUQI_X86_32 ON)
+endif()
+if(NUQI_PLAIN)
+  set(NUQI_LEVELS 0)
+endif()
+math(EXPR NUQI_LEVELS "${NUQI_LEVELS} + 1")
+list(SUBLIST NUQI_LEVEL_NAMES 0 ${NUQI_LEVELS} NUQI_LEVEL_NAMES)

@@ -8,10 +8,11 @@ fail() { echo "$*" >&2; exit 1; }
 kernels=0
 for object in "$objects"/nuqi_kernels_*.dir/*/*_kernels.cpp.o; do
   kernels=$((kernels + 1))
+  level=${object#*nuqi_kernels_} level=${level%%.dir/*}
   # A weak function may be linked into code for older machines; so may any shared name.
   weak=$(nm -C "$object" | grep -E ' [WVu] ' || true)
   [ -z "$weak" ] || fail "$object holds weak symbols:" "$weak"
-  other=$(nm -C --defined-only --extern-only "$object" | grep -vE ' [DR] nuqi::(base|avx2|avx512)::[a-z0-9_]+_kernels$' || true)
+  other=$(nm -C --defined-only --extern-only "$object" | grep -vE ' [DR] nuqi::'"$level"'::[a-z0-9_]+_kernels$' || true)
   [ -z "$other" ] || fail "$object defines more than its table:" "$other"
 done
 [ "$kernels" -gt 0 ] || fail "no kernel objects in $objects"

@@ -24,7 +24,7 @@ const std::vector<Function> kFunctions = {
 void print_levels() {
   std::printf("instruction set  %s\n", nuqi::name_of(nuqi::isa()));
   std::printf("available       ");
-  for (const nuqi::Isa level : {nuqi::Isa::base, nuqi::Isa::avx2, nuqi::Isa::avx512}) {
+  for (const nuqi::Isa level : nuqi::kEveryIsa) {
     if (level <= nuqi::best_isa()) std::printf(" %s", nuqi::name_of(level));
   }
   std::printf("\n");

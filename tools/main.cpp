@@ -29,7 +29,7 @@ constexpr char kFooter[] =
     "cannot be written, 1 any other failure. `nuqi COMMAND --help` explains a command.\n";
 
 void force_isa_named(const std::string& name) {
-  for (const nuqi::Isa level : {nuqi::Isa::base, nuqi::Isa::avx2, nuqi::Isa::avx512}) {
+  for (const nuqi::Isa level : nuqi::kEveryIsa) {
     if (level > nuqi::best_isa() || name != nuqi::name_of(level)) continue;
     nuqi::force_isa(level);
     return;

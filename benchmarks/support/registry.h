@@ -41,7 +41,7 @@ void register_loop(const std::string& name, RoiSize roi, Make make) {
 // The function itself, on every level that this machine has: make(images) returns the call.
 template <class Make>
 void register_function(const std::string& function, RoiSize roi, Make make) {
-  for (Isa level : {Isa::base, Isa::avx2, Isa::avx512}) {
+  for (Isa level : kEveryIsa) {
     if (level > best_isa()) continue;
     register_loop(bench_name(function, name_of(level), roi), roi, [make, level](const Images& im) {
       force_isa(level);

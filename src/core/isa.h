@@ -5,7 +5,9 @@
 
 namespace nuqi {
 
+// The levels, lowest first: cmake/levels.cmake holds their flags in the same order.
 enum class Isa : uint8_t { base = 1, avx2, avx512 };
+constexpr Isa kEveryIsa[] = {Isa::base, Isa::avx2, Isa::avx512};
 
 // The best level that this build holds and this machine runs.
 Isa best_isa();
@@ -22,39 +24,25 @@ const char* name_of(Isa level);
 
 }  // namespace nuqi
 
-// A family's kernel table exists once per level. NUQI_KERNEL_TABLES(Table, name) declares them all,
-// and `name()`, which gives the one for the level in use. NUQI_LEVELS is set by the build.
-#if NUQI_LEVELS >= 3
-#define NUQI_KERNEL_TABLES(Table, name)      \
-  namespace base {                           \
-  extern const Table name;                   \
-  }                                          \
-  namespace avx2 {                           \
-  extern const Table name;                   \
-  }                                          \
-  namespace avx512 {                         \
-  extern const Table name;                   \
-  }                                          \
-  inline const Table& name() {               \
-    switch (isa()) {                         \
-      case Isa::avx512: return avx512::name; \
-      case Isa::avx2: return avx2::name;     \
-      default: return base::name;            \
-    }                                        \
+// A family's kernel table exists once per level that is built: the first NUQI_LEVELS of them, which the
+// build sets. NUQI_KERNEL_TABLES(Table, name) declares the tables, and `name()`, which gives the one for
+// the level in use. The names of levels that are not built stand in discarded branches alone, so that
+// nothing needs their definitions.
+#define NUQI_KERNEL_TABLES(Table, name)                    \
+  namespace base {                                         \
+  extern const Table name;                                 \
+  }                                                        \
+  namespace avx2 {                                         \
+  extern const Table name;                                 \
+  }                                                        \
+  namespace avx512 {                                       \
+  extern const Table name;                                 \
+  }                                                        \
+  inline const Table& name() {                             \
+    const Isa level = NUQI_LEVELS > 1 ? isa() : Isa::base; \
+    if constexpr (NUQI_LEVELS >= 3)                        \
+      if (level == Isa::avx512) return avx512::name;       \
+    if constexpr (NUQI_LEVELS >= 2)                        \
+      if (level == Isa::avx2) return avx2::name;           \
+    return base::name;                                     \
   }
-#elif NUQI_LEVELS == 2
-#define NUQI_KERNEL_TABLES(Table, name) \
-  namespace base {                      \
-  extern const Table name;              \
-  }                                     \
-  namespace avx2 {                      \
-  extern const Table name;              \
-  }                                     \
-  inline const Table& name() { return isa() == Isa::avx2 ? avx2::name : base::name; }
-#else
-#define NUQI_KERNEL_TABLES(Table, name) \
-  namespace base {                      \
-  extern const Table name;              \
-  }                                     \
-  inline const Table& name() { return base::name; }
-#endif

@@ -19,9 +19,7 @@ class EveryIsa : public testing::TestWithParam<Isa> {
 
 inline std::string isa_name(const testing::TestParamInfo<Isa>& info) { return name_of(info.param); }
 
-inline const auto kEveryIsa = testing::Values(Isa::base, Isa::avx2, Isa::avx512);
-
 }  // namespace nuqi::test
 
 #define NUQI_FOR_EVERY_ISA(Suite) \
-  INSTANTIATE_TEST_SUITE_P(, Suite, nuqi::test::kEveryIsa, nuqi::test::isa_name)
+  INSTANTIATE_TEST_SUITE_P(, Suite, testing::ValuesIn(nuqi::kEveryIsa), nuqi::test::isa_name)
