@@ -14,11 +14,6 @@ double relative(const NormTotals& totals) {
   return totals.of_second != 0 ? totals.of_image / totals.of_second : totals.of_image * 0x1p52;
 }
 
-// Deliberate: nuqiNorm_L1_8u_C3CMR never takes back-to-back rows for one.
-template <NormOf of, Norm norm, int channels, class T>
-constexpr bool kRowByRow = std::is_same_v<T, uint8_t>&& channels == 3 && (of == NormOf::image) &&
-                           (norm == Norm::l1);
-
 template <NormOf of, Norm norm, int channels, class T>
 StatusCode measure(NormJob<T> job, int32_t coi, double* result) {
   constexpr bool two = of != NormOf::image, floats = std::is_same_v<T, float>;
@@ -39,8 +34,7 @@ StatusCode measure(NormJob<T> job, int32_t coi, double* result) {
 
   // Where sums of floats are concerned a pixel's lane is its column mod 16 in its own row.
   const bool lanes_stay = !floats || norm == Norm::inf || width % 16 == 0;
-  ContiguousCollapse(roi, !kRowByRow<of, norm, channels, T> && lanes_stay &&
-                              tight(src, width, channels) && tight(mask, width) &&
+  ContiguousCollapse(roi, lanes_stay && tight(src, width, channels) && tight(mask, width) &&
                               (!two || tight(src2, width, channels)));
   src.data += coi - 1;
   if (two) src2.data += coi - 1;
