@@ -1,7 +1,6 @@
 // Benchmarks of the absolute-difference family.
 #include "arith/abs_diff_members.h"
 #include "arith/abs_diff_plain.h"
-#include "families.h"
 #include "support/registry.h"
 
 namespace nuqi::bench {
@@ -16,8 +15,6 @@ AbsDiffArgs<T> args_of(const Images& im) {
   T* dst = reinterpret_cast<T*>(im.out.get());
   return {im.source<T>(), step, im.second<T>(), step, dst, step, im.roi, 100};
 }
-
-}  // namespace
 
 void register_abs_diff() {
   test::for_each_abs_diff([]<class T>(const AbsDiffMember<T>& member) {
@@ -39,4 +36,7 @@ void register_abs_diff() {
   });
 }
 
+const Family abs_diff(register_abs_diff);
+
+}  // namespace
 }  // namespace nuqi::bench

@@ -1,7 +1,6 @@
 // Benchmarks of the accumulation family.
 #include "arith/accumulate_members.h"
 #include "arith/accumulate_plain.h"
-#include "families.h"
 #include "support/registers.h"
 #include "support/registry.h"
 
@@ -83,8 +82,6 @@ void register_bound_of(const AccumulateMember<T>& member, RoiSize roi) {
   }
 }
 
-}  // namespace
-
 void register_accumulate() {
   test::for_each_accumulate([]<class T>(const AccumulateMember<T>& member) {
     for (RoiSize roi : kSizes) {
@@ -104,4 +101,7 @@ void register_accumulate() {
   });
 }
 
+const Family accumulate(register_accumulate);
+
+}  // namespace
 }  // namespace nuqi::bench

@@ -3,7 +3,6 @@
 
 #include "arith/copy_members.h"
 #include "arith/copy_plain.h"
-#include "families.h"
 #include "support/registry.h"
 
 namespace nuqi::bench {
@@ -58,8 +57,6 @@ void register_member(const CopyMember<T>& member, RoiSize roi) {
   register_way<T, channels, CopyWay::to_one_plane>(one, member.call, roi);
 }
 
-}  // namespace
-
 void register_copy() {
   test::for_each_copy([]<class T>(const CopyMember<T>& member) {
     for (RoiSize roi : kSizes)
@@ -68,4 +65,7 @@ void register_copy() {
   });
 }
 
+const Family copy(register_copy);
+
+}  // namespace
 }  // namespace nuqi::bench

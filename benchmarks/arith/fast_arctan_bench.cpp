@@ -1,6 +1,5 @@
 // Benchmarks of the fast arctangent, on as many vectors as a picture has pixels.
 #include "arith/fast_arctan_plain.h"
-#include "families.h"
 #include "support/registers.h"
 #include "support/registry.h"
 
@@ -19,8 +18,6 @@ void divisions(int64_t vectors) {
     opaque(t);
   }
 }
-
-}  // namespace
 
 void register_fast_arctan() {
   const char* name = "nuqibFastArctan_32f";
@@ -43,4 +40,7 @@ void register_fast_arctan() {
   }
 }
 
+const Family fast_arctan(register_fast_arctan);
+
+}  // namespace
 }  // namespace nuqi::bench

@@ -1,6 +1,5 @@
 // Benchmarks of the motion history; ":negative" is one with a negative threshold.
 #include "arith/motion_history_plain.h"
-#include "families.h"
 #include "support/registry.h"
 
 namespace nuqi::bench {
@@ -22,8 +21,6 @@ void register_times(const std::string& name, RoiSize roi, float timestamp, float
 #endif
 }
 
-}  // namespace
-
 void register_motion_history() {
   for (RoiSize roi : kSizes) {
     register_times("nuqiUpdateMotionHistory_8u32f_C1IR", roi, 1.5f, 1.0f);
@@ -31,4 +28,7 @@ void register_motion_history() {
   }
 }
 
+const Family motion_history(register_motion_history);
+
+}  // namespace
 }  // namespace nuqi::bench

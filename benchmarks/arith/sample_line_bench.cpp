@@ -6,7 +6,6 @@
 #include "arith/sample_line_members.h"
 #include "arith/sample_line_plain.h"
 #include "arith/sample_line_reference.h"
-#include "families.h"
 #include "support/registry.h"
 
 namespace nuqi::bench {
@@ -51,8 +50,6 @@ void register_member(const SampleLineMember<T>& member, RoiSize roi) {
 #endif
 }
 
-}  // namespace
-
 void register_sample_line() {
   test::for_each_sample_line([]<class T>(const SampleLineMember<T>& member) {
     for (RoiSize roi : kSizes)
@@ -61,4 +58,7 @@ void register_sample_line() {
   });
 }
 
+const Family sample_line(register_sample_line);
+
+}  // namespace
 }  // namespace nuqi::bench

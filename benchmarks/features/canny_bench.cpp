@@ -1,5 +1,4 @@
 // Benchmarks of Canny.
-#include "families.h"
 #include "features/canny_members.h"
 #include "features/canny_plain.h"
 #include "features/canny_scene.h"
@@ -19,8 +18,6 @@ auto run(void (*call)(const test::CannyArgs&)) {
   return [=](const Images& im) { return [call, args = args_of(im)] { call(args); }; };
 }
 
-}  // namespace
-
 void register_canny() {
   const char* const name = "nuqiCanny_16s8u_C1R";
   for (RoiSize roi : kSizes) {
@@ -33,4 +30,7 @@ void register_canny() {
   }
 }
 
+const Family canny(register_canny);
+
+}  // namespace
 }  // namespace nuqi::bench

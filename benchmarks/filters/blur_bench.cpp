@@ -1,5 +1,4 @@
 // Benchmarks of the box blurs.
-#include "families.h"
 #include "filters/blur_members.h"
 #include "filters/stripe_bench.h"
 #include "support/registers.h"
@@ -24,8 +23,6 @@ void running_sums(int64_t pixels) {
   }
 }
 
-}  // namespace
-
 void register_blur() {
   test::for_each_blur([]<class T, class D>(const test::StripeMember<T, D>& member) {
     const auto new_state = [](int32_t width, int32_t type, int32_t size) {
@@ -42,4 +39,7 @@ void register_blur() {
   });
 }
 
+const Family blur(register_blur);
+
+}  // namespace
 }  // namespace nuqi::bench

@@ -1,5 +1,4 @@
 // Benchmarks of the fixed 3x3 derivatives.
-#include "families.h"
 #include "filters/derivative3x3_members.h"
 #include "filters/derivative3x3_plain.h"
 #include "support/registers.h"
@@ -71,8 +70,6 @@ void register_bound_of(const DerivativeMember<T>& member, RoiSize roi) {
   }
 }
 
-}  // namespace
-
 void register_derivative3x3() {
   test::for_each_derivative([]<class T>(const DerivativeMember<T>& member) {
     for (RoiSize roi : kSizes) {
@@ -91,4 +88,7 @@ void register_derivative3x3() {
   });
 }
 
+const Family derivative3x3(register_derivative3x3);
+
+}  // namespace
 }  // namespace nuqi::bench

@@ -1,9 +1,9 @@
 // Benchmarks of the Laplace filters.
-#include "families.h"
 #include "filters/laplace_members.h"
 #include "filters/stripe_bench.h"
 
 namespace nuqi::bench {
+namespace {
 
 void register_laplace() {
   test::for_each_laplace([]<class T, class D>(const test::StripeMember<T, D>& member) {
@@ -16,4 +16,7 @@ void register_laplace() {
   });
 }
 
+const Family laplace(register_laplace);
+
+}  // namespace
 }  // namespace nuqi::bench

@@ -1,9 +1,9 @@
 // Benchmarks of the Sobel filters.
-#include "families.h"
 #include "filters/sobel_members.h"
 #include "filters/stripe_bench.h"
 
 namespace nuqi::bench {
+namespace {
 
 void register_sobel() {
   test::for_each_sobel([]<class T, class D>(const test::StripeMember<T, D>& member) {
@@ -16,4 +16,7 @@ void register_sobel() {
   });
 }
 
+const Family sobel(register_sobel);
+
+}  // namespace
 }  // namespace nuqi::bench

@@ -1,7 +1,6 @@
 // Benchmarks of the histograms: on noise, and ":constant" on a picture of one value.
 #include <vector>
 
-#include "families.h"
 #include "stats/histogram_plain.h"
 #include "support/registry.h"
 
@@ -95,8 +94,6 @@ void register_total(const std::string& name, RoiSize roi) {
 #endif
 }
 
-}  // namespace
-
 void register_histogram() {
   for (RoiSize roi : kSizes) {
     register_hist("nuqiCalcHist_8u_C1R", roi, false);
@@ -107,4 +104,7 @@ void register_histogram() {
   }
 }
 
+const Family histogram(register_histogram);
+
+}  // namespace
 }  // namespace nuqi::bench

@@ -1,5 +1,4 @@
 // Benchmarks of the means and deviations.
-#include "families.h"
 #include "stats/mean_members.h"
 #include "stats/mean_plain.h"
 #include "support/registers.h"
@@ -84,8 +83,6 @@ void register_bound_of(const MeanMember<float>& member, RoiSize roi) {
   });
 }
 
-}  // namespace
-
 void register_mean() {
   test::for_each_mean([]<class T>(const MeanMember<T>& member) {
     for (RoiSize roi : kSizes) {
@@ -106,4 +103,7 @@ void register_mean() {
   });
 }
 
+const Family mean(register_mean);
+
+}  // namespace
 }  // namespace nuqi::bench

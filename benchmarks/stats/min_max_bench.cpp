@@ -4,7 +4,6 @@
 #include <string>
 #include <utility>
 
-#include "families.h"
 #include "stats/min_max_members.h"
 #include "stats/min_max_plain.h"
 #include "support/registry.h"
@@ -93,8 +92,6 @@ void register_one(const MinMaxMember<T>& member, const std::string& name, Pictur
   }
 }
 
-}  // namespace
-
 void register_min_max() {
   test::for_each_min_max([]<class T>(const MinMaxMember<T>& member) {
     register_one(member, member.name, Picture::inner);
@@ -106,4 +103,7 @@ void register_min_max() {
   });
 }
 
+const Family min_max(register_min_max);
+
+}  // namespace
 }  // namespace nuqi::bench

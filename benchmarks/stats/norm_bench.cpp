@@ -1,5 +1,4 @@
 // Benchmarks of the norm family.
-#include "families.h"
 #include "stats/norm_members.h"
 #include "stats/norm_plain.h"
 #include "support/registers.h"
@@ -93,8 +92,6 @@ void register_bound_of(const NormMember<T>& member, RoiSize roi) {
   }
 }
 
-}  // namespace
-
 void register_norm() {
   test::for_each_norm([]<class T>(const NormMember<T>& member) {
     for (RoiSize roi : kSizes) {
@@ -119,4 +116,7 @@ void register_norm() {
   });
 }
 
+const Family norm(register_norm);
+
+}  // namespace
 }  // namespace nuqi::bench

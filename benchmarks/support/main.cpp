@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "families.h"
 #include "support/registry.h"
 
 namespace nuqi::bench {
@@ -95,7 +94,6 @@ void print_summary(Collector& collector) {
 }  // namespace nuqi::bench
 
 int main(int argc, char** argv) {
-  nuqi::bench::register_all();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   nuqi::bench::Collector collector;

@@ -12,6 +12,11 @@
 
 namespace nuqi::bench {
 
+// Registers a family's benchmarks: one constant of this type stands in each *_bench.cpp.
+struct Family {
+  explicit Family(void (*register_all)()) { register_all(); }
+};
+
 // A name that ends in what the summary needs: function/variant/WIDTHxHEIGHT.
 inline std::string bench_name(const std::string& function, const std::string& variant,
                               RoiSize roi) {

@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "arith/accumulate_members.h"
-#include "library/same_bits.h"
 #include "support/comparison.h"
 #include "support/every_isa.h"
 #include "support/values.h"
@@ -162,9 +161,8 @@ TEST_P(Accumulate, UnselectedPixelsAreWrittenToo) {
   EXPECT_EQ(weighted[2], 9.0f);
 }
 
-}  // namespace
-
-void hash_accumulate(Hash& hash) {
+TEST_P(Accumulate, GivesTheSameBitsEverywhere) {
+  Hash hash;
   for_each_accumulate([&]<class T>(const AccumulateMember<T>& member) {
     for (int width : {1, 7, 16, 37, 130}) {
       Fixture<T> fixture({width, 5}, width % 3, Wall::after, width);
@@ -172,6 +170,8 @@ void hash_accumulate(Hash& hash) {
       hash.add(fixture.acc.pixels());
     }
   });
+  EXPECT_TRUE(same_hash(0x6CF2B18A7F966E37, hash));
 }
 
+}  // namespace
 }  // namespace nuqi::test

@@ -5,7 +5,6 @@
 
 #include "arith/sample_line_members.h"
 #include "arith/sample_line_reference.h"
-#include "library/same_bits.h"
 #include "support/comparison.h"
 #include "support/values.h"
 #include "support/walls.h"
@@ -134,9 +133,8 @@ TEST(SampleLineStatus, FirstFailureWinsAndNothingIsWritten) {
   });
 }
 
-}  // namespace
-
-void hash_sample_line(Hash& hash) {
+TEST(SampleLine, GivesTheSameBitsEverywhere) {
+  Hash hash;
   for_each_sample_line([&]<class T>(const SampleLineMember<T>& member) {
     Fixture<T> fixture(member.channels, {40, 30}, 1, Wall::after);
     for (PixelPoint end :
@@ -147,6 +145,8 @@ void hash_sample_line(Hash& hash) {
       hash.add(samples);
     }
   });
+  EXPECT_TRUE(same_hash(0x722E714D4FECD9C9, hash));
 }
 
+}  // namespace
 }  // namespace nuqi::test

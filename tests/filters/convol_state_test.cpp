@@ -7,7 +7,6 @@
 
 #include "filters/sobel_reference.h"
 #include "filters/stripe_members.h"
-#include "library/same_bits.h"
 #include "support/heap.h"
 
 namespace nuqi::test {

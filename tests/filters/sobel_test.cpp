@@ -6,7 +6,6 @@
 #include "filters/sobel_members.h"
 #include "filters/sobel_reference.h"
 #include "filters/stripe_support.h"
-#include "library/same_bits.h"
 #include "support/every_isa.h"
 
 namespace nuqi::test {
@@ -109,15 +108,16 @@ TEST_P(Sobel, TakesStatesThatHoldWhatItNeeds) {
   });
 }
 
-}  // namespace
-
-void hash_sobel(Hash& hash) {
+TEST_P(Sobel, GivesTheSameBitsEverywhere) {
+  Hash hash;
   for_each_sobel([&]<class T, class D>(const StripeMember<T, D>& member) {
     for (const SobelShape& shape : kShapes)
       for (RoiSize roi : {RoiSize{1, 9}, {7, 2}, {130, 20}})
         hash.add(whole(member, sobel_states(shape)(roi.width, data_type(T{})),
                        random_picture<T>(roi, 6u + roi.width)));
   });
+  EXPECT_TRUE(same_hash(0x9D997271001CB10D, hash));
 }
 
+}  // namespace
 }  // namespace nuqi::test

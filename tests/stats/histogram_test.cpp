@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "library/same_bits.h"
 #include "stats/histogram_reference.h"
 #include "support/comparison.h"
 #include "support/values.h"
@@ -182,9 +181,8 @@ TEST(ConvertHist, TestsTheTotalAndWritesNothing) {
   EXPECT_TRUE(dst[0] == 5 && dst[1] == 6 && dst[2] == 7);
 }
 
-}  // namespace
-
-void hash_histogram(Hash& hash) {
+TEST(Histogram, GivesTheSameBitsEverywhere) {
+  Hash hash;
   WalledImage<uint8_t> src({130, 6}, 3, Wall::after, 2);
   fill(src, 9);
   const uint8_t levels[6] = {0, 3, 90, 91, 200, 255};
@@ -196,6 +194,8 @@ void hash_histogram(Hash& hash) {
             StatusOk);
   hash.add(bins);
   hash.add(joint);
+  EXPECT_TRUE(same_hash(0xEEE350EF450C6C67, hash));
 }
 
+}  // namespace
 }  // namespace nuqi::test

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "library/same_bits.h"
 #include "stats/mean_members.h"
 #include "stats/mean_reference.h"
 #include "support/comparison.h"
@@ -256,9 +255,8 @@ TEST(MeanStatus, TheMeanOfAnEmptyRegionIsZero) {
   });
 }
 
-}  // namespace
-
-void hash_mean(Hash& hash) {
+TEST_P(Mean, GivesTheSameBitsEverywhere) {
+  Hash hash;
   for_each_mean([&]<class T>(const MeanMember<T>& member) {
     for (int width : {1, 7, 16, 37, 130, 700}) {
       Fixture<T> fixture(member, {width, 5}, width % 3, width % 2, Wall::after, 1 + width % 3,
@@ -267,6 +265,8 @@ void hash_mean(Hash& hash) {
       hash.add(std::vector<double>{fixture.mean, fixture.deviation});
     }
   });
+  EXPECT_TRUE(same_hash(0xB3AF99C3307273F9, hash));
 }
 
+}  // namespace
 }  // namespace nuqi::test

@@ -51,4 +51,12 @@ class Hash {
   uint64_t state_ = 0xCBF29CE484222325u;
 };
 
+// What a family's results over fixed inputs hash to: one constant for both compilers, every
+// instruction set, 32 bits and other processors. A change of it is a change of the library's results.
+inline testing::AssertionResult same_hash(uint64_t expected, const Hash& actual) {
+  if (actual.value() == expected) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "the results hash to 0x" << std::hex << std::uppercase
+                                     << actual.value() << ", not 0x" << expected;
+}
+
 }  // namespace nuqi::test
