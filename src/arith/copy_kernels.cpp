@@ -14,7 +14,7 @@ void split_pixels(const SplitJob<T>& job) {
     for (int k = 0; k < C; ++k) planes[k] = row_of(job.planes[k], y);
 
     for_blocks<Reg<T>::kLanes>(job.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
-      const auto out = split(load_pixels<C>(src + C * x, part));
+      const auto out = deinterleave(load_pixels<C>(src + C * x, part));
       for_each<4>([&](int k) NUQI_FORCED {
         if (k < C) store(planes[k] + x, out.v[k], part);
       });
@@ -28,7 +28,7 @@ void extract_channel(const SplitJob<T>& job) {
     const T* src = row_of(job.src, y);
     T* plane = row_of(job.planes[0], y);
     for_blocks<Reg<T>::kLanes>(job.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
-      store(plane + x, split(load_pixels<C>(src + C * x, part)).v[channel], part);
+      store(plane + x, deinterleave(load_pixels<C>(src + C * x, part)).v[channel], part);
     });
   }
 }
@@ -45,7 +45,7 @@ void join_planes(const JoinJob<T>& job) {
       for_each<4>([&](int k) NUQI_FORCED {
         if (k < C) in.v[k] = load<Reg<T>::kLanes>(planes[k] + x, part);
       });
-      store_pixels(dst + C * x, join(in), part);
+      store_pixels(dst + C * x, interleave(in), part);
     });
   }
 }

@@ -73,7 +73,7 @@ void suppress_row(const CannyJob& job, int32_t y, const Ring& ring) {
   for_row(job.roi.width, [&](int64_t x, auto part, int done) NUQI_FORCED {
     const int64_t first = x + done, end = first + kCells;
     const Cells m = load<kCells>(here + x);
-    if (bits_greater(m, Cells{}) != 0) {
+    if (bits_below(Cells{}, m) != 0) {
       const Cells sx = load<kCells>(dx_row + x, part), sy = load<kCells>(dy_row + x, part);
       const Cells dx = absolute(sx), dy = absolute(sy);
       // The largest integer below |dx| * 1697 / 4096. So |dy| * 4096 < |dx| * 1697 where |dy| does
@@ -86,8 +86,8 @@ void suppress_row(const CannyJob& job, int32_t y, const Ring& ring) {
       const Cells diagonal =
           select((sx ^ sy) < Cells{}, pair(above + 1, below - 1), pair(above - 1, below + 1));
       const Cells not_across = select(steep > bound, pair(above, below), diagonal);
-      const Cells beside = select(dy > bound, not_across, pair(here - 1, here + 1));
-      const uint64_t stays = bits_greater(m, beside), strong = bits_greater(m, high);
+      const Cells rival = select(dy > bound, not_across, pair(here - 1, here + 1));
+      const uint64_t stays = bits_below(rival, m), strong = bits_below(high, m);
       kept |= stays >> done << first % kCannyWordPixels;
       seeds |= (stays & strong) >> done << first % kCannyWordPixels;
     }
@@ -125,22 +125,22 @@ constexpr int kWords = Words::kLanes;
 
 NUQI_INLINE Words load_words(const CannyWord* from) { return load<kWords>((const uint64_t*)from); }
 
-NUQI_INLINE Words beside(const Words& pixels) { return pixels << 1 | pixels >> 1; }
+NUQI_INLINE Words left_and_right(const Words& pixels) { return pixels << 1 | pixels >> 1; }
 
-// A row's pixels and those beside them, in other words too.
+// A row's pixels and their left and right neighbours, across words too.
 NUQI_INLINE Words reach_of(const CannyWord* words) {
   const Words here = load_words(words);
-  return here | beside(here) | load_words(words - 1) >> 63 | load_words(words + 1) << 63;
+  return here | left_and_right(here) | load_words(words - 1) >> 63 | load_words(words + 1) << 63;
 }
 
 // Marks the open pixels that the edges of the same words and those `away` reach, and most that these
 // reach in turn: the whole run to the right, along which a carry travels, and three pixels to the
-// left. What lies beside in the same row is left for later: it has just been stored, and a load that
-// spans two stores waits for both.
+// left. What other words of the same row hold is left for later: it has just been stored, and a load
+// that spans two stores waits for both.
 NUQI_INLINE void pull(const CannyJob& job, int64_t i, int64_t away) {
   const Words open = load_words(job.open + i), edges = load_words(job.edges + i);
   const Words kept = open | edges;
-  const Words seeds = edges | (open & (beside(edges) | reach_of(job.edges + i + away)));
+  const Words seeds = edges | (open & (left_and_right(edges) | reach_of(job.edges + i + away)));
   Words runs = (((kept + seeds) ^ kept) | seeds) & kept;
   runs = runs | (runs >> 1 & kept);
   runs = runs | (runs >> 2 & kept & kept >> 1);
@@ -148,7 +148,7 @@ NUQI_INLINE void pull(const CannyJob& job, int64_t i, int64_t away) {
   store((uint64_t*)job.open + i, kept & ~runs);
 }
 
-// Marks the open pixels beside edges, and pushes their words.
+// Marks the open pixels next to edges, and pushes their words.
 NUQI_INLINE int64_t push(const CannyJob& job, int64_t i, int64_t count) {
   const Words found = load_words(job.open + i) &
                       (reach_of(job.edges + i - job.row_words) | reach_of(job.edges + i) |

@@ -77,7 +77,7 @@ NUQI_INLINE void along(SplitTile& tile, int row, int16_t* to, int32_t width) {
     };
     auto shared = at(1 - half);
     for_each<2 * half - 1>([&](int i) NUQI_FORCED { shared = shared + at(2 - half + i); });
-    const auto pairs = join(shared + at(-half), shared + at(half + 1));
+    const auto pairs = concat(shared + at(-half), shared + at(half + 1));
     store(to + x, in_order(zip_groups(pairs)), part);
   };
   for_split_blocks(tile, 0, width, block);

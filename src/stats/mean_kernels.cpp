@@ -67,8 +67,8 @@ void sum_floats(const MeanJob<float>& job, MeanSums& result) {
       sums = sums + v;
       squares = add_exact_square(squares, v);
     });
-    result.sum += fold(sums);
-    result.squares += fold(squares);
+    result.sum += reduce_add(sums);
+    result.squares += reduce_add(squares);
   }
   if (masked) result.count = static_cast<int32_t>(count.total());
 }

@@ -171,9 +171,9 @@ class Search {
   }
   // Takes over what the stretch brought.
   NUQI_INLINE void improve(const Stretch& stretch, Pair& seen) {
-    const Bits high = largest_lane(seen.high);
+    const Bits high = reduce_max(seen.high);
     if (!mixed_) {
-      const Bits low = smallest_lane(seen.low);
+      const Bits low = reduce_min(seen.low);
       if (!started_) {
         if (low > high) return;  // nothing has been selected yet
         started_ = true;
@@ -203,7 +203,7 @@ class Search {
   }
   NUQI_INLINE void take_magnitude(const Stretch& stretch, const Pair& seen) {
     if constexpr (kIsFloat<T>) {
-      const uint32_t low = largest_lane(as<uint32_t>(seen.low));
+      const uint32_t low = reduce_max(as<uint32_t>(seen.low));
       if (low > (uint32_t)low_.bits) low_ = {(Bits)low, stretch};
     }
   }

@@ -50,7 +50,7 @@ class Total {  // of bytes
       sums_.add(a, turn);
   }
   NUQI_INLINE double value() {
-    if constexpr (norm == Norm::inf) return largest_lane(largest_);
+    if constexpr (norm == Norm::inf) return reduce_max(largest_);
     sums_.collect();
     if constexpr (norm == Norm::l1) return (int32_t)sums_.sum();  // modulo 2^32
     return (double)sums_.squares_sum();
@@ -85,7 +85,7 @@ class Total<of, norm, channels, float> {
     for_each<kTurns>([&](int i) NUQI_FORCED {
       if (i > 0) all = norm == Norm::inf ? max(all, lanes_[i]) : all + lanes_[i];
     });
-    return norm == Norm::inf ? largest_lane(all) : fold(all);
+    return norm == Norm::inf ? reduce_max(all) : reduce_add(all);
   }
 
  private:
@@ -108,7 +108,8 @@ template <int N, int turns, class Body>
 NUQI_INLINE void for_row(int64_t width, const Body& body) {
   if constexpr (N == 8)
     for_blocks<16>(width, [&](int64_t x, auto part) NUQI_FORCED {
-      for_each<2>([&](int half) NUQI_FORCED { body(x + 8 * half, eight_of(part, half), half); });
+      for_each<2>([&](int half)
+                      NUQI_FORCED { body(x + 8 * half, part_from<8>(part, 8 * half), half); });
     });
   else
     for_blocks_in_turns<N, turns>(width, body);

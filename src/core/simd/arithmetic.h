@@ -36,7 +36,7 @@ NUQI_INLINE Vec<int16_t, N> multiply_high(const Vec<int16_t, N>& a, const Vec<in
   using V = Vec<int16_t, N>;
   return generate<V>([&](int i) NUQI_FORCED {
 #if defined(NUQI_PLAIN) || !defined(__SSE2__)
-    typedef int32_t Pairs __attribute__((vector_size(sizeof(typename V::Reg))));
+    typedef int32_t Pairs __attribute__((vector_size(sizeof(typename V::Native))));
     const Pairs x = (Pairs)a.r[i], y = (Pairs)b.r[i];
     const Pairs even = (x << 16 >> 16) * (y << 16 >> 16), odd = (x >> 16) * (y >> 16);
     return (even >> 16 & 0xFFFF) | (odd & ~0xFFFF);
@@ -97,9 +97,9 @@ template <int N>
 NUQI_INLINE Vec<uint8_t, N> abs(const Vec<int8_t, N>& a) {
   static_assert(Vec<int8_t, N>::kRegs == 1);
 #if NUQI_LEVEL == 2
-  return {{(typename Vec<uint8_t, N>::Reg)_mm512_abs_epi8((__m512i)a.r[0])}};
+  return {{(typename Vec<uint8_t, N>::Native)_mm512_abs_epi8((__m512i)a.r[0])}};
 #elif NUQI_LEVEL == 1
-  return {{(typename Vec<uint8_t, N>::Reg)_mm256_abs_epi8((__m256i)a.r[0])}};
+  return {{(typename Vec<uint8_t, N>::Native)_mm256_abs_epi8((__m256i)a.r[0])}};
 #else
   const auto bits = as<uint8_t>(a);
   return min(bits, Vec<uint8_t, N>{} - bits);
@@ -129,7 +129,7 @@ NUQI_INLINE Vec<int16_t, N / 2> multiply_pairs(const Vec<T, N>& a) {
 // sum + a * a, where the square is exact: then a fused operation is the same and saves one.
 NUQI_INLINE Px<float> add_exact_square(const Px<float>& sum, const Px<float>& a) {
 #if NUQI_LEVEL == 2
-  return {{(Px<float>::Reg)_mm512_fmadd_ps((__m512)a.r[0], (__m512)a.r[0], (__m512)sum.r[0])}};
+  return {{(Px<float>::Native)_mm512_fmadd_ps((__m512)a.r[0], (__m512)a.r[0], (__m512)sum.r[0])}};
 #else
   return sum + a * a;
 #endif

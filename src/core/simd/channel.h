@@ -43,8 +43,9 @@ NUQI_INLINE Vec<float, N> load_third(const float* from, Whole) {
 
 #else
 
-template <class Reg, int... I>
-NUQI_INLINE Reg every_third_float(const Reg& at0, const Reg& at15, const Reg& at30, Indices<I...>) {
+template <class Native, int... I>
+NUQI_INLINE Native every_third_float(const Native& at0, const Native& at15, const Native& at30,
+                                     Indices<I...>) {
   const auto first11 = __builtin_shufflevector(at0, at15,
                                                (I < 6    ? 3 * I
                                                 : I < 11 ? 3 * I - 15 + 16
@@ -67,20 +68,20 @@ NUQI_INLINE Vec<float, N> load_third(const float* from, Whole) {
 
 #if NUQI_LEVEL == 0
 
-template <class Reg, int... I>
-NUQI_INLINE Reg two_lanes_down(const Reg& a, Indices<I...>) {
-  return __builtin_shufflevector(a, Reg{}, (I + 2)...);
+template <class Native, int... I>
+NUQI_INLINE Native two_lanes_down(const Native& a, Indices<I...>) {
+  return __builtin_shufflevector(a, Native{}, (I + 2)...);
 }
 // In turns the lanes of one's lower and the other's upper half.
-template <class Reg, class Lanes>
-NUQI_INLINE Reg zip_low_high(const Reg& a, const Reg& b, Lanes lanes) {
+template <class Native, class Lanes>
+NUQI_INLINE Native zip_low_high(const Native& a, const Native& b, Lanes lanes) {
   typedef int64_t Halves __attribute__((vector_size(16)));
-  return zip_low(a, (Reg)__builtin_shufflevector((Halves)b, (Halves)b, 1, 0), lanes);
+  return zip_low(a, (Native)__builtin_shufflevector((Halves)b, (Halves)b, 1, 0), lanes);
 }
-template <class Reg, class Lanes>
-NUQI_INLINE Reg zip_high_low(const Reg& a, const Reg& b, Lanes lanes) {
+template <class Native, class Lanes>
+NUQI_INLINE Native zip_high_low(const Native& a, const Native& b, Lanes lanes) {
   typedef int64_t Halves __attribute__((vector_size(16)));
-  return zip_low((Reg)__builtin_shufflevector((Halves)a, (Halves)a, 1, 0), b, lanes);
+  return zip_low((Native)__builtin_shufflevector((Halves)a, (Halves)a, 1, 0), b, lanes);
 }
 
 // Zipping the two halves of 48 bytes takes byte p to 2 p mod 47, four times to 16 p: byte 3 i to i.
@@ -120,22 +121,23 @@ NUQI_INLINE __m256i every_third_byte(__m256i at0, __m256i at16, __m256i at30, In
 template <int N, class T>
 NUQI_INLINE Vec<T, N> load_third(const T* from, Whole) {
   static_assert(N == 32 && sizeof(T) == 1);
-  return {{(typename Vec<T, N>::Reg)every_third_byte(load_two(from), load_two(from + 16),
-                                                     load_two(from + 30), UpTo<32>::Type{})}};
+  return {{(typename Vec<T, N>::Native)every_third_byte(load_two(from), load_two(from + 16),
+                                                        load_two(from + 30), UpTo<32>::Type{})}};
 }
 
 #else
 
 // Of the windows' bytes, those of the second fit between those of the first.
-template <class Reg, int... I>
-NUQI_INLINE Reg every_third_byte(const Reg& at0, const Reg& at64, const Reg& at126, Indices<I...>) {
+template <class Native, int... I>
+NUQI_INLINE Native every_third_byte(const Native& at0, const Native& at64, const Native& at126,
+                                    Indices<I...>) {
   constexpr uint64_t kSecond = ((I % 3 == 2 && I < 60 ? uint64_t{1} << I : 0) | ...);
   constexpr uint64_t kLast22 = ~uint64_t{0} << 42;
   typedef char Bytes __attribute__((vector_size(64)));
   const Bytes of = {char((I < 42 ? 3 * I : 3 * I - 126 + 128) % 64)...};
   const __m512i both = _mm512_mask_mov_epi8((__m512i)at0, kSecond, (__m512i)at64);
   const __m512i first42 = _mm512_permutexvar_epi8((__m512i)of, both);
-  return (Reg)_mm512_mask_permutexvar_epi8(first42, kLast22, (__m512i)of, (__m512i)at126);
+  return (Native)_mm512_mask_permutexvar_epi8(first42, kLast22, (__m512i)of, (__m512i)at126);
 }
 template <int N, class T>
 NUQI_INLINE Vec<T, N> load_third(const T* from, Whole) {

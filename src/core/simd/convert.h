@@ -12,31 +12,31 @@ template <class T>
 constexpr bool kIsFloat = T(0.5) > T(0);
 
 // The lanes of two registers in turns: a0 b0 a1 b1 ... from their lower, or their upper, halves.
-template <class Reg, int... I>
-NUQI_INLINE Reg zip_low(const Reg& a, const Reg& b, Indices<I...>) {
+template <class Native, int... I>
+NUQI_INLINE Native zip_low(const Native& a, const Native& b, Indices<I...>) {
   constexpr int n = sizeof...(I);
   return __builtin_shufflevector(a, b, (I / 2 + I % 2 * n)...);
 }
-template <class Reg, int... I>
-NUQI_INLINE Reg zip_high(const Reg& a, const Reg& b, Indices<I...>) {
+template <class Native, int... I>
+NUQI_INLINE Native zip_high(const Native& a, const Native& b, Indices<I...>) {
   constexpr int n = sizeof...(I);
   return __builtin_shufflevector(a, b, (n / 2 + I / 2 + I % 2 * n)...);
 }
 
 // The lanes of two registers with an even number, which on little-endian machines hold the lower
 // halves of lanes of twice the size.
-template <class Reg, int... I>
-NUQI_INLINE Reg even_lanes(const Reg& a, const Reg& b, Indices<I...>) {
+template <class Native, int... I>
+NUQI_INLINE Native even_lanes(const Native& a, const Native& b, Indices<I...>) {
   return __builtin_shufflevector(a, b, (2 * I)...);
 }
 
 // Half a register: the lanes I of a.
-template <class Reg, int... I>
-NUQI_INLINE auto low_half(const Reg& a, Indices<I...>) {
+template <class Native, int... I>
+NUQI_INLINE auto low_half(const Native& a, Indices<I...>) {
   return __builtin_shufflevector(a, a, I...);
 }
-template <class Reg, int... I>
-NUQI_INLINE auto high_half(const Reg& a, Indices<I...>) {
+template <class Native, int... I>
+NUQI_INLINE auto high_half(const Native& a, Indices<I...>) {
   return __builtin_shufflevector(a, a, (int{sizeof...(I)} + I)...);
 }
 
@@ -45,7 +45,7 @@ template <class To, class From, int N>
 NUQI_INLINE Vec<To, N> widen(const Vec<From, N>& a) {
   using In = Vec<From, N>;
   using Out = Vec<To, N>;
-  using OutReg = typename Out::Reg;
+  using OutReg = typename Out::Native;
   using Lanes = typename UpTo<In::kLanesPerReg>::Type;
 #if NUQI_LEVEL > 0
   // GCC 12 makes four instructions of the conversion to 64 bytes.
@@ -81,7 +81,7 @@ NUQI_INLINE Vec<To, N> widen(const Vec<From, N>& a) {
   } else {
     return generate<Out>([&](int i) NUQI_FORCED {
       const auto& in = a.r[i / 2];
-      const typename In::Reg zero = {};
+      const typename In::Native zero = {};
       return (OutReg)(i % 2 == 0 ? zip_low(in, zero, Lanes{}) : zip_high(in, zero, Lanes{}));
     });
   }
@@ -92,8 +92,8 @@ template <class From>
 NUQI_INLINE Px<int32_t> widen_bytes(const Px<From>& a) {
 #if NUQI_LEVEL == 2
   const __m128i in = (__m128i)a.r[0];
-  return {
-      {(Px<int32_t>::Reg)(kIsSigned<From> ? _mm512_cvtepi8_epi32(in) : _mm512_cvtepu8_epi32(in))}};
+  return {{(Px<int32_t>::Native)(kIsSigned<From> ? _mm512_cvtepi8_epi32(in)
+                                                 : _mm512_cvtepu8_epi32(in))}};
 #elif NUQI_LEVEL == 1
   return generate<Px<int32_t>>([&](int i) NUQI_FORCED {
     const __m128i x = (__m128i)a.r[0];
@@ -113,7 +113,7 @@ NUQI_INLINE Vec<To, N> convert(const Vec<From, N>& a) {
     return widen<To>(a);
   } else if constexpr (kIsFloat<To> && sizeof(To) == sizeof(From) && !kIsFloat<From>) {
     return generate<Out>(
-        [&](int i) NUQI_FORCED { return __builtin_convertvector(a.r[i], typename Out::Reg); });
+        [&](int i) NUQI_FORCED { return __builtin_convertvector(a.r[i], typename Out::Native); });
   } else if constexpr (sizeof(To) == 4 && sizeof(From) == 1) {
     if constexpr (kIsFloat<To>)
       return convert<To>(widen_bytes(a));
@@ -130,7 +130,7 @@ template <class T, int N>
 NUQI_INLINE Vec<int16_t, N / 2> even_bytes(const Vec<T, N>& a) {
   using Out = Vec<int16_t, N / 2>;
   return generate<Out>([&](int i) NUQI_FORCED {
-    const auto both = (typename Out::Reg)a.r[i];
+    const auto both = (typename Out::Native)a.r[i];
     if constexpr (kIsSigned<T>)
       return both << 8 >> 8;
     else
@@ -143,9 +143,9 @@ NUQI_INLINE Vec<int16_t, N / 2> odd_bytes(const Vec<T, N>& a) {
   using Unsigned = Vec<uint16_t, N / 2>;
   return generate<Signed>([&](int i) NUQI_FORCED {
     if constexpr (kIsSigned<T>)
-      return (typename Signed::Reg)a.r[i] >> 8;
+      return (typename Signed::Native)a.r[i] >> 8;
     else
-      return (typename Unsigned::Reg)a.r[i] >> 8;
+      return (typename Unsigned::Native)a.r[i] >> 8;
   });
 }
 
@@ -153,13 +153,13 @@ NUQI_INLINE Vec<int16_t, N / 2> odd_bytes(const Vec<T, N>& a) {
 NUQI_INLINE Vec<uint8_t, 64> bytes_of_bits(uint64_t bits) {
   using Bytes = Vec<uint8_t, 64>;
 #if NUQI_LEVEL == 2
-  return {{(Bytes::Reg)_mm512_movm_epi8(bits)}};
+  return {{(Bytes::Native)_mm512_movm_epi8(bits)}};
 #else
   // Each lane gets the byte that holds its bit, and looks at that bit alone.
   constexpr uint64_t kOnes = 0x0101010101010101, kLaneBits = 0x8040201008040201;
-  typedef uint64_t Words __attribute__((vector_size(sizeof(Bytes::Reg))));
+  typedef uint64_t Words __attribute__((vector_size(sizeof(Bytes::Native))));
   return generate<Bytes>([&](int i) NUQI_FORCED {
-    const Bytes::Reg lane_bits = (Bytes::Reg)(kLaneBits + Words{});
+    const Bytes::Native lane_bits = (Bytes::Native)(kLaneBits + Words{});
 #if NUQI_LEVEL == 1
     const Words from = Words{0, kOnes, 2 * kOnes, 3 * kOnes} + 4 * kOnes * (uint64_t)i;
     const Words all = (Words)_mm256_shuffle_epi8((__m256i)(bits + Words{}), (__m256i)from);
@@ -167,29 +167,29 @@ NUQI_INLINE Vec<uint8_t, 64> bytes_of_bits(uint64_t bits) {
     const auto spread = [&](int byte) NUQI_FORCED { return (bits >> 8 * byte & 0xFF) * kOnes; };
     const Words all = {spread(2 * i), spread(2 * i + 1)};
 #endif
-    return ((Bytes::Reg)all & lane_bits) == lane_bits;
+    return ((Bytes::Native)all & lane_bits) == lane_bits;
   });
 #endif
 }
 
 // To doubles, exactly.
 NUQI_INLINE Px<double> to_doubles(const Px<float>& a) {
-  using Reg = Px<double>::Reg;
+  using Native = Px<double>::Native;
   return generate<Px<double>>([&](int i) NUQI_FORCED {
     const auto& in = a.r[i / 2];
 #if NUQI_LEVEL == 2
     const __m512d both = (__m512d)in;
-    return (Reg)_mm512_cvtps_pd(
+    return (Native)_mm512_cvtps_pd(
         (__m256)(i % 2 == 0 ? _mm512_castpd512_pd256(both) : _mm512_extractf64x4_pd(both, 1)));
 #elif NUQI_LEVEL == 1
     const __m256 both = (__m256)in;
-    return (Reg)_mm256_cvtps_pd(i % 2 == 0 ? _mm256_castps256_ps128(both)
-                                           : _mm256_extractf128_ps(both, 1));
+    return (Native)_mm256_cvtps_pd(i % 2 == 0 ? _mm256_castps256_ps128(both)
+                                              : _mm256_extractf128_ps(both, 1));
 #elif defined(__SSE2__) && !defined(NUQI_PLAIN)
     const __m128 both = (__m128)in;
-    return (Reg)_mm_cvtps_pd(i % 2 == 0 ? both : _mm_movehl_ps(both, both));
+    return (Native)_mm_cvtps_pd(i % 2 == 0 ? both : _mm_movehl_ps(both, both));
 #else
-    return i % 2 == 0 ? Reg{in[0], in[1]} : Reg{in[2], in[3]};
+    return i % 2 == 0 ? Native{in[0], in[1]} : Native{in[2], in[3]};
 #endif
   });
 }
@@ -208,7 +208,7 @@ NUQI_INLINE Px<float> round_to_floats(const Px<double>& a) {
 #elif defined(__SSE2__) && !defined(NUQI_PLAIN)
     return _mm_movelh_ps(_mm_cvtpd_ps((__m128d)low), _mm_cvtpd_ps((__m128d)high));
 #else
-    return Px<float>::Reg{(float)low[0], (float)low[1], (float)high[0], (float)high[1]};
+    return Px<float>::Native{(float)low[0], (float)low[1], (float)high[0], (float)high[1]};
 #endif
   });
 }

@@ -18,16 +18,18 @@ template <class T, int N>
 NUQI_INLINE Sorted<T, N> sorted(const Vec<T, N>& a, const Vec<T, N>& b) {
 #if NUQI_LEVEL == 2
   static_assert(Vec<T, N>::kRegs == 1 && (sizeof(T) == 1 || sizeof(T) == 4));
-  using Reg = typename Vec<T, N>::Reg;
+  using Native = typename Vec<T, N>::Native;
   const __m512i x = (__m512i)a.r[0], y = (__m512i)b.r[0];
   if constexpr (sizeof(T) == 1) {
     const __mmask64 less =
         kIsSigned<T> ? _mm512_cmplt_epi8_mask(x, y) : _mm512_cmplt_epu8_mask(x, y);
-    return {{{(Reg)_mm512_mask_mov_epi8(y, less, x)}}, {{(Reg)_mm512_mask_mov_epi8(x, less, y)}}};
+    return {{{(Native)_mm512_mask_mov_epi8(y, less, x)}},
+            {{(Native)_mm512_mask_mov_epi8(x, less, y)}}};
   } else {
     const __mmask16 less =
         kIsSigned<T> ? _mm512_cmplt_epi32_mask(x, y) : _mm512_cmplt_epu32_mask(x, y);
-    return {{{(Reg)_mm512_mask_mov_epi32(y, less, x)}}, {{(Reg)_mm512_mask_mov_epi32(x, less, y)}}};
+    return {{{(Native)_mm512_mask_mov_epi32(y, less, x)}},
+            {{(Native)_mm512_mask_mov_epi32(x, less, y)}}};
   }
 #else
   return {min(a, b), max(a, b)};

@@ -28,7 +28,7 @@ template <int N = 16, class T>
 NUQI_INLINE Vec<T, N> load(const T* from, Whole = {}) {
   using V = Vec<T, N>;
   return generate<V>([&](int i) NUQI_FORCED {
-    typename V::Reg reg;
+    typename V::Native reg;
     __builtin_memcpy(&reg, from + i * V::kLanesPerReg, sizeof reg);
     return reg;
   });
@@ -43,22 +43,22 @@ NUQI_INLINE void store(T* to, const Vec<T, N>& a, Whole = {}) {
 #if NUQI_LEVEL == 2
 
 // The first `bytes` of a register; masked-out bytes are not touched, whatever page they lie in.
-template <class Reg>
-NUQI_INLINE Reg load_bytes(const void* from, int64_t bytes) {
-  const uint64_t mask = bytes >= int{sizeof(Reg)} ? ~uint64_t{0} : (uint64_t{1} << bytes) - 1;
-  if constexpr (sizeof(Reg) == 64)
-    return (Reg)_mm512_maskz_loadu_epi8(mask, from);
-  else if constexpr (sizeof(Reg) == 32)
-    return (Reg)_mm256_maskz_loadu_epi8((__mmask32)mask, from);
+template <class Native>
+NUQI_INLINE Native load_bytes(const void* from, int64_t bytes) {
+  const uint64_t mask = bytes >= int{sizeof(Native)} ? ~uint64_t{0} : (uint64_t{1} << bytes) - 1;
+  if constexpr (sizeof(Native) == 64)
+    return (Native)_mm512_maskz_loadu_epi8(mask, from);
+  else if constexpr (sizeof(Native) == 32)
+    return (Native)_mm256_maskz_loadu_epi8((__mmask32)mask, from);
   else
-    return (Reg)_mm_maskz_loadu_epi8((__mmask16)mask, from);
+    return (Native)_mm_maskz_loadu_epi8((__mmask16)mask, from);
 }
-template <class Reg>
-NUQI_INLINE void store_bytes(void* to, const Reg& a, int64_t bytes) {
-  const uint64_t mask = bytes >= int{sizeof(Reg)} ? ~uint64_t{0} : (uint64_t{1} << bytes) - 1;
-  if constexpr (sizeof(Reg) == 64)
+template <class Native>
+NUQI_INLINE void store_bytes(void* to, const Native& a, int64_t bytes) {
+  const uint64_t mask = bytes >= int{sizeof(Native)} ? ~uint64_t{0} : (uint64_t{1} << bytes) - 1;
+  if constexpr (sizeof(Native) == 64)
     _mm512_mask_storeu_epi8(to, mask, (__m512i)a);
-  else if constexpr (sizeof(Reg) == 32)
+  else if constexpr (sizeof(Native) == 32)
     _mm256_mask_storeu_epi8(to, (__mmask32)mask, (__m256i)a);
   else
     _mm_mask_storeu_epi8(to, (__mmask16)mask, (__m128i)a);
@@ -69,9 +69,10 @@ NUQI_INLINE Vec<T, N> load(const T* from, First part) {
   using V = Vec<T, N>;
   const int64_t bytes = int64_t{part.lanes} * int{sizeof(T)};
   return generate<V>([&](int i) NUQI_FORCED {
-    const int before = i * int{sizeof(typename V::Reg)};
-    return bytes > before ? load_bytes<typename V::Reg>((const char*)from + before, bytes - before)
-                          : typename V::Reg{};
+    const int before = i * int{sizeof(typename V::Native)};
+    return bytes > before
+               ? load_bytes<typename V::Native>((const char*)from + before, bytes - before)
+               : typename V::Native{};
   });
 }
 template <class T, int N>
@@ -135,7 +136,7 @@ NUQI_INLINE Vec<T, N> load(const T* from, First part) {
   using V = Vec<T, N>;
   const int64_t bytes = int64_t{part.lanes} * int{sizeof(T)};
   return generate<V>([&](int i) NUQI_FORCED {
-    constexpr int kSize = sizeof(typename V::Reg);
+    constexpr int kSize = sizeof(typename V::Native);
     const auto piece = [&](int j) NUQI_FORCED {
       const int before = i * kSize + j * 16;
       return load_few((const char*)from + before, bytes - before);
@@ -158,16 +159,29 @@ NUQI_INLINE void store(T* to, const Vec<T, N>& a, First part) {
 
 #endif
 
-// The first, and the second, eight lanes of a block of sixteen.
-NUQI_INLINE Whole eight_of(Whole part, int) { return part; }
-NUQI_INLINE First eight_of(First part, int half) {
-  const int lanes = part.lanes - 8 * half;
-  return {lanes < 0 ? 0 : lanes > 8 ? 8 : lanes};
+// How much of N lanes a part touches.
+template <int N>
+NUQI_INLINE int lane_count(Whole) {
+  return N;
+}
+template <int N>
+NUQI_INLINE int lane_count(First part) {
+  return part.lanes;
+}
+// What a part leaves for the N lanes from lane `start` on: none of them, some or all.
+template <int N>
+NUQI_INLINE Whole part_from(Whole part, int) {
+  return part;
+}
+template <int N>
+NUQI_INLINE First part_from(First part, int start) {
+  const int lanes = part.lanes - start;
+  return {lanes < 0 ? 0 : lanes > N ? N : lanes};
 }
 // Eight bytes; eight zeros follow them.
 NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, Whole) {
   typedef int64_t Halves __attribute__((vector_size(16)));
-  return {{(Px<uint8_t>::Reg)Halves{load_one((const int64_t*)from)}}};
+  return {{(Px<uint8_t>::Native)Halves{load_one((const int64_t*)from)}}};
 }
 NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, First part) { return load(from, part); }
 

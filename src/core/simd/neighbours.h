@@ -23,15 +23,6 @@ struct Around {
 };
 
 template <class T>
-NUQI_INLINE int lanes_of(Whole) {
-  return Reg<T>::kLanes;
-}
-template <class T>
-NUQI_INLINE int lanes_of(First part) {
-  return part.lanes;
-}
-
-template <class T>
 NUQI_INLINE Around<T> load_around(const T* at, Inside, Whole) {
   constexpr int n = Reg<T>::kLanes;
   return {load<n>(at - 1), load<n>(at), load<n>(at + 1)};
@@ -41,12 +32,13 @@ NUQI_INLINE Around<T> load_around(const T* at, Inside, Whole) {
 
 // The lanes of the mask from memory, the others from `otherwise`.
 NUQI_INLINE Reg<float> load_or(const float* from, int mask, const Reg<float>& otherwise) {
-  return {{(Reg<float>::Reg)_mm512_mask_loadu_ps((__m512)otherwise.r[0], (__mmask16)mask, from)}};
+  return {
+      {(Reg<float>::Native)_mm512_mask_loadu_ps((__m512)otherwise.r[0], (__mmask16)mask, from)}};
 }
 template <class Part>
 NUQI_INLINE Around<float> load_around(const float* at, AtEnds where, Part part) {
   const auto here = load<16>(at, part);
-  const int lanes = 0xFFFF >> (16 - lanes_of<float>(part));
+  const int lanes = 0xFFFF >> (16 - lane_count<Reg<float>::kLanes>(part));
   return {load_or(at - 1, where.start ? lanes << 1 : lanes, here), here,
           load_or(at + 1, where.end ? lanes >> 1 : lanes, here)};
 }
@@ -58,7 +50,7 @@ NUQI_INLINE Around<T> load_around(const T* at, AtEnds where, Part part) {
   constexpr int n = Reg<T>::kLanes;
   const auto here = load<n>(at, part);
   return {where.start ? repeat_first(here) : load<n>(at - 1, part), here,
-          where.end ? repeat_last(here, lanes_of<T>(part)) : load<n>(at + 1, part)};
+          where.end ? repeat_last(here, lane_count<Reg<T>::kLanes>(part)) : load<n>(at + 1, part)};
 }
 
 #endif
@@ -102,10 +94,10 @@ NUQI_INLINE Vec<int16_t, kRegBytes> weigh(const Around<T>& p) {
     return weigh<l, c, r>(
         Around<uint8_t>{unsigned_bytes(p.left), unsigned_bytes(p.centre), unsigned_bytes(p.right)});
   } else if constexpr (c == 0) {
-    return multiply_pairs<l, r>(zip_groups(join(p.left, p.right)));
+    return multiply_pairs<l, r>(zip_groups(concat(p.left, p.right)));
   } else {
-    return join(multiply_pairs<l, c>(p.left) + multiply_pairs<r, 0>(p.right),
-                multiply_pairs<l, c>(p.centre) + multiply_pairs<0, r>(p.right));
+    return concat(multiply_pairs<l, c>(p.left) + multiply_pairs<r, 0>(p.right),
+                  multiply_pairs<l, c>(p.centre) + multiply_pairs<0, r>(p.right));
   }
 }
 template <bool centre>
@@ -130,7 +122,7 @@ template <class T, class Part>
 class PairLoader {
  public:
   NUQI_INLINE PairLoader(bool start, bool end, Part part) : start_(start), end_(end), part_(part) {
-    const auto last = broadcast<uint8_t, 64>(uint8_t(lanes_of<T>(part) - 1));
+    const auto last = broadcast<uint8_t, 64>(uint8_t(lane_count<Reg<T>::kLanes>(part) - 1));
     const auto before = broadcast<uint8_t, 64>(start);
     const auto after = broadcast<uint8_t, 64>(uint8_t(30 + end));
     const auto lanes = UpTo<64>::Type{};
@@ -152,10 +144,10 @@ class PairLoader {
  private:
   template <int first, int apart, int... I>
   static NUQI_INLINE Reg<uint8_t> pair_lanes(Indices<I...>) {
-    return {{Reg<uint8_t>::Reg{(first + I / 2 + I % 2 * apart)...}}};
+    return {{Reg<uint8_t>::Native{(first + I / 2 + I % 2 * apart)...}}};
   }
   static NUQI_INLINE auto pick(const Reg<T>& a, const Reg<uint8_t>& lanes) {
-    return (typename Reg<T>::Reg)_mm512_permutexvar_epi8((__m512i)lanes.r[0], (__m512i)a.r[0]);
+    return (typename Reg<T>::Native)_mm512_permutexvar_epi8((__m512i)lanes.r[0], (__m512i)a.r[0]);
   }
 
   bool start_, end_;

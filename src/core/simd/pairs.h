@@ -10,8 +10,8 @@ namespace {
 
 #if defined(__SSE2__) && !defined(NUQI_PLAIN)
 // sum + the even 16-bit lanes * x + the odd ones * y.
-template <class Reg>
-NUQI_INLINE Reg add_weighed(const Reg& sum, const Reg& lanes, int16_t x, int16_t y) {
+template <class Native>
+NUQI_INLINE Native add_weighed(const Native& sum, const Native& lanes, int16_t x, int16_t y) {
   const int32_t both = (int32_t)((uint32_t)(uint16_t)y << 16 | (uint16_t)x);
 #if NUQI_LEVEL == 2
   return _mm512_dpwssd_epi32(sum, lanes, _mm512_set1_epi32(both));
@@ -59,7 +59,7 @@ NUQI_INLINE Vec<int16_t, N> pack_pairs(const Vec<int32_t, N>& a) {
     constexpr int n = Out::kLanesPerReg;
     const Vec<int32_t, n> both = {{a.r[2 * i], a.r[2 * i + 1]}};
     const auto held = min(max(both, broadcast<int32_t, n>(-32768)), broadcast<int32_t, n>(32767));
-    return even_lanes((typename Out::Reg)held.r[0], (typename Out::Reg)held.r[1],
+    return even_lanes((typename Out::Native)held.r[0], (typename Out::Native)held.r[1],
                       typename UpTo<n>::Type{});
 #elif NUQI_LEVEL == 2
     return _mm512_packs_epi32((__m512i)a.r[2 * i], (__m512i)a.r[2 * i + 1]);
@@ -81,7 +81,7 @@ NUQI_INLINE Vec<int32_t, N> add_neighbours(const Vec<int32_t, N>& sum, const int
 #else
   // Even lanes in one register, odd ones in the next.
   return generate<Vec<int32_t, N> >([&](int i) NUQI_FORCED {
-    using Sum = typename Vec<int32_t, N>::Reg;
+    using Sum = typename Vec<int32_t, N>::Native;
     const Sum lanes = (Sum)(i % 2 == 0 ? here : next).r[i / 2];
 #if NUQI_LEVEL == 2
     return add_weighed((__m512i)sum.r[i], (__m512i)lanes, x, y);

@@ -1,4 +1,4 @@
-// Pixels of three or four channels, split into one register a channel and joined again.
+// Pixels of three or four channels: interleaved as they lie, or a register for each channel.
 #pragma once
 
 #include "core/simd/memory.h"
@@ -30,25 +30,20 @@ NUQI_INLINE void store_pixels(T* to, const Regs<T, C>& out, Whole = {}) {
   });
 }
 
-// How many lanes of register k the first pixels take.
-template <class T, int C>
-NUQI_INLINE First lanes_of(First pixels, int k) {
-  const int lanes = pixels.lanes * C - k * Reg<T>::kLanes;
-  return {lanes < 0 ? 0 : lanes > Reg<T>::kLanes ? Reg<T>::kLanes : lanes};
-}
 template <int C, class T>
 NUQI_INLINE Regs<T, C> load_pixels(const T* from, First part) {
   constexpr int n = Reg<T>::kLanes;
   Regs<T, C> in;
   for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C) in.v[k] = load<n>(from + k * n, lanes_of<T, C>(part, k));
+    if (k < C) in.v[k] = load<n>(from + k * n, part_from<n>(First{C * part.lanes}, k * n));
   });
   return in;
 }
 template <class T, int C>
 NUQI_INLINE void store_pixels(T* to, const Regs<T, C>& out, First part) {
+  constexpr int n = Reg<T>::kLanes;
   for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C) store(to + k * Reg<T>::kLanes, out.v[k], lanes_of<T, C>(part, k));
+    if (k < C) store(to + k * n, out.v[k], part_from<n>(First{C * part.lanes}, k * n));
   });
 }
 
@@ -109,13 +104,13 @@ NUQI_INLINE Reg<T> blend(const Regs<T, 3>& in) {
 }
 
 template <class U, class T>
-NUQI_INLINE Regs<T, 3> split_fields(const Regs<T, 3>& in) {
+NUQI_INLINE Regs<T, 3> deinterleave_fields(const Regs<T, 3>& in) {
   constexpr int n = U::n;
   return {{permute<U, 3, 0>(blend<U, 2 * n, 0>(in)), permute<U, 3, 1>(blend<U, 2 * n, n>(in)),
            permute<U, 3, 2>(blend<U, 2 * n, 2 * n>(in))}};
 }
 template <class U, class T>
-NUQI_INLINE Regs<T, 3> join_fields(const Regs<T, 3>& planes) {
+NUQI_INLINE Regs<T, 3> interleave_fields(const Regs<T, 3>& planes) {
   constexpr int n = U::n;
   const Regs<T, 3> in = {{permute<U, 43, 0>(planes.v[0]), permute<U, 43, 43 * (n - 1)>(planes.v[1]),
                           permute<U, 43, 43 * (2 * n - 2)>(planes.v[2])}};
@@ -134,18 +129,20 @@ constexpr bool kAcross = sizeof(T) == 4;
 using Chunks = Unit<int64_t, kChunks>;
 
 template <class T>
-NUQI_INLINE Regs<T, 3> split(const Regs<T, 3>& in) {
+NUQI_INLINE Regs<T, 3> deinterleave(const Regs<T, 3>& in) {
   if constexpr (kAcross<T>)
-    return split_fields<Unit<T, Reg<T>::kLanes>>(in);
+    return deinterleave_fields<Unit<T, Reg<T>::kLanes>>(in);
   else
-    return split_fields<Unit<T, 16>>(recast<T>(split_fields<Chunks>(recast<int64_t>(in))));
+    return deinterleave_fields<Unit<T, 16>>(
+        recast<T>(deinterleave_fields<Chunks>(recast<int64_t>(in))));
 }
 template <class T>
-NUQI_INLINE Regs<T, 3> join(const Regs<T, 3>& planes) {
+NUQI_INLINE Regs<T, 3> interleave(const Regs<T, 3>& planes) {
   if constexpr (kAcross<T>)
-    return join_fields<Unit<T, Reg<T>::kLanes>>(planes);
+    return interleave_fields<Unit<T, Reg<T>::kLanes>>(planes);
   else
-    return recast<T>(join_fields<Chunks>(recast<int64_t>(join_fields<Unit<T, 16>>(planes))));
+    return recast<T>(
+        interleave_fields<Chunks>(recast<int64_t>(interleave_fields<Unit<T, 16>>(planes))));
 }
 
 // Four channels. Every chunk is turned, by the number k of its register, so that word q of it is
@@ -197,11 +194,11 @@ NUQI_INLINE Regs<uint32_t, 4> order(const Regs<uint32_t, 4>& in) {
 }
 
 template <class T>
-NUQI_INLINE Regs<T, 4> split(const Regs<T, 4>& in) {
+NUQI_INLINE Regs<T, 4> deinterleave(const Regs<T, 4>& in) {
   return recast<T>(order<true>(exchange(recast<uint32_t>(turn<true>(in)))));
 }
 template <class T>
-NUQI_INLINE Regs<T, 4> join(const Regs<T, 4>& planes) {
+NUQI_INLINE Regs<T, 4> interleave(const Regs<T, 4>& planes) {
   return turn<false>(recast<T>(exchange(order<false>(recast<uint32_t>(planes)))));
 }
 
@@ -235,7 +232,7 @@ NUQI_INLINE Vec<T, N> upper(const Vec<T, N>& a) {
 }
 
 template <class T>
-NUQI_INLINE Regs<T, 3> split(const Regs<T, 3>& in) {
+NUQI_INLINE Regs<T, 3> deinterleave(const Regs<T, 3>& in) {
   if constexpr (sizeof(T) == 8) {
     const auto a = in.v[0].r[0], b = in.v[1].r[0], c = in.v[2].r[0];
     return {{{{__builtin_shufflevector(a, b, 0, 3)}},
@@ -244,14 +241,14 @@ NUQI_INLINE Regs<T, 3> split(const Regs<T, 3>& in) {
   } else {
     using Pair = typename PairOf<sizeof(T)>::Type;
     constexpr int kHalf = 8 * sizeof(T);
-    const auto pairs = split(recast<Pair>(in));
+    const auto pairs = deinterleave(recast<Pair>(in));
     const auto& [ab, ca, bc] = pairs.v;
     return recast<T>(
         Regs<Pair, 3>{{lower(ab) | upper(ca), ab >> kHalf | bc << kHalf, lower(ca) | upper(bc)}});
   }
 }
 template <class T>
-NUQI_INLINE Regs<T, 3> join(const Regs<T, 3>& planes) {
+NUQI_INLINE Regs<T, 3> interleave(const Regs<T, 3>& planes) {
   if constexpr (sizeof(T) == 8) {
     const auto a = planes.v[0].r[0], b = planes.v[1].r[0], c = planes.v[2].r[0];
     return {{{{__builtin_shufflevector(a, b, 0, 2)}},
@@ -262,8 +259,8 @@ NUQI_INLINE Regs<T, 3> join(const Regs<T, 3>& planes) {
     constexpr int kHalf = 8 * sizeof(T);
     const auto in = recast<Pair>(planes);
     const auto& [a, b, c] = in.v;
-    return recast<T>(
-        join(Regs<Pair, 3>{{lower(a) | b << kHalf, lower(c) | upper(a), b >> kHalf | upper(c)}}));
+    return recast<T>(interleave(
+        Regs<Pair, 3>{{lower(a) | b << kHalf, lower(c) | upper(a), b >> kHalf | upper(c)}}));
   }
 }
 
@@ -282,7 +279,7 @@ NUQI_INLINE Regs<T, 4> riffle(const Regs<T, 4>& in) {
 }
 
 template <class T>
-NUQI_INLINE Regs<T, 4> split(const Regs<T, 4>& in) {
+NUQI_INLINE Regs<T, 4> deinterleave(const Regs<T, 4>& in) {
   const auto twice = riffle(riffle(in));
   if constexpr (sizeof(T) == 4)
     return twice;
@@ -290,7 +287,7 @@ NUQI_INLINE Regs<T, 4> split(const Regs<T, 4>& in) {
     return riffle(riffle(twice));
 }
 template <class T>
-NUQI_INLINE Regs<T, 4> join(const Regs<T, 4>& planes) {
+NUQI_INLINE Regs<T, 4> interleave(const Regs<T, 4>& planes) {
   return riffle(riffle(planes));
 }
 

@@ -6,27 +6,27 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// A bit for each lane of a register, set where a > b, the first lane's in the lowest place.
+// A bit for each lane of a register, set where a < b, the first lane's in the lowest place.
 template <int N>
-NUQI_INLINE uint32_t bits_greater(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
+NUQI_INLINE uint32_t bits_below(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
   static_assert(Vec<int16_t, N>::kRegs == 1);
 #if NUQI_LEVEL == 2
-  uint32_t bits = _mm512_cmpgt_epi16_mask((__m512i)a.r[0], (__m512i)b.r[0]);
+  uint32_t bits = _mm512_cmplt_epi16_mask((__m512i)a.r[0], (__m512i)b.r[0]);
 #if defined(__i386__)
   // GCC 12 leaves the upper word undefined where such a mask widens to 64 bits.
   __asm__("" : "+r"(bits));
 #endif
   return bits;
 #elif NUQI_LEVEL == 1
-  const __m256i mask = (__m256i)(a > b).r[0];
+  const __m256i mask = (__m256i)(a < b).r[0];
   const __m128i low = _mm256_castsi256_si128(mask), high = _mm256_extracti128_si256(mask, 1);
   return (uint32_t)_mm_movemask_epi8(_mm_packs_epi16(low, high));
 #elif defined(__SSE2__) && !defined(NUQI_PLAIN)
-  return (uint32_t)_mm_movemask_epi8(_mm_packs_epi16((__m128i)(a > b).r[0], __m128i{}));
+  return (uint32_t)_mm_movemask_epi8(_mm_packs_epi16((__m128i)(a < b).r[0], __m128i{}));
 #else
   typedef uint64_t Halves __attribute__((vector_size(16)));
-  const typename Vec<int16_t, N>::Reg lane_bits = {1, 2, 4, 8, 16, 32, 64, 128};
-  const Halves halves = (Halves)((a > b).r[0] & lane_bits);
+  const typename Vec<int16_t, N>::Native lane_bits = {1, 2, 4, 8, 16, 32, 64, 128};
+  const Halves halves = (Halves)((a < b).r[0] & lane_bits);
   uint64_t all = halves[0] | halves[1];
   all |= all >> 32;
   return (uint32_t)(all | all >> 16) & 0xFF;
@@ -52,49 +52,49 @@ NUQI_INLINE bool any(const Vec<T, N>& a) {
   }
 }
 
-// ---- From many lanes to one
+// ---- Horizontal reductions
 
 // The lanes from I + Down on; zeros follow them.
-template <int Down, class Reg, int... I>
-NUQI_INLINE Reg lanes_from(const Reg& a, Indices<I...>) {
-  return __builtin_shufflevector(a, Reg{}, (I + Down)...);
+template <int Down, class Native, int... I>
+NUQI_INLINE Native lanes_from(const Native& a, Indices<I...>) {
+  return __builtin_shufflevector(a, Native{}, (I + Down)...);
 }
 template <int Lanes, class T, int N, class Op>
-NUQI_INLINE T fold_first(const Vec<T, N>& a, const Op& op) {
+NUQI_INLINE T reduce_first(const Vec<T, N>& a, const Op& op) {
   if constexpr (Lanes == 1) {
     return a.r[0][0];
   } else {
     using All = typename UpTo<N>::Type;
-    return fold_first<Lanes / 2>(op(a, Vec<T, N>{{lanes_from<Lanes / 2>(a.r[0], All{})}}), op);
+    return reduce_first<Lanes / 2>(op(a, Vec<T, N>{{lanes_from<Lanes / 2>(a.r[0], All{})}}), op);
   }
 }
 // op of the upper half of the lanes and the lower one, until one lane is left: one order everywhere.
 template <class T, int N, class Op>
-NUQI_INLINE T fold(const Vec<T, N>& a, const Op& op) {
+NUQI_INLINE T reduce(const Vec<T, N>& a, const Op& op) {
   using V = Vec<T, N>;
   using Half = Vec<T, N / 2>;
   if constexpr (V::kBytes == 16) {
-    return fold_first<N>(a, op);
+    return reduce_first<N>(a, op);
   } else if constexpr (V::kRegs == 1) {
     using Lanes = typename UpTo<N / 2>::Type;
-    return fold(op(Half{{low_half(a.r[0], Lanes{})}}, Half{{high_half(a.r[0], Lanes{})}}), op);
+    return reduce(op(Half{{low_half(a.r[0], Lanes{})}}, Half{{high_half(a.r[0], Lanes{})}}), op);
   } else {
-    return fold(op(generate<Half>([&](int i) NUQI_FORCED { return a.r[i]; }),
-                   generate<Half>([&](int i) NUQI_FORCED { return a.r[Half::kRegs + i]; })),
-                op);
+    return reduce(op(generate<Half>([&](int i) NUQI_FORCED { return a.r[i]; }),
+                     generate<Half>([&](int i) NUQI_FORCED { return a.r[Half::kRegs + i]; })),
+                  op);
   }
 }
 template <class T, int N>
-NUQI_INLINE T fold(const Vec<T, N>& a) {
-  return fold(a, [](const auto& x, const auto& y) NUQI_FORCED { return x + y; });
+NUQI_INLINE T reduce_add(const Vec<T, N>& a) {
+  return reduce(a, [](const auto& x, const auto& y) NUQI_FORCED { return x + y; });
 }
 template <class T, int N>
-NUQI_INLINE T smallest_lane(const Vec<T, N>& a) {
-  return fold(a, [](const auto& x, const auto& y) NUQI_FORCED { return min(x, y); });
+NUQI_INLINE T reduce_min(const Vec<T, N>& a) {
+  return reduce(a, [](const auto& x, const auto& y) NUQI_FORCED { return min(x, y); });
 }
 template <class T, int N>
-NUQI_INLINE T largest_lane(const Vec<T, N>& a) {
-  return fold(a, [](const auto& x, const auto& y) NUQI_FORCED { return max(x, y); });
+NUQI_INLINE T reduce_max(const Vec<T, N>& a) {
+  return reduce(a, [](const auto& x, const auto& y) NUQI_FORCED { return max(x, y); });
 }
 
 // The sums of two neighbours each, in lanes of twice the size.
@@ -113,7 +113,7 @@ NUQI_INLINE Vec<uint64_t, N / 8> sum_eights(const Vec<uint8_t, N>& a) {
   return sum_pairs<uint64_t>(sum_pairs<uint32_t>(sum_pairs<uint16_t>(a)));
 #else
   using Out = Vec<uint64_t, N / 8>;
-  constexpr int kBytes = sizeof(typename Out::Reg);
+  constexpr int kBytes = sizeof(typename Out::Native);
   return generate<Out>([&](int i) NUQI_FORCED {
     if constexpr (kBytes == 16) return _mm_sad_epu8((__m128i)a.r[i], __m128i{});
 #if NUQI_LEVEL >= 1
@@ -174,9 +174,9 @@ class ByteSums {
     }
   }
   NUQI_INLINE void collect() {
-    const int64_t sum = fold(sum_pairs<int64_t>(sums_));
+    const int64_t sum = reduce_add(sum_pairs<int64_t>(sums_));
     sum_ += sum;
-    squares_ += fold(sum_pairs<int64_t>(products_)) + (kIsSigned<T> ? -128 : 128) * sum;
+    squares_ += reduce_add(sum_pairs<int64_t>(products_)) + (kIsSigned<T> ? -128 : 128) * sum;
     sums_ = products_ = {};
     used_ = 0;
   }
@@ -185,8 +185,9 @@ class ByteSums {
 
  private:
   using Sums = Vec<int32_t, 16 * kTurns>;
-  static NUQI_INLINE void add_dots(Sums::Reg& sums, const Reg<uint8_t>& a, const Reg<int8_t>& b) {
-    sums = (Sums::Reg)_mm512_dpbusd_epi32((__m512i)sums, (__m512i)a.r[0], (__m512i)b.r[0]);
+  static NUQI_INLINE void add_dots(Sums::Native& sums, const Reg<uint8_t>& a,
+                                   const Reg<int8_t>& b) {
+    sums = (Sums::Native)_mm512_dpbusd_epi32((__m512i)sums, (__m512i)a.r[0], (__m512i)b.r[0]);
   }
 
   Sums sums_ = {}, products_ = {};
@@ -217,9 +218,9 @@ class ByteSums {
   }
   NUQI_INLINE void collect() {
     const int64_t lanes = kIsSigned<T> ? int64_t{used_} * Reg<T>::kLanes : 0;
-    const int64_t sum = static_cast<int64_t>(fold(sums_));
+    const int64_t sum = static_cast<int64_t>(reduce_add(sums_));
     sum_ += sum - 128 * lanes;
-    squares_ += static_cast<int64_t>(fold(sum_pairs<uint64_t>(squares_lanes_)));
+    squares_ += static_cast<int64_t>(reduce_add(sum_pairs<uint64_t>(squares_lanes_)));
     if (kIsSigned<T>) squares_ += 16384 * lanes - 256 * sum;
     sums_ = {};
     squares_lanes_ = {};

@@ -23,7 +23,7 @@ NUQI_INLINE __mmask64 selected_lanes(const Vec<uint8_t, 64>& mask) {
 
 NUQI_INLINE Px<float> keep_selected(const Px<uint8_t>& mask, const Px<float>& a) {
 #if NUQI_LEVEL == 2
-  return {{(Px<float>::Reg)_mm512_maskz_mov_ps(selected_lanes(mask), (__m512)a.r[0])}};
+  return {{(Px<float>::Native)_mm512_maskz_mov_ps(selected_lanes(mask), (__m512)a.r[0])}};
 #else
   return keep(convert<int32_t>(nonzero(mask)), a);
 #endif
@@ -40,7 +40,8 @@ template <class T, int N>
 NUQI_INLINE Vec<T, N> keep_selected(const Vec<uint8_t, N>& mask, const Vec<T, N>& a) {
   static_assert(sizeof(T) == 1);
 #if NUQI_LEVEL == 2
-  return {{(typename Vec<T, N>::Reg)_mm512_maskz_mov_epi8(selected_lanes(mask), (__m512i)a.r[0])}};
+  return {
+      {(typename Vec<T, N>::Native)_mm512_maskz_mov_epi8(selected_lanes(mask), (__m512i)a.r[0])}};
 #else
   return keep(nonzero(mask), a);
 #endif
@@ -65,12 +66,12 @@ template <class T, int N>
 NUQI_INLINE Vec<T, N> choose(const Vec<uint8_t, N>& mask, const Vec<T, N>& a, const Vec<T, N>& b) {
   static_assert(sizeof(T) == 1 || (sizeof(T) == 4 && N == 16));
 #if NUQI_LEVEL == 2
-  using Reg = typename Vec<T, N>::Reg;
+  using Native = typename Vec<T, N>::Native;
   const __m512i x = (__m512i)a.r[0], y = (__m512i)b.r[0];
   if constexpr (sizeof(T) == 1)
-    return {{(Reg)_mm512_mask_mov_epi8(y, selected_lanes(mask), x)}};
+    return {{(Native)_mm512_mask_mov_epi8(y, selected_lanes(mask), x)}};
   else
-    return {{(Reg)_mm512_mask_mov_epi32(y, selected_lanes(mask), x)}};
+    return {{(Native)_mm512_mask_mov_epi32(y, selected_lanes(mask), x)}};
 #else
   const auto unselected = mask == Vec<uint8_t, N>{};
   if constexpr (sizeof(T) == 1)
@@ -97,7 +98,7 @@ class SelectedCount {
   NUQI_INLINE void add(const Vec<uint8_t, N>& mask) {
     sums_ = sums_ + sum_eights(min(mask, broadcast<uint8_t, N>(1)));
   }
-  NUQI_INLINE uint32_t total() const { return static_cast<uint32_t>(fold(sums_)); }
+  NUQI_INLINE uint32_t total() const { return static_cast<uint32_t>(reduce_add(sums_)); }
 
  private:
   Vec<uint64_t, N / 8> sums_ = {};

@@ -9,18 +9,18 @@ namespace {
 // 0, 1, 2, ... as integers of T's size.
 template <class T, int... I>
 NUQI_INLINE Mask<T, int{sizeof...(I)}> lane_numbers(Indices<I...>) {
-  return {{typename Mask<T, int{sizeof...(I)}>::Reg{I...}}};
+  return {{typename Mask<T, int{sizeof...(I)}>::Native{I...}}};
 }
 
 // Zero moves in: one instruction everywhere, while GCC 12 makes fifty of other byte shuffles on SSE2.
-template <class Reg, int... I>
-NUQI_INLINE Reg one_up(const Reg& a, Indices<I...>) {
+template <class Native, int... I>
+NUQI_INLINE Native one_up(const Native& a, Indices<I...>) {
   constexpr int n = sizeof...(I);
-  return __builtin_shufflevector(a, Reg{}, (I == 0 ? n : I - 1)...);
+  return __builtin_shufflevector(a, Native{}, (I == 0 ? n : I - 1)...);
 }
-template <class Reg, int... I>
-NUQI_INLINE Reg one_down(const Reg& a, Indices<I...>) {
-  return __builtin_shufflevector(a, Reg{}, (I + 1)...);
+template <class Native, int... I>
+NUQI_INLINE Native one_down(const Native& a, Indices<I...>) {
+  return __builtin_shufflevector(a, Native{}, (I + 1)...);
 }
 
 // One lane up: a0 a0 a1 a2 ...
@@ -42,16 +42,16 @@ NUQI_INLINE Vec<T, N> repeat_last(const Vec<T, N>& a, int n) {
 
 // Two vectors of one register as one of two.
 template <class T, int N>
-NUQI_INLINE Vec<T, 2 * N> join(const Vec<T, N>& a, const Vec<T, N>& b) {
+NUQI_INLINE Vec<T, 2 * N> concat(const Vec<T, N>& a, const Vec<T, N>& b) {
   static_assert(Vec<T, 2 * N>::kRegs == 2);
   return {{a.r[0], b.r[0]}};
 }
 
 // The lanes of two registers in turns, a0 b0 a1 b1 ..., within groups of sixteen bytes: the first
 // register gets the lower halves of all groups, the second one the upper halves.
-template <int half, class Reg, int... I>
-NUQI_INLINE Reg zip_half(const Reg& a, const Reg& b, Indices<I...>) {
-  constexpr int n = sizeof...(I), group = 16 * n / int{sizeof(Reg)};
+template <int half, class Native, int... I>
+NUQI_INLINE Native zip_half(const Native& a, const Native& b, Indices<I...>) {
+  constexpr int n = sizeof...(I), group = 16 * n / int{sizeof(Native)};
   return __builtin_shufflevector(
       a, b, (I / group * group + half * group / 2 + I % group / 2 + I % 2 * n)...);
 }
@@ -63,21 +63,21 @@ NUQI_INLINE Vec<T, N> zip_groups(const Vec<T, N>& a) {
 }
 
 // Undoes the grouping: the first groups of both registers, then the second ones, and so on.
-template <int half, class Reg, int... I>
-NUQI_INLINE Reg order_half(const Reg& a, const Reg& b, Indices<I...>) {
-  typedef int64_t Halves __attribute__((vector_size(sizeof(Reg))));
+template <int half, class Native, int... I>
+NUQI_INLINE Native order_half(const Native& a, const Native& b, Indices<I...>) {
+  typedef int64_t Halves __attribute__((vector_size(sizeof(Native))));
   constexpr int n = sizeof...(I);
-  return (Reg)__builtin_shufflevector((Halves)a, (Halves)b,
-                                      (half * n / 2 + I / 4 * 2 + I % 2 + I / 2 % 2 * n)...);
+  return (Native)__builtin_shufflevector((Halves)a, (Halves)b,
+                                         (half * n / 2 + I / 4 * 2 + I % 2 + I / 2 % 2 * n)...);
 }
 template <class T, int N>
 NUQI_INLINE Vec<T, N> in_order(const Vec<T, N>& a) {
-  using Reg = typename Vec<T, N>::Reg;
+  using Native = typename Vec<T, N>::Native;
   static_assert(Vec<T, N>::kRegs == 2);
-  if constexpr (sizeof(Reg) == 16) {
+  if constexpr (sizeof(Native) == 16) {
     return a;
   } else {
-    const auto halves = typename UpTo<sizeof(Reg) / 8>::Type{};
+    const auto halves = typename UpTo<sizeof(Native) / 8>::Type{};
     return {{order_half<0>(a.r[0], a.r[1], halves), order_half<1>(a.r[0], a.r[1], halves)}};
   }
 }

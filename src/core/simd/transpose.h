@@ -8,8 +8,8 @@ namespace {
 
 // The units of two registers in turns, from the lower or the upper half of every group: with units of
 // one lane and groups of four a0 b0 a1 b1 or a2 b2 a3 b3, then the same of the next four.
-template <int unit, int group, bool upper, class Reg, int... I>
-NUQI_INLINE Reg zip_units(const Reg& a, const Reg& b, Indices<I...>) {
+template <int unit, int group, bool upper, class Native, int... I>
+NUQI_INLINE Native zip_units(const Native& a, const Native& b, Indices<I...>) {
   constexpr int n = sizeof...(I), first = upper ? group / unit / 2 : 0;
   return __builtin_shufflevector(
       a, b,

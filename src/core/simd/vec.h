@@ -28,9 +28,9 @@ struct Vec {
   static_assert(kBytes >= 16);
   static constexpr int kRegs = kBytes > kRegBytes ? kBytes / kRegBytes : 1;
   static constexpr int kLanesPerReg = N / kRegs;
-  typedef T Reg __attribute__((vector_size(kBytes / kRegs)));
+  typedef T Native __attribute__((vector_size(kBytes / kRegs)));
 
-  Reg r[kRegs];
+  Native r[kRegs];
 };
 
 // Sixteen lanes on every machine, so that sums do not depend on the machine.
@@ -95,7 +95,7 @@ struct UpTo<1> {
 
 template <class V, class F, int... I>
 NUQI_INLINE V generate_at(const F& f, Indices<I...>) {
-  return V{{(typename V::Reg)f(I)...}};
+  return V{{(typename V::Native)f(I)...}};
 }
 // The vector whose register i is f(i).
 template <class V, class F>
@@ -118,21 +118,21 @@ NUQI_INLINE void for_each(const F& f) {
 template <class T, int N = 16>
 NUQI_INLINE Vec<T, N> broadcast(T value) {
   // Subtracting zero keeps -0.0, where adding it would not.
-  return generate<Vec<T, N>>([&](int) NUQI_FORCED { return value - typename Vec<T, N>::Reg{}; });
+  return generate<Vec<T, N>>([&](int) NUQI_FORCED { return value - typename Vec<T, N>::Native{}; });
 }
 
 // The same bits, seen as lanes of T of the same size.
 template <class T, class S, int N>
 NUQI_INLINE Vec<T, N> as(const Vec<S, N>& a) {
   static_assert(sizeof(T) == sizeof(S));
-  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return (typename Vec<T, N>::Reg)a.r[i]; });
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return (typename Vec<T, N>::Native)a.r[i]; });
 }
 
 // The same bits, seen as lanes of another size.
 template <class T, class S, int N>
 NUQI_INLINE auto lanes_as(const Vec<S, N>& a) {
   using Out = Vec<T, N* int{sizeof(S)} / int{sizeof(T)}>;
-  return generate<Out>([&](int i) NUQI_FORCED { return (typename Out::Reg)a.r[i]; });
+  return generate<Out>([&](int i) NUQI_FORCED { return (typename Out::Native)a.r[i]; });
 }
 
 // ---- Arithmetic, lane by lane; integers wrap
@@ -217,10 +217,10 @@ NUQI_INLINE Vec<float, N> abs(const Vec<float, N>& a) {
   // As floats: GCC joins a selection that follows only with an operation of the same kind.
   if constexpr (Vec<float, N>::kBytes == 64)
     return {
-        {(typename Vec<float, N>::Reg)_mm512_and_ps((__m512)a.r[0], (__m512)all_but_sign.r[0])}};
+        {(typename Vec<float, N>::Native)_mm512_and_ps((__m512)a.r[0], (__m512)all_but_sign.r[0])}};
   else
     return {
-        {(typename Vec<float, N>::Reg)_mm256_and_ps((__m256)a.r[0], (__m256)all_but_sign.r[0])}};
+        {(typename Vec<float, N>::Native)_mm256_and_ps((__m256)a.r[0], (__m256)all_but_sign.r[0])}};
 #else
   return as<float>(as<int32_t>(a) & all_but_sign);
 #endif
