@@ -72,7 +72,7 @@ int run(int argc, char** argv) {
   } catch (const tools::UserError& error) {
     return fail(error.what(), 2);
   } catch (const std::bad_alloc&) {
-    return fail("the memory does not suffice", 1);
+    return fail("out of memory", 1);
   }
 }
 

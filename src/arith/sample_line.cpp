@@ -4,12 +4,12 @@
 namespace nuqi {
 namespace {
 
-// A walk from pixel to pixel. The minor coordinate at step k is the smallest integer not below
+// A digital differential analyser. The minor coordinate at step k is the smallest integer not below
 // k * minor / major - 1/2; a 64-bit fraction counts it: each step adds minor / major, and a carry is
 // a step along the minor axis. It starts 2^-33 below 1/2, so that exact halves round towards the
 // start; truncation of the slope loses as much again at most, and two places that have to be told
-// apart differ by 1 / (2 * major), which is more than both. An error term that is added to where it
-// turns negative makes each sample wait three times as long for the one before.
+// apart differ by 1 / (2 * major), which is more than both. An error term with a conditional
+// correction would make the dependency chain from sample to sample three times as long.
 struct Line {
   uintptr_t at;                     // the address of the first pixel
   intptr_t major_step, minor_step;  // in bytes

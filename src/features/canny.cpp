@@ -8,9 +8,9 @@
 namespace nuqi {
 namespace {
 
-// Marks every open pixel that a chain of open pixels joins to an edge, from the words that the sweep
-// has left on the stack. Who marks a pixel of another word pushes that word, and nobody else does:
-// the stack never takes more words than there are pixels.
+// Hysteresis: turns into edges all open pixels connected to an edge through open pixels, starting from
+// the words that the sweeps have left on the stack. A word is pushed only when one of its pixels is marked
+// from another word, so the stack never holds more words than there are pixels.
 class Walk {
  public:
   Walk(const CannyJob& job, int64_t count)
@@ -50,10 +50,10 @@ class Walk {
     edges_[word] = edges;
     open_[word] = open;
 
-    const uint64_t beside = edges | edges << 1 | edges >> 1;
+    const uint64_t reached = edges | edges << 1 | edges >> 1;
     const int64_t above = word - row_words_, below = word + row_words_;
-    mark(above, beside);
-    mark(below, beside);
+    mark(above, reached);
+    mark(below, reached);
     constexpr uint64_t kFirst = 1, kLast = kFirst << (kCannyWordPixels - 1);
     if (edges & kFirst) {
       mark(above - 1, kLast);

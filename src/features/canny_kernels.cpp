@@ -1,4 +1,4 @@
-// Canny's passes over all pixels: magnitude and suppression, sweeps of edges, output.
+// Canny's passes over all pixels: gradient magnitude, non-maximum suppression, hysteresis sweeps, output.
 #include "core/simd/arithmetic.h"
 #include "core/simd/convert.h"
 #include "core/simd/memory.h"
@@ -12,11 +12,12 @@ using Cells = Reg<int16_t>;
 constexpr int kCells = Cells::kLanes;
 static_assert(kCells >= kCannyNarrow);
 
-// 32767 for -32768: as a magnitude by contract; and no direction test tells the two apart.
+// Saturates -32768 to 32767, as the contract has it for magnitudes; direction tests do not tell the two
+// apart.
 NUQI_INLINE Cells absolute(const Cells& a) { return max(a, subtract_saturated(Cells{}, a)); }
 
-// Walks a row: body(x, part, done) for each block. The last one overlaps the one before, by `done`
-// pixels, which costs less than a partial block would.
+// Calls body(x, part, done) for each block of a row. The last block overlaps the one before it by `done`
+// pixels, which is cheaper than a tail.
 template <class Body>
 NUQI_INLINE void for_row(int64_t width, const Body& body) {
   if (width < kCells) return body(0, First{int(width)}, 0);
@@ -25,7 +26,7 @@ NUQI_INLINE void for_row(int64_t width, const Body& body) {
   if (x < width) body(width - kCells, Whole{}, int(x + kCells - width));
 }
 
-// The magnitudes of row y, zero where not above `low`; of the row after the last one, zero.
+// The magnitudes of row y, zero where they do not exceed `low`. The row below the image is all zeros.
 void magnitude_row(const CannyJob& job, int32_t y, int16_t* cells) {
   const int64_t width = job.roi.width;
   if (y == job.roi.height) {
@@ -58,7 +59,8 @@ struct Ring {
   }
 };
 
-// Row y of both maps: of the pixels that stay, those above `high` are edges, the others open.
+// Non-maximum suppression. Of the pixels that survive, those above `high` are edges (strong), the others
+// are open (weak).
 void suppress_row(const CannyJob& job, int32_t y, const Ring& ring) {
   const int16_t* dx_row = row_of(job.dx, y);
   const int16_t* dy_row = row_of(job.dy, y);
@@ -100,7 +102,7 @@ void suppress_row(const CannyJob& job, int32_t y, const Ring& ring) {
 }
 
 void find(const CannyJob& job) {
-  // The ring of rows that are narrower than a register has room for whole ones.
+  // Rows narrower than a register: a buffer of the queried size has no room for whole registers.
   constexpr int kNarrowRow = kCells + 2;
   int16_t narrow[3 * kNarrowRow];
   const bool is_narrow = job.roi.width < kCells;
@@ -117,26 +119,27 @@ void find(const CannyJob& job) {
   }
 }
 
-// ---- Sweeps: many words at a time. Rows do not matter here: a map is one run of words, and those
-// above and below are row_words away.
+// ---- Hysteresis sweeps, a register of words at a time. A map is one array of words: the words above and
+// below are row_words away.
 
 using Words = Reg<uint64_t>;
 constexpr int kWords = Words::kLanes;
 
 NUQI_INLINE Words load_words(const CannyWord* from) { return load<kWords>((const uint64_t*)from); }
 
+// The left and right neighbours within each word.
 NUQI_INLINE Words left_and_right(const Words& pixels) { return pixels << 1 | pixels >> 1; }
 
-// A row's pixels and their left and right neighbours, across words too.
+// The pixels themselves and their left and right neighbours, across word boundaries.
 NUQI_INLINE Words reach_of(const CannyWord* words) {
   const Words here = load_words(words);
   return here | left_and_right(here) | load_words(words - 1) >> 63 | load_words(words + 1) << 63;
 }
 
-// Marks the open pixels that the edges of the same words and those `away` reach, and most that these
-// reach in turn: the whole run to the right, along which a carry travels, and three pixels to the
-// left. What other words of the same row hold is left for later: it has just been stored, and a load
-// that spans two stores waits for both.
+// Turns into edges the open pixels next to an edge of the same words or of those `away`, and most of what
+// these reach in turn: the whole run of open pixels to the right (an addition's carry propagates along
+// it) and three pixels to the left. Neighbouring words of the same row are left to push(): they have just
+// been stored, and a load that spans two recent stores fails store forwarding.
 NUQI_INLINE void pull(const CannyJob& job, int64_t i, int64_t away) {
   const Words open = load_words(job.open + i), edges = load_words(job.edges + i);
   const Words kept = open | edges;
@@ -148,7 +151,7 @@ NUQI_INLINE void pull(const CannyJob& job, int64_t i, int64_t away) {
   store((uint64_t*)job.open + i, kept & ~runs);
 }
 
-// Marks the open pixels next to edges, and pushes their words.
+// Turns the open neighbours of edges into edges, and pushes their words.
 NUQI_INLINE int64_t push(const CannyJob& job, int64_t i, int64_t count) {
   const Words found = load_words(job.open + i) &
                       (reach_of(job.edges + i - job.row_words) | reach_of(job.edges + i) |
@@ -173,8 +176,8 @@ int64_t sweep(const CannyJob& job) {
       if (job.edges[i] != 0) store_one(job.stack + count++, (uint32_t)i);
     return count;
   }
-  // Down and up at once, since neither waits for what the other has just stored. The last block
-  // overlaps.
+  // One sweep down and one up, interleaved: two independent dependency chains through memory. The last
+  // block overlaps the one before it.
   for (int64_t i = 0; i < last; i += kWords) {
     pull(job, i, -job.row_words);
     pull(job, last - i, job.row_words);
