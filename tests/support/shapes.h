@@ -1,0 +1,88 @@
+// The shapes, walls and paddings that agreement tests run through.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <ostream>
+
+#include "support/values.h"
+#include "support/walls.h"
+
+namespace nuqi::test {
+
+// What a call's images look like: WalledImage takes `padding[i]` for the rows of image i.
+struct Case {
+  static constexpr int kMostImages = 5;
+
+  RoiSize roi;
+  Wall wall = Wall::after;
+  std::array<int, kMostImages> padding = {};
+};
+
+inline std::ostream& operator<<(std::ostream& out, const Case& c) {
+  out << c.roi.width << "x" << c.roi.height << " wall "
+      << (c.wall == Wall::after ? "after" : "before") << " padding";
+  for (int padding : c.padding)
+    padding == kFarApart       ? out << " far"
+    : padding == kWallsBetween ? out << " walls"
+                               : out << " " << padding;
+  return out;
+}
+
+// Whether the machine has the addresses for images whose rows lie far apart.
+inline bool far_rows_fit() {
+  static const bool fit = [] {
+    const uint64_t bytes = uint64_t{Case::kMostImages} << 33;
+    void* room = MAP_FAILED;
+    if (sizeof(void*) == 8)
+      room = mmap(nullptr, static_cast<size_t>(bytes), PROT_NONE,
+                  MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (room != MAP_FAILED) return munmap(room, static_cast<size_t>(bytes)) == 0;
+    std::puts("[  SKIPPED ] rows 2^31 bytes apart: not enough addresses");
+    return false;
+  }();
+  return fit;
+}
+
+// Calls visit(c) with cases for `images` images: all tight, all padded, each alone padded, mixtures. What is wrong
+// for one combination of steps alone, such as taking the rows of all for back to back, shows there.
+// Stops at the first fatal failure.
+template <class Visit>
+void for_each_case(const char* function, int images, const Visit& visit) {
+  const int kinds = (images + 3) | 1;  // odd, so that each meets all widths, whatever register
+  int number = 0;
+  Random random(static_cast<uint64_t>(images));
+  const auto paddings = [&] {
+    const int kind = number++ % kinds;
+    std::array<int, Case::kMostImages> padding = {};
+    for (int i = 0; i < images; ++i) {
+      const bool padded = kind == 0           ? false
+                          : kind == 1         ? true
+                          : kind - 2 < images ? i == kind - 2
+                                              : random.bits() % 2 != 0;
+      if (padded) padding[i] = random.between(0, 3) == 0 ? kWallsBetween : random.between(1, 9);
+    }
+    return padding;
+  };
+  const auto run = [&](const Case& c) {
+    if (testing::Test::HasFatalFailure()) return;
+    SCOPED_TRACE(testing::Message() << function << " " << c);
+    visit(c);
+  };
+  const auto at_both_walls = [&](RoiSize roi) {
+    for (Wall wall : {Wall::after, Wall::before}) run({roi, wall, paddings()});
+  };
+
+  for (int width = 1; width <= 70; ++width) at_both_walls({width, random.between(1, 5)});
+  for (RoiSize roi : {RoiSize{129, 17}, {320, 3}, {641, 5}, {1023, 2}, {1, 200}})
+    at_both_walls(roi);
+  if (far_rows_fit()) {
+    Case far = {{70, 4}};
+    far.padding.fill(kFarApart);
+    run(far);
+  }
+}
+
+}  // namespace nuqi::test
