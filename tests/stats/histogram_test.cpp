@@ -137,6 +137,17 @@ TEST(JointHistogram, ClearsByCountNotByRows) {
   expect_joint({{60, 5}}, across, down, 6);   // rows that overlap
 }
 
+TEST(JointHistogram, RowsOfCountersMayLieFarApart) {
+  if (!far_rows_fit()) GTEST_SKIP() << "no room for rows 2^31 bytes apart";
+  WalledImage<int32_t> hist({2, 4}, kFarApart, Wall::before);
+  hist.fill([] { return 0; });
+  const uint8_t src[8] = {0, 0, 200, 100, 0, 255, 1, 250};
+  const int32_t counts[2] = {1, 4}, levels[7] = {0, 256, 0, 50, 150, 240, 256};
+  ASSERT_EQ(nuqiCalcHist_8u_C2R(src, 8, {4, 1}, hist.data(), hist.step(), counts, levels),
+            StatusOk);
+  EXPECT_EQ(hist.pixels(), (std::vector<int32_t>{1, 0, 1, 0, 0, 0, 2, 0}));
+}
+
 TEST(JointHistogramStatus, FirstFailureWinsAndNothingIsWritten) {
   const auto expect = [](const char* what, StatusCode status, auto spoil) {
     struct {
