@@ -78,8 +78,9 @@ std::vector<D> in_stripes(const StripeMember<T, D>& member, ConvolState* state,
   for (size_t i = 0; i < heights.size(); ++i) {
     const bool first = i == 0, last = i + 1 == heights.size();
     const int phase = first && last ? 0 : first ? 1 : last ? 2 : 4;
+    const Case how = {{}, Wall::after, {i % 2 == 0 ? 0 : kWallsBetween, static_cast<int>(i % 3)}};
     run_stripe(member, state, picture, y, heights[i], phase,
-               heights[i] - (first ? half : 0) + (last ? half : 0), {}, out);
+               heights[i] - (first ? half : 0) + (last ? half : 0), how, out);
     y += heights[i];
   }
   return out;

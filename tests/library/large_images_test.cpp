@@ -113,12 +113,21 @@ TEST_P(LargeImages, PlacesBeyond32Bits) {
   EXPECT_EQ((std::vector<float>{min, max}), (std::vector<float>{7, 200}));
   EXPECT_EQ((std::vector<int32_t>{min_at.x, min_at.y, max_at.x, max_at.y}),
             (std::vector<int32_t>{5, 32760, 65535, 32771}));
-  const RoiSize roi = {kRoi.width, kRoi.height / 3};
-  ASSERT_EQ(nuqiMinMaxIndx_8u_C3CR(dst.data(), 3 * kStep, roi, 3, &min, &max, &min_at, &max_at),
+  const RoiSize thirds = {kRoi.width, kRoi.height / 3};
+  ASSERT_EQ(nuqiMinMaxIndx_8u_C3CR(dst.data(), 3 * kStep, thirds, 3, &min, &max, &min_at, &max_at),
             StatusOk);
   EXPECT_EQ((std::vector<float>{min, max}), (std::vector<float>{7, 200}));
   EXPECT_EQ((std::vector<int32_t>{min_at.x, min_at.y, max_at.x, max_at.y}),
             (std::vector<int32_t>{1, 10920, 65535, 10923}));
+
+  // One row as long as they come, whose last pixel is the largest.
+  dst.data()[INT32_MAX - 1] = 150;
+  const RoiSize row = {INT32_MAX, 1};
+  ASSERT_EQ(nuqiMinMaxIndx_8u_C1R(dst.data(), INT32_MAX, row, &min, &max, &min_at, &max_at),
+            StatusOk);
+  EXPECT_EQ((std::vector<float>{min, max}), (std::vector<float>{7, 150}));
+  EXPECT_EQ((std::vector<int32_t>{min_at.x, min_at.y, max_at.x, max_at.y}),
+            (std::vector<int32_t>{32760 * kRoi.width + 5, 0, INT32_MAX - 1, 0}));
 }
 
 }  // namespace
