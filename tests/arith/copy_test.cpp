@@ -20,14 +20,16 @@ std::vector<uint8_t> bytes_of(const std::vector<T>& values) {
   return bytes;
 }
 
+constexpr const char* kPlanes[] = {"plane 0", "plane 1", "plane 2", "plane 3"};
+
 // The images of one call, filled with any bits. The array of planes ends at a wall, too.
 template <class T>
 struct Fixture {
   Fixture(int count, const Case& c, uint64_t seed)
       : channels(count),
         roi(c.roi),
-        pixels(roi, c.padding[0], c.wall, channels),
-        array(channels * sizeof(T*), Wall::after) {
+        pixels("pixels", c, 0, channels),
+        array(channels * sizeof(T*), Wall::after, "array of planes") {
     Random random(seed);
     const auto any_bits = [&] {
       T value;
@@ -37,7 +39,7 @@ struct Fixture {
     };
     pixels.fill(any_bits);
     for (int k = 0; k < channels; ++k) {
-      planes.push_back(std::make_unique<WalledImage<T>>(roi, c.padding[1], c.wall));
+      planes.push_back(std::make_unique<WalledImage<T>>(kPlanes[k], c, 1));
       planes[k]->fill(any_bits);
       give(k);
     }

@@ -26,10 +26,7 @@ const Times kTimes[] = {{10.0f, 5.0f},  {5.0f, 5.0f},  {-0.0f, 0.0f}, {3.0f, 7.5
 
 struct Fixture {
   Fixture(const Case& c, Times t, uint64_t seed)
-      : roi(c.roi),
-        times(t),
-        silhouette(roi, c.padding[0], c.wall),
-        history(roi, c.padding[1], c.wall) {
+      : roi(c.roi), times(t), silhouette("silhouette", c, 0), history("history", c, 1) {
     Random random(seed);
     silhouette.fill([&] { return random.mask(); });
     const uint32_t threshold = motion_threshold_reference(t.timestamp, t.duration);

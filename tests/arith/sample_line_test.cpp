@@ -14,8 +14,7 @@ namespace {
 // An image at a wall, and room for a line's samples at another.
 template <class T>
 struct Fixture {
-  Fixture(int count, const Case& c)
-      : channels(count), roi(c.roi), src(roi, c.padding[0], c.wall, channels) {
+  Fixture(int count, const Case& c) : channels(count), roi(c.roi), src("source", c, 0, channels) {
     Random random(static_cast<uint64_t>(roi.width) * 100 + roi.height);
     src.fill([&] { return random.value<T>(); });
   }
@@ -29,7 +28,8 @@ struct Fixture {
   }
   void expect_agreement(const SampleLineMember<T>& member, PixelPoint start, PixelPoint end) {
     const std::vector<T> wanted = expected(start, end);
-    WalledBytes dst(wanted.size() * sizeof(T), Wall::after);
+    const Running now(member.name, roi);
+    WalledBytes dst(wanted.size() * sizeof(T), Wall::after, "destination");
     T* out = reinterpret_cast<T*>(dst.data());
     ASSERT_EQ(member.call(src.data(), src.step(), roi, out, start, end),
               static_cast<int32_t>(wanted.size()) / channels);

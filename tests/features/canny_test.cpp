@@ -29,10 +29,10 @@ int32_t buffer_size(RoiSize roi) {
 struct Fixture {
   explicit Fixture(const Case& c, int odd = 0)
       : roi(c.roi),
-        dx(roi, c.padding[0], c.wall),
-        dy(roi, c.padding[0], c.wall),  // walked by each other's steps
-        dst(roi, c.padding[1], c.wall),
-        buffer(static_cast<size_t>(buffer_size(roi)) + odd, c.wall),
+        dx("dx", c, 0),
+        dy("dy", c, 0),  // walked by each other's steps
+        dst("destination", c, 1),
+        buffer(static_cast<size_t>(buffer_size(roi)) + odd, c.wall, "buffer"),
         odd(odd) {
     std::memset(buffer.data(), 0xA5, buffer.size());
   }
@@ -45,6 +45,7 @@ struct Fixture {
   }
   void expect_agreement(float low, float high, const char* image) {
     SCOPED_TRACE(testing::Message() << image << " thresholds " << low << " " << high);
+    const Running now("nuqiCanny_16s8u_C1R", roi);
     ASSERT_EQ(call_canny(args(low, high)), StatusOk);
     ASSERT_TRUE(same_bits(expected(low, high), dst.pixels()));
     ASSERT_TRUE(dst.padding_untouched());

@@ -17,8 +17,8 @@ struct Fixture {
 
   Fixture(const Case& c, uint64_t seed, int32_t bottom_up_ = 0, int32_t shift_ = 0)
       : roi(c.roi),
-        src(roi, c.padding[0], c.wall),
-        dst(roi, c.padding[1], c.wall),
+        src("source", c, 0),
+        dst("destination", c, 1),
         bottom_up(bottom_up_),
         shift(shift_) {
     Random random(seed);

@@ -46,8 +46,9 @@ void run_stripe(const StripeMember<T, D>& member, ConvolState* state, const Pict
                 int y, int rows, int phase, int expected_rows, const Case& how,
                 std::vector<D>& out) {
   const int32_t width = picture.roi.width;
-  WalledImage<T> src({width, rows}, how.padding[0], how.wall);
-  WalledImage<D> dst({width, expected_rows}, how.padding[1], how.wall);
+  WalledImage<T> src({width, rows}, how.padding[0], how.wall, 1, "source");
+  WalledImage<D> dst({width, expected_rows}, how.padding[1], how.wall, 1, "destination");
+  const Running now(member.name, {width, rows});
   size_t i = static_cast<size_t>(y) * width;
   src.fill([&] { return picture.pixels[i++]; });
   RoiSize roi = {width, rows};

@@ -29,10 +29,11 @@ void fill(WalledImage<uint8_t>& image, uint64_t seed) {
 
 void expect_histogram(const Case& c, const std::vector<uint8_t>& levels) {
   SCOPED_TRACE(testing::Message() << levels.size() << " levels");
-  WalledImage<uint8_t> src(c.roi, c.padding[0], c.wall);
+  WalledImage<uint8_t> src("source", c, 0);
   fill(src, static_cast<uint64_t>(c.roi.width));
   const std::vector<int32_t> expected = histogram_reference(src.pixels(), levels);
-  WalledBytes hist(expected.size() * 4, Wall::after), walled(levels.size(), Wall::after);
+  WalledBytes hist(expected.size() * 4, Wall::after, "histogram");
+  WalledBytes walled(levels.size(), Wall::after, "levels");
   std::memcpy(walled.data(), levels.data(), levels.size());
   auto* bins = reinterpret_cast<int32_t*>(hist.data());
   ASSERT_EQ(nuqiCalcHist_8u_C1R(src.data(), src.step(), c.roi, bins,
@@ -83,7 +84,7 @@ TEST(HistogramStatus, FirstFailureWinsAndNothingIsWritten) {
 
 void expect_joint(const Case& c, const Levels& across, const Levels& down, int32_t step) {
   SCOPED_TRACE(testing::Message() << "histogram step " << step);
-  WalledImage<uint8_t> src(c.roi, c.padding[0], c.wall, 2);
+  WalledImage<uint8_t> src("source", c, 0, 2);
   fill(src, static_cast<uint64_t>(c.roi.width) + 1);
   const int32_t counts[2] = {static_cast<int>(across.size()) - 1,
                              static_cast<int>(down.size()) - 1};
@@ -92,7 +93,8 @@ void expect_joint(const Case& c, const Levels& across, const Levels& down, int32
   // All counters that are cleared, and all rows; what neither touches stays.
   const int64_t rows_end = int64_t{std::max(step, 0)} * (counts[1] - 1) + counts[0] * 4;
   const size_t size = std::max<int64_t>(rows_end, int64_t(across.size() * down.size()) * 4);
-  WalledBytes hist(size, Wall::after);
+  const Running now("nuqiCalcHist_8u_C2R", c.roi);
+  WalledBytes hist(size, Wall::after, "histogram");
   std::memset(hist.data(), 0x11, size);
   std::vector<uint8_t> expected(hist.data(), hist.data() + size);
   joint_histogram_reference(src.pixels(), across, down, step, expected);

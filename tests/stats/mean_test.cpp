@@ -33,8 +33,8 @@ struct Fixture {
       : member(member),
         roi(c.roi),
         coi(channel),
-        src(roi, c.padding[0], c.wall, member.channels),
-        mask(roi, c.padding[1], c.wall) {
+        src("source", c, 0, member.channels),
+        mask("mask", c, 1) {
     Random random(seed);
     pixels = {static_cast<size_t>(roi.width), static_cast<size_t>(roi.height), {}, {}};
     mask.fill([&] {

@@ -58,10 +58,7 @@ T pixel_of(Picture picture, Random& random, int index, int pixels) {
 template <class T>
 struct Fixture {
   Fixture(const Case& c, int channels_, Picture picture, uint64_t seed)
-      : roi(c.roi),
-        channels(channels_),
-        src(roi, c.padding[0], c.wall, channels),
-        mask(roi, c.padding[1], c.wall) {
+      : roi(c.roi), channels(channels_), src("source", c, 0, channels), mask("mask", c, 1) {
     Random random(seed);
     const int pixels = roi.width * roi.height * channels;
     int index = 0;

@@ -31,9 +31,9 @@ struct Fixture {
   Fixture(const Case& c, int channels_, uint64_t seed, Values values = Values::plain)
       : roi(c.roi),
         channels(channels_),
-        src(roi, c.padding[0], c.wall, channels),
-        src2(roi, c.padding[1], c.wall, channels),
-        mask(roi, c.padding[2], c.wall) {
+        src("source", c, 0, channels),
+        src2("second source", c, 1, channels),
+        mask("mask", c, 2) {
     Random random(seed);
     mask.fill([&] { return random.mask(); });
     src.fill([&] { return value_of<T>(random, values); });

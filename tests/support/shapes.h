@@ -3,24 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdio>
 #include <ostream>
 #include <vector>
 
+#include "support/crash.h"
 #include "support/values.h"
 #include "support/walls.h"
 
 namespace nuqi::test {
-
-// What a call's images look like: WalledImage takes `padding[i]` for the rows of image i.
-struct Case {
-  static constexpr int kMostImages = 5;
-
-  RoiSize roi;
-  Wall wall = Wall::after;
-  std::array<int, kMostImages> padding = {};
-};
 
 inline std::ostream& operator<<(std::ostream& out, const Case& c) {
   out << c.roi.width << "x" << c.roi.height << " wall "
@@ -71,6 +62,7 @@ void for_each_case(const char* function, int images, const Visit& visit,
   const auto run = [&](const Case& c) {
     if (testing::Test::HasFatalFailure()) return;
     SCOPED_TRACE(testing::Message() << function << " " << c);
+    const Running now(function, c.roi);
     visit(c);
   };
   const auto at_both_walls = [&](RoiSize roi) {

@@ -13,7 +13,7 @@ namespace {
 template <class T>
 struct Fixture {
   Fixture(const Case& c, uint64_t seed)
-      : roi(c.roi), src(roi, c.padding[0], c.wall), dst(roi, c.padding[1], c.wall) {
+      : roi(c.roi), src("source", c, 0), dst("destination", c, 1) {
     Random random(seed);
     src.fill([&] { return random.value<T>(); });
     level = random.value<T>();
