@@ -36,7 +36,7 @@ void register_abs_diff() {
   });
 }
 
-const Family abs_diff(register_abs_diff);
+const Family family(register_abs_diff);
 
 }  // namespace
 }  // namespace nuqi::bench

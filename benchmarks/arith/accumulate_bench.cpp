@@ -101,7 +101,7 @@ void register_accumulate() {
   });
 }
 
-const Family accumulate(register_accumulate);
+const Family family(register_accumulate);
 
 }  // namespace
 }  // namespace nuqi::bench

@@ -65,7 +65,7 @@ void register_copy() {
   });
 }
 
-const Family copy(register_copy);
+const Family family(register_copy);
 
 }  // namespace
 }  // namespace nuqi::bench

@@ -40,7 +40,7 @@ void register_fast_arctan() {
   }
 }
 
-const Family fast_arctan(register_fast_arctan);
+const Family family(register_fast_arctan);
 
 }  // namespace
 }  // namespace nuqi::bench

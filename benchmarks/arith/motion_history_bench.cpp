@@ -28,7 +28,7 @@ void register_motion_history() {
   }
 }
 
-const Family motion_history(register_motion_history);
+const Family family(register_motion_history);
 
 }  // namespace
 }  // namespace nuqi::bench

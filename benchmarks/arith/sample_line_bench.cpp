@@ -58,7 +58,7 @@ void register_sample_line() {
   });
 }
 
-const Family sample_line(register_sample_line);
+const Family family(register_sample_line);
 
 }  // namespace
 }  // namespace nuqi::bench

@@ -30,7 +30,7 @@ void register_canny() {
   }
 }
 
-const Family canny(register_canny);
+const Family family(register_canny);
 
 }  // namespace
 }  // namespace nuqi::bench

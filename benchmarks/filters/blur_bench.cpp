@@ -39,7 +39,7 @@ void register_blur() {
   });
 }
 
-const Family blur(register_blur);
+const Family family(register_blur);
 
 }  // namespace
 }  // namespace nuqi::bench

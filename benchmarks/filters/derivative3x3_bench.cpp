@@ -88,7 +88,7 @@ void register_derivative3x3() {
   });
 }
 
-const Family derivative3x3(register_derivative3x3);
+const Family family(register_derivative3x3);
 
 }  // namespace
 }  // namespace nuqi::bench

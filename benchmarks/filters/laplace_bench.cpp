@@ -16,7 +16,7 @@ void register_laplace() {
   });
 }
 
-const Family laplace(register_laplace);
+const Family family(register_laplace);
 
 }  // namespace
 }  // namespace nuqi::bench

@@ -16,7 +16,7 @@ void register_sobel() {
   });
 }
 
-const Family sobel(register_sobel);
+const Family family(register_sobel);
 
 }  // namespace
 }  // namespace nuqi::bench

@@ -103,7 +103,7 @@ void register_mean() {
   });
 }
 
-const Family mean(register_mean);
+const Family family(register_mean);
 
 }  // namespace
 }  // namespace nuqi::bench

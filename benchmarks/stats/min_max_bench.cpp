@@ -103,7 +103,7 @@ void register_min_max() {
   });
 }
 
-const Family min_max(register_min_max);
+const Family family(register_min_max);
 
 }  // namespace
 }  // namespace nuqi::bench

@@ -116,7 +116,7 @@ void register_norm() {
   });
 }
 
-const Family norm(register_norm);
+const Family family(register_norm);
 
 }  // namespace
 }  // namespace nuqi::bench

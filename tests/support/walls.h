@@ -4,9 +4,9 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <vector>
 
 #include "nuqi/nuqi.h"
@@ -16,41 +16,42 @@ namespace nuqi::test {
 enum class Wall { after, before };
 
 // Bytes between two inaccessible pages, touching the one that `wall` names. Of rows of bytes, `step`
-// apart, each has such pages of its own where they fit between.
+// apart, each has such pages of its own where they fit between. The report of a crash calls them by
+// their name (support/crash.h).
 class WalledBytes {
  public:
-  WalledBytes(size_t size, Wall wall) : WalledBytes(1, size, size, wall) {}
-  WalledBytes(int rows, size_t row, size_t step, Wall wall)
-      : size_(rows == 0 ? 0 : step * (rows - 1) + row) {
-    const size_t page = page_size(), inner = (size_ + page - 1) / page * page;
-    mapped_ = inner + 2 * page;
-    base_ = static_cast<uint8_t*>(
-        mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
-    if (base_ == MAP_FAILED) throw std::bad_alloc();
-    data_ = base_ + page + (wall == Wall::after ? inner - size_ : 0);
-    if (step < row + 2 * page)
-      open(data_, size_);
-    else
-      for (int y = 0; y < rows; ++y) open(data_ + y * step, row);
-  }
+  WalledBytes(size_t size, Wall wall, const char* name = "buffer")
+      : WalledBytes(1, size, size, wall, name) {}
+  WalledBytes(int rows, size_t row, size_t step, Wall wall, const char* name = "buffer");
   WalledBytes(const WalledBytes&) = delete;
   WalledBytes& operator=(const WalledBytes&) = delete;
-  ~WalledBytes() { munmap(base_, mapped_); }
+  ~WalledBytes();
 
   static size_t page_size() { return static_cast<size_t>(sysconf(_SC_PAGESIZE)); }
   uint8_t* data() { return data_; }
   size_t size() const { return size_; }
+  const char* name() const { return name_; }
+
+  // Where an address lies that is not one of the bytes: `distance` bytes beside them, or beside a row
+  // of them, which is -1 where rows have no walls of their own.
+  struct Hit {
+    Wall side;
+    size_t distance;
+    int row;
+  };
+  Hit hit(const uint8_t* address) const;
+  // The living bytes whose wall holds the address, or null.
+  static const WalledBytes* with_wall_at(const uint8_t* address);
 
  private:
-  // Makes the pages accessible that hold these bytes.
-  void open(uint8_t* from, size_t size) {
-    const size_t page = page_size(), before = (from - base_) % page;
-    if (size != 0 && mprotect(from - before, before + size, PROT_READ | PROT_WRITE) != 0)
-      throw std::bad_alloc();
-  }
+  void open(uint8_t* from, size_t size);
 
-  size_t size_, mapped_;
+  const char* name_;
+  int rows_;
+  size_t row_, step_, size_, mapped_;
   uint8_t *base_, *data_;
+  WalledBytes *older_ = newest_, *newer_ = nullptr;
+  static inline WalledBytes* newest_ = nullptr;
 };
 
 // Paddings that give every row a wall of its own; and lay rows so far apart that the offset of the
@@ -61,12 +62,12 @@ constexpr int kWallsBetween = INT32_MAX - 1, kFarApart = INT32_MAX;
 template <class T>
 class WalledImage {
  public:
-  WalledImage(RoiSize roi, int padding, Wall wall, int channels = 1)
+  WalledImage(RoiSize roi, int padding, Wall wall, int channels = 1, const char* name = "image")
       : row_elements_(static_cast<size_t>(roi.width) * channels),
         height_(roi.height),
         walls_between_(padding >= kWallsBetween),
         step_(step_of(padding)),
-        bytes_(height_, row_bytes(), static_cast<size_t>(step_), wall) {
+        bytes_(height_, row_bytes(), static_cast<size_t>(step_), wall, name) {
     if (walls_between_)
       for (int y = 0; y < height_; ++y) std::memset(row(y), 0xA5, row_bytes());
     else
