@@ -1,4 +1,4 @@
-// Turns rows into columns.
+// In-register transposes: rows become columns.
 #pragma once
 
 #include "core/simd/memory.h"
