@@ -38,7 +38,7 @@ NUQI_INLINE V third_of_48(const V& at0, const V& at15, const V& at30, Indices<I.
 // 16 p: byte 3 i to i.
 template <class V, int... I>
 NUQI_INLINE V third_by_zips(V a, V b, const V& at30, Indices<I...> lanes) {
-  // In turns the lanes of one's lower and the other's upper half.
+  // The lanes of one's lower half and the other's upper half, interleaved.
   const auto low_high = [&](const V& x, const V& y)
                             NUQI_FORCED { return zip_low(x, swap_halves(y), lanes); };
   const auto high_low = [&](const V& x, const V& y)

@@ -1,4 +1,4 @@
-// Words for finding the smallest and the largest of many lanes, and where they lie.
+// Words for finding the smallest and the largest of many lanes.
 #pragma once
 
 #include "core/simd/convert.h"

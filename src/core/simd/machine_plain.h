@@ -1,5 +1,5 @@
-// What the words need of a machine, in plain C++: the default for every register, and all that NEON and
-// unknown machines need. Another machine's file overloads what it has an instruction for.
+// What the words need of a machine, in plain C++: the defaults, which NEON and unknown machines use as
+// they are. Another machine's file overloads what it has an instruction for; docs/simd.md says how.
 #pragma once
 
 #include "core/simd/registers.h"

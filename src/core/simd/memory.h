@@ -1,4 +1,5 @@
-// Loads and stores of whole vectors and of their first lanes, and the loop that walks a row with them.
+// Loads and stores of whole vectors and of their first lanes, and the loops that walk a row with them:
+// its whole blocks, then its tail.
 #pragma once
 
 #include "core/simd/vec.h"
@@ -95,8 +96,8 @@ NUQI_INLINE void for_blocks(int64_t width, const Body& body) {
   if (x < width) body(x, First{int(width - x)});
 }
 
-// The same with body(x, part, turn): blocks take the turns 0 to Turns - 1, so that a kernel whose sums
-// are slow to follow each other can keep several.
+// The same with body(x, part, turn): blocks take the turns 0 to Turns - 1, each with an accumulator of
+// its own, where one dependency chain would be bound by the latency of its additions.
 template <int N, int Turns, class Body>
 NUQI_INLINE void for_blocks_in_turns(int64_t width, const Body& body) {
   int64_t x = 0;

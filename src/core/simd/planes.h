@@ -6,7 +6,7 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// C registers: one a channel, or as many pixels with their channels in turns.
+// C registers: one for each channel, or as many interleaved pixels.
 template <class T, int C>
 struct Regs {
   Reg<T> v[C];
@@ -62,10 +62,12 @@ NUQI_INLINE Regs<T, C> recast(const Regs<S, C>& a) {
 constexpr int kChunks = kRegBytes / 16;
 constexpr int kWords = kRegBytes / 4;
 
-// ---- By byte shuffles. Three channels: fields of one size, a unit of n fields in each of three registers, n a power of
-// two: field j of register k is number n * k + j of 3 * n, and belongs to channel (n * k + j) mod 3.
-// So the fields of a channel lie at different places of the three units: two blends bring them into
-// one, a permutation into order. n * n = 1 mod 3, and 43 * 3 = 1 mod 64.
+// ---- By shuffles, of bytes too
+//
+// Three channels: fields of one size, a unit of n fields in each of three registers, n a power of two.
+// Field j of register k is number n * k + j of 3 * n, and belongs to channel (n * k + j) mod 3. So the
+// fields of a channel lie at different places of the three units: two blends bring them into one, a
+// permutation into order. n * n = 1 mod 3, and 43 * 3 = 1 mod 64.
 template <class T, int fields>
 struct Unit {
   static constexpr int n = fields;
@@ -138,10 +140,10 @@ NUQI_INLINE Regs<T, 3> interleave_by_shuffles(const Regs<T, 3>& planes) {
         interleave_fields<Chunks>(recast<int64_t>(interleave_fields<Unit<T, 16>>(planes))));
 }
 
-// Four channels. Every chunk is turned, by the number k of its register, so that word q of it is
+// Four channels. Every chunk is rotated, by the number k of its register, so that word q of it is
 // of channel (q - k) mod 4; then the words of a channel lie at different places, as above.
 template <int k, bool split, class T, int N, int... I>
-NUQI_INLINE Vec<T, N> turn_at(const Vec<T, N>& a, Indices<I...>) {
+NUQI_INLINE Vec<T, N> rotate_at(const Vec<T, N>& a, Indices<I...>) {
   constexpr auto from = [](int lane) {
     if (sizeof(T) == 4) return lane / 4 * 4 + (lane + (split ? 4 - k : k)) % 4;
     const int word = lane / 4 % 4, byte = lane % 4;
@@ -150,10 +152,10 @@ NUQI_INLINE Vec<T, N> turn_at(const Vec<T, N>& a, Indices<I...>) {
   return {{__builtin_shufflevector(a.r[0], a.r[0], from(I)...)}};
 }
 template <bool split, class T>
-NUQI_INLINE Regs<T, 4> turn(const Regs<T, 4>& in) {
+NUQI_INLINE Regs<T, 4> rotate(const Regs<T, 4>& in) {
   const typename UpTo<Reg<T>::kLanes>::Type lanes;
-  return {{turn_at<0, split>(in.v[0], lanes), turn_at<1, split>(in.v[1], lanes),
-           turn_at<2, split>(in.v[2], lanes), turn_at<3, split>(in.v[3], lanes)}};
+  return {{rotate_at<0, split>(in.v[0], lanes), rotate_at<1, split>(in.v[1], lanes),
+           rotate_at<2, split>(in.v[2], lanes), rotate_at<3, split>(in.v[3], lanes)}};
 }
 
 // Of every `period` words the first half from a, the second from b.
@@ -188,15 +190,17 @@ NUQI_INLINE Regs<uint32_t, 4> order(const Regs<uint32_t, 4>& in) {
 
 template <class T>
 NUQI_INLINE Regs<T, 4> deinterleave_by_shuffles(const Regs<T, 4>& in) {
-  return recast<T>(order<true>(exchange(recast<uint32_t>(turn<true>(in)))));
+  return recast<T>(order<true>(exchange(recast<uint32_t>(rotate<true>(in)))));
 }
 template <class T>
 NUQI_INLINE Regs<T, 4> interleave_by_shuffles(const Regs<T, 4>& planes) {
-  return turn<false>(recast<T>(exchange(order<false>(recast<uint32_t>(planes)))));
+  return rotate<false>(recast<T>(exchange(order<false>(recast<uint32_t>(planes)))));
 }
 
-// ---- By zips. Three channels: planes of elements become planes of pairs, Pair being two
-// elements wide. Of a0 b0 c0 a1 b1 c1 ... the pairs are a0 b0, c0 a1 and b1 c1, and so on.
+// ---- By zips
+//
+// Three channels: planes of elements become planes of pairs, Pair being two elements wide. Of
+// a0 b0 c0 a1 b1 c1 ... the pairs are a0 b0, c0 a1 and b1 c1, and so on.
 template <int Bytes>
 struct PairOf;
 template <>
@@ -255,8 +259,8 @@ NUQI_INLINE Regs<T, 3> interleave_by_zips(const Regs<T, 3>& planes) {
   }
 }
 
-// Four channels: zips. Of n elements in four registers, the first and second half in turns: element
-// i moves to 2 * i mod (n - 1). Twice, that joins four planes; log2(n / 4) times, it splits them.
+// Four channels: perfect shuffles, which interleave the halves of n elements in four registers. Element
+// i moves to 2 * i mod (n - 1). Twice, that interleaves planes; log2(n / 4) times, it deinterleaves.
 template <int half, class T, int N, int... I>
 NUQI_INLINE Vec<T, N> zip_at(const Vec<T, N>& a, const Vec<T, N>& b, Indices<I...>) {
   return {{__builtin_shufflevector(a.r[0], b.r[0], (half * N / 2 + I / 2 + I % 2 * N)...)}};

@@ -1,5 +1,5 @@
-// Whole vectors in brief: bits of their lanes, horizontal reductions, sums of neighbouring lanes, and
-// running sums of bytes.
+// From vectors to fewer lanes: bits of comparisons, horizontal reductions, sums of neighbouring lanes;
+// and accumulators of bytes.
 #pragma once
 
 #include "core/simd/convert.h"
@@ -104,7 +104,7 @@ NUQI_INLINE Vec<int32_t, N / 2> dot_pairs(const Vec<int16_t, N>& a, const Vec<in
       [&](int i) NUQI_FORCED { return machine::dot_pairs(a.r[i], b.r[i]); });
 }
 
-// ---- Over many pixels
+// ---- Accumulators of bytes
 
 // Running sums of bytes and of their squares, by dot products of bytes.
 template <class T, bool squares>
@@ -152,7 +152,7 @@ class ByteSumsByDots {
   int used_ = 0;
 };
 
-// The same by sums of eight bytes and dot products of 16-bit pairs.
+// The same by sums of eight bytes, and dot products of pairs of 16-bit lanes.
 template <class T, bool squares>
 class ByteSumsByPairs {
  public:

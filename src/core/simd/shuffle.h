@@ -1,4 +1,4 @@
-// Lanes moved to their neighbours' places, and the lanes of two registers in turns.
+// Lane permutations: by one place, and interleaving two registers.
 #pragma once
 
 #include "core/simd/vec.h"
@@ -47,7 +47,7 @@ NUQI_INLINE Vec<T, 2 * N> concat(const Vec<T, N>& a, const Vec<T, N>& b) {
   return {{a.r[0], b.r[0]}};
 }
 
-// The lanes of two registers in turns, a0 b0 a1 b1 ..., within groups of sixteen bytes: the first
+// The lanes of two registers interleaved, a0 b0 a1 b1 ..., within groups of sixteen bytes: the first
 // register gets the lower halves of all groups, the second one the upper halves.
 template <class T, int N>
 NUQI_INLINE Vec<T, N> zip_groups(const Vec<T, N>& a) {
