@@ -143,7 +143,7 @@ NUQI_INLINE Regs<T, 3> interleave_by_shuffles(const Regs<T, 3>& planes) {
 // Four channels. Every chunk is rotated, by the number k of its register, so that word q of it is
 // of channel (q - k) mod 4; then the words of a channel lie at different places, as above.
 template <int k, bool split, class T, int N, int... I>
-NUQI_INLINE Vec<T, N> rotate_at(const Vec<T, N>& a, Indices<I...>) {
+NUQI_INLINE Vec<T, N> rotate_chunk(const Vec<T, N>& a, Indices<I...>) {
   constexpr auto from = [](int lane) {
     if (sizeof(T) == 4) return lane / 4 * 4 + (lane + (split ? 4 - k : k)) % 4;
     const int word = lane / 4 % 4, byte = lane % 4;
@@ -152,10 +152,10 @@ NUQI_INLINE Vec<T, N> rotate_at(const Vec<T, N>& a, Indices<I...>) {
   return {{__builtin_shufflevector(a.r[0], a.r[0], from(I)...)}};
 }
 template <bool split, class T>
-NUQI_INLINE Regs<T, 4> rotate(const Regs<T, 4>& in) {
+NUQI_INLINE Regs<T, 4> rotate_chunks(const Regs<T, 4>& in) {
   const typename UpTo<Reg<T>::kLanes>::Type lanes;
-  return {{rotate_at<0, split>(in.v[0], lanes), rotate_at<1, split>(in.v[1], lanes),
-           rotate_at<2, split>(in.v[2], lanes), rotate_at<3, split>(in.v[3], lanes)}};
+  return {{rotate_chunk<0, split>(in.v[0], lanes), rotate_chunk<1, split>(in.v[1], lanes),
+           rotate_chunk<2, split>(in.v[2], lanes), rotate_chunk<3, split>(in.v[3], lanes)}};
 }
 
 // Of every `period` words the first half from a, the second from b.
@@ -190,11 +190,11 @@ NUQI_INLINE Regs<uint32_t, 4> order(const Regs<uint32_t, 4>& in) {
 
 template <class T>
 NUQI_INLINE Regs<T, 4> deinterleave_by_shuffles(const Regs<T, 4>& in) {
-  return recast<T>(order<true>(exchange(recast<uint32_t>(rotate<true>(in)))));
+  return recast<T>(order<true>(exchange(recast<uint32_t>(rotate_chunks<true>(in)))));
 }
 template <class T>
 NUQI_INLINE Regs<T, 4> interleave_by_shuffles(const Regs<T, 4>& planes) {
-  return rotate<false>(recast<T>(exchange(order<false>(recast<uint32_t>(planes)))));
+  return rotate_chunks<false>(recast<T>(exchange(order<false>(recast<uint32_t>(planes)))));
 }
 
 // ---- By zips
