@@ -50,9 +50,9 @@ StatusCode split(const T* data, int32_t dataStep, T* const planes[], int32_t ste
   if (empty(roi)) return StatusOk;
   const auto& kernels = copy_kernels().of_type<Bits<T>>();
   if (given == 1) {
-    kernels.extract[channels - 3][channel]({src, {plane}, roi});
+    kernels.extract[channels - 3][channel]({.src = src, .planes = {plane}, .roi = roi});
   } else {
-    SplitJob<Bits<T>> job = {src, {}, roi};
+    SplitJob<Bits<T>> job = {.src = src, .planes = {}, .roi = roi};
     for (int k = 0; k < channels; ++k) job.planes[k] = bits_of(planes[k], step);
     kernels.split[channels - 3](job);
   }
@@ -74,7 +74,7 @@ StatusCode join(const T* const planes[], int32_t step, T* data, int32_t dataStep
   // clang-format on
 
   ContiguousCollapse(roi, tight(dst, roi.width, channels) && tight(plane, roi.width));
-  JoinJob<Bits<T>> job = {{}, dst, roi};
+  JoinJob<Bits<T>> job = {.planes = {}, .dst = dst, .roi = roi};
   for (int k = 0; k < channels; ++k) job.planes[k] = bits_of(planes[k], step);
   copy_kernels().of_type<Bits<T>>().join[channels - 3](job);
   return StatusOk;

@@ -45,8 +45,12 @@ StatusCode check(const StripeCall<T, D>& call, int (*buffers_for)(int size)) {
 
 template <class T, class D>
 Stripe stripe_of(const StripeCall<T, D>& call) {
-  return {call.roi->height, size_of(*call.state) / 2, starts_image(call.phase),
-          ends_image(call.phase)};
+  return {
+      .height = call.roi->height,
+      .half = size_of(*call.state) / 2,
+      .first = starts_image(call.phase),
+      .last = ends_image(call.phase),
+  };
 }
 
 // Tells the caller and the state how far the image has come.
@@ -67,7 +71,11 @@ void filter_stripe(const StripeCall<T, D>& call, const Kernel& kernel) {
     const int count = static_cast<int>(std::min(kRows, stripe.produced() - y));
     for (int i = 0; i < count + 2 * stripe.half + kMostRowsAtOnce - 1; ++i)
       rows[i] = source[y - stripe.lead() + i];
-    kernel(WindowJob<T, D>{rows, {row_of(call.dst, y), call.dst.step}, {call.roi->width, count}});
+    kernel(WindowJob<T, D>{
+        .rows = rows,
+        .dst = {row_of(call.dst, y), call.dst.step},
+        .roi = {call.roi->width, count},
+    });
   }
   source.keep(call.roi->width);
   report(call, stripe);
