@@ -1,25 +1,16 @@
 // The copy family: nuqiCopy, between interleaved and planar images.
 #include "arith/copy.h"
 
+#include <type_traits>
+
 #include "core/validate.h"
 
 namespace nuqi {
 namespace {
 
-template <int bytes>
-struct UnsignedOf;
-template <>
-struct UnsignedOf<1> {
-  using Type = uint8_t;
-};
-template <>
-struct UnsignedOf<4> {
-  using Type = uint32_t;
-};
-
-// Elements are copied as integers of their size.
+// Floats are copied as integers.
 template <class T>
-using Bits = typename UnsignedOf<sizeof(T)>::Type;
+using Bits = std::conditional_t<std::is_same_v<T, float>, uint32_t, T>;
 
 template <class T>
 Image<Bits<T>> bits_of(T* data, int32_t step) {
