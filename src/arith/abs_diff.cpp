@@ -17,7 +17,8 @@ StatusCode abs_diff(Image<const T> src, Image<const T> src2, Image<T> dst, RoiSi
   // clang-format on
 
   ContiguousCollapse(roi, tight(src, roi.width) && tight(src2, roi.width) && tight(dst, roi.width));
-  abs_diff_kernels().of_type<T>().of_images({.src = src, .src2 = src2, .dst = dst, .roi = roi});
+  const AbsDiffJob<T> job = {.src = src, .src2 = src2, .dst = dst, .roi = roi};
+  abs_diff_kernels().of_type<T>().of_images(job);
   return StatusOk;
 }
 
@@ -32,8 +33,8 @@ StatusCode abs_diff_c(Image<const T> src, Image<T> dst, RoiSize roi, T constant)
   // clang-format on
 
   ContiguousCollapse(roi, tight(src, roi.width) && tight(dst, roi.width));
-  abs_diff_kernels().of_type<T>().of_constant(
-      {.src = src, .dst = dst, .roi = roi, .constant = constant});
+  const AbsDiffJob<T> job = {.src = src, .dst = dst, .roi = roi, .constant = constant};
+  abs_diff_kernels().of_type<T>().of_constant(job);
   return StatusOk;
 }
 

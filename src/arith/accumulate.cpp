@@ -33,8 +33,9 @@ StatusCode accumulate(Image<const T> src, Image<const T> src2, Image<const uint8
   ContiguousCollapse(roi, tight(src, roi.width) && (!product || tight(src2, roi.width)) &&
                               (!masked || tight(mask, roi.width)) && tight(acc, roi.width));
   if (empty(roi)) return StatusOk;
-  accumulate_kernels().of_type<T>().of[static_cast<int>(term)][masked](
-      {.src = src, .src2 = src2, .mask = mask, .acc = acc, .roi = roi, .alpha = alpha});
+  const AccumulateJob<T> job = {
+      .src = src, .src2 = src2, .mask = mask, .acc = acc, .roi = roi, .alpha = alpha};
+  accumulate_kernels().of_type<T>().of[static_cast<int>(term)][masked](job);
   return StatusOk;
 }
 

@@ -39,13 +39,13 @@ StatusCode split(const T* data, int32_t dataStep, T* const planes[], int32_t ste
 
   ContiguousCollapse(roi, tight(src, roi.width, channels) && tight(plane, roi.width));
   if (empty(roi)) return StatusOk;
-  const auto& kernels = copy_kernels().of_type<Bits<T>>();
   if (given == 1) {
-    kernels.extract[channels - 3][channel]({.src = src, .planes = {plane}, .roi = roi});
+    const SplitJob<Bits<T>> job = {.src = src, .planes = {plane}, .roi = roi};
+    copy_kernels().of_type<Bits<T>>().extract[channels - 3][channel](job);
   } else {
     SplitJob<Bits<T>> job = {.src = src, .planes = {}, .roi = roi};
     for (int k = 0; k < channels; ++k) job.planes[k] = bits_of(planes[k], step);
-    kernels.split[channels - 3](job);
+    copy_kernels().of_type<Bits<T>>().split[channels - 3](job);
   }
   return StatusOk;
 }

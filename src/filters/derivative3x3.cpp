@@ -65,13 +65,14 @@ StatusCode differentiate(Image<const T> src, Image<FilterResult<T>> dst, RoiSize
     return StatusOk;
   }
   const int32_t byte_shift = std::min(shift, 15);
-  derivative_kernels().of_type<T>().of[static_cast<int>(derivative)]({
+  const DerivativeJob<T> job = {
       .src = bottom_up ? upside_down(src, roi.height) : src,
       .dst = bottom_up ? upside_down(dst, roi.height) : dst,
       .roi = roi,
       .shift = byte_shift,
       .scale = floats ? scale_of(shift) : 0,
-  });
+  };
+  derivative_kernels().of_type<T>().of[static_cast<int>(derivative)](job);
   // Deliberate: nuqiScharr_Dy_8u16s_C1R rounds the end of the last row the other way.
   if constexpr (derivative == Derivative::scharr_dy && from_8u)
     if (bottom_up) shift_then_negate(src, dst, roi, byte_shift);

@@ -24,9 +24,9 @@ StatusCode mean_of(Image<const T> src, Image<const uint8_t> mask, RoiSize roi, i
 
   // This shows in nuqiMean_32f_C1MR: it decides which pixels are a block of eight.
   ContiguousCollapse(roi, tight(src, roi.width, channels) && tight(mask, roi.width));
+  const MeanJob<T> job = {.src = at_channel(src, coi), .mask = mask, .roi = roi};
   MeanSums sums;
-  mean_kernels().of_type<T>().mean[channels == 3](
-      {.src = at_channel(src, coi), .mask = mask, .roi = roi}, sums);
+  mean_kernels().of_type<T>().mean[channels == 3](job, sums);
   *mean = sums.count == 0 ? 0.0 : sums.sum / sums.count;
   return StatusOk;
 }
@@ -52,8 +52,8 @@ StatusCode deviation_of(Image<const T> src, Image<const uint8_t> mask, RoiSize r
   // Floats keep their rows: the column decides which partial sum a pixel belongs to.
   if (!std::is_same_v<T, float>)
     ContiguousCollapse(roi, tight(src, roi.width, channels) && (!masked || tight(mask, roi.width)));
-  mean_kernels().of_type<T>().deviation[channels == 3][masked](
-      {.src = at_channel(src, coi), .mask = mask, .roi = roi}, sums);
+  const MeanJob<T> job = {.src = at_channel(src, coi), .mask = mask, .roi = roi};
+  mean_kernels().of_type<T>().deviation[channels == 3][masked](job, sums);
   const double share = sums.count == 0 ? 0.0 : 1.0 / sums.count;
   *mean = sums.sum * share;
   *deviation =

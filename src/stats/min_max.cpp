@@ -38,8 +38,8 @@ StatusCode find(Image<const T> src, Image<const uint8_t> mask, RoiSize roi, int3
   MinMax<T> found;
   if (!empty(roi)) {
     ContiguousCollapse(roi, tight(src, width, channels) && (!masked || tight(mask, width)));
-    found = min_max_kernels().of_type<T>().of[channels == 3][masked](
-        {.src = at_channel(src, coi), .mask = mask, .roi = roi});
+    const MinMaxJob<T> job = {.src = at_channel(src, coi), .mask = mask, .roi = roi};
+    found = min_max_kernels().of_type<T>().of[channels == 3][masked](job);
   }
   // Deliberate: where one of the two was not found, neither counts.
   const bool none = found.min_at < 0 || found.max_at < 0;

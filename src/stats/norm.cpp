@@ -36,14 +36,15 @@ StatusCode measure(Image<const T> src, Image<const T> src2, Image<const uint8_t>
   const bool lanes_stay = !floats || norm == Norm::inf || width % 16 == 0;
   ContiguousCollapse(roi, lanes_stay && tight(src, width, channels) && tight(mask, width) &&
                               (!two || tight(src2, width, channels)));
+  const NormJob<T> job = {
+      .src = at_channel(src, coi),
+      .src2 = two ? at_channel(src2, coi) : src2,
+      .mask = mask,
+      .roi = roi,
+  };
   const auto& kernels = norm_kernels().of_type<T>();
   const NormTotals totals =
-      kernels.of[static_cast<int>(of)][static_cast<int>(norm)][channels == 3]({
-          .src = at_channel(src, coi),
-          .src2 = two ? at_channel(src2, coi) : src2,
-          .mask = mask,
-          .roi = roi,
-      });
+      kernels.of[static_cast<int>(of)][static_cast<int>(norm)][channels == 3](job);
   const double value = of == NormOf::relative ? relative(totals) : totals.of_image;
   *result = norm == Norm::l2 ? square_root(value) : value;
   return StatusOk;
