@@ -104,7 +104,7 @@ void register_histogram() {
   }
 }
 
-const Family histograms(register_histogram);
+const Family family(register_histogram);
 
 }  // namespace
 }  // namespace nuqi::bench

@@ -32,7 +32,7 @@ void register_threshold() {
   });
 }
 
-const Family threshold(register_threshold);
+const Family family(register_threshold);
 
 }  // namespace
 }  // namespace nuqi::bench

@@ -18,8 +18,8 @@ StatusCode threshold(Image<const T> src, Image<T> dst, RoiSize roi, T level, T v
 
   ContiguousCollapse(roi, tight(src, roi.width) && tight(dst, roi.width));
   if (empty(roi)) return StatusOk;
-  threshold_kernels().of_type<T>().threshold(
-      {.src = src, .dst = dst, .roi = roi, .level = level, .value = value});
+  const ThresholdJob<T> job = {.src = src, .dst = dst, .roi = roi, .level = level, .value = value};
+  threshold_kernels().of_type<T>().threshold(job);
   return StatusOk;
 }
 
