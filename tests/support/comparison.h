@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cinttypes>
 #include <cstdint>
+#include <cstdio>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -21,6 +24,12 @@ uint64_t bits_of(T value) {
     return static_cast<uint64_t>(value);
 }
 
+inline std::string hex(uint64_t value) {
+  char text[19];
+  std::snprintf(text, sizeof text, "0x%" PRIX64, value);
+  return text;
+}
+
 template <class T>
 testing::AssertionResult same_bits(const std::vector<T>& expected, const std::vector<T>& actual) {
   if (expected.size() != actual.size())
@@ -28,9 +37,8 @@ testing::AssertionResult same_bits(const std::vector<T>& expected, const std::ve
   for (size_t i = 0; i < expected.size(); ++i)
     if (bits_of(expected[i]) != bits_of(actual[i]))
       return testing::AssertionFailure()
-             << "value " << i << " is " << +actual[i] << " (bits " << std::hex << bits_of(actual[i])
-             << "), not " << std::dec << +expected[i] << " (bits " << std::hex
-             << bits_of(expected[i]) << ")";
+             << "value " << i << " is " << +actual[i] << " (bits " << hex(bits_of(actual[i]))
+             << "), not " << +expected[i] << " (bits " << hex(bits_of(expected[i])) << ")";
   return testing::AssertionSuccess();
 }
 
@@ -55,8 +63,8 @@ class Hash {
 // instruction set, 32 bits and other processors. A change of it is a change of the library's results.
 inline testing::AssertionResult same_hash(uint64_t expected, const Hash& actual) {
   if (actual.value() == expected) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << "the results hash to 0x" << std::hex << std::uppercase
-                                     << actual.value() << ", not 0x" << expected;
+  return testing::AssertionFailure()
+         << "the results hash to " << hex(actual.value()) << ", not " << hex(expected);
 }
 
 }  // namespace nuqi::test
