@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Holds the documents against the code: README's program is the example that CI builds, every vector
-# word stands in docs/simd.md, every family of nuqi.h in README's table, and every link leads somewhere.
+# word stands in docs/simd.md, every family of nuqi.h with the number of its functions in
+# README's table, and every link leads somewhere.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 fail() { echo "$*" >&2; exit 1; }
@@ -19,10 +20,16 @@ words=$(comm -12 <(defined_in src/core/simd/*.h) <(echo "$used"); defined_in src
 missing=$(for word in $words; do grep -qE "\`$word\b" docs/simd.md || echo "$word"; done)
 [ -z "$missing" ] || fail "docs/simd.md does not explain:" $missing
 
-sed -nE 's|^/\* ---- ([A-Za-z0-9 ,-]+[A-Za-z0-9]) -+$|\1|p' include/nuqi/nuqi.h | grep -v '^Types$' |
-  while read -r family; do
-    grep -qF "| $family |" README.md || fail "README's table lacks the family: $family"
-  done
+# What README's table has to say of each section of the header: its name and the number of its functions.
+counted=$(awk '/^\/\* ---- / {gsub(/^\/\* ---- | -+( \*\/)?$/, ""); family = $0}
+               /^NUQI_API / {count[family]++; all++}
+               END {for (f in count) print "| " f " | " count[f] " |"; print "| **All** | **" all "** |"}' include/nuqi/nuqi.h)
+[ "$(wc -l <<<"$counted")" -gt 2 ] || fail "no families found in nuqi.h"
+while read -r row; do
+  grep -qF "$row" README.md || fail "README's table of families lacks: $row"
+done <<<"$counted"
+families=$(sed -n '/^| family /,/^$/p' README.md | grep -c '^| ')
+[ "$families" -eq $(($(wc -l <<<"$counted") + 1)) ] || fail "README's table has a family that nuqi.h lacks"
 
 for page in README.md CONTRIBUTING.md docs/*.md; do
   { grep -oE '\]\([^)#: ]*[./][^)#: ]*\)' "$page" || true; } | sed 's/](//; s/)//' | while read -r target; do

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Compares three lists: the prototypes in nuqi.h, what the shared object exports, and the names that
-# the tests and the benchmarks call. check_exports.sh BUILD_FOLDER
+# the tests call: the sources that the test program is linked from, and the lists of members that they
+# include. check_exports.sh BUILD_FOLDER
 set -euo pipefail
 cd "$(dirname "$0")/.."
 lists=$(mktemp -d)
@@ -8,11 +9,17 @@ trap 'rm -rf "$lists"' EXIT
 
 prototypes() { grep -oE '^NUQI_API StatusCode nuqib?[A-Z][A-Za-z0-9_]*\(' include/nuqi/nuqi.h | sed 's/.* //; s/(//'; }
 exported() { nm --dynamic --defined-only --format=just-symbols "$1/src/libnuqi.so"; }
-tested() { grep -rhoE '\bnuqib?[A-Z][A-Za-z0-9_]*\b' tests --include='*_members.h' --include='*_test.cpp'; }
+# Of the files that each linked object depends on.
+tested() {
+  local program=$1/tests/CMakeFiles/nuqi_tests.dir
+  tr ' ' '\n' <"$program/link.txt" | sed -nE "s#^CMakeFiles/nuqi_tests.dir/(.*_test.cpp.o)\$#$program/\1.d#p" |
+    xargs cat | tr ' ' '\n' | sed -nE 's#.*/(tests/.*_(members\.h|test\.cpp))$#\1#p' | sort -u |
+    xargs sed 's#//.*##' | grep -oE '\bnuqib?[A-Z][A-Za-z0-9_]*\b'
+}
 
 prototypes | sort -u >"$lists/header"
 exported "$1" | sort -u >"$lists/exports"
-tested | sort -u >"$lists/tests"
+tested "$1" | sort -u >"$lists/tests"
 [ -s "$lists/header" ] || { echo "no prototypes found in nuqi.h" >&2; exit 1; }
 if ! diff "$lists/header" "$lists/exports"; then
   echo "nuqi.h (<) and the exports of libnuqi.so (>) differ" >&2

@@ -24,6 +24,8 @@ for object in "$objects"/nuqi_*.dir/*/*.o; do
   [ -z "$writable" ] || fail "$object holds writable data:" "$writable"
 done
 
-needed=$(readelf -d "$1/src/libnuqi.so" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vE '^(libc\.so\.6|ld-linux.*)$' || true)
+library=$1/src/libnuqi.so
+dynamic=$(readelf -dW "$library") && grep -q '(SONAME)' <<<"$dynamic" || fail "$library is no shared library"
+needed=$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" | grep -vE '^(libc\.so\.6|ld-linux.*)$' || true)
 [ -z "$needed" ] || fail "libnuqi.so needs $needed"
 echo "$kernels kernel objects: tables alone; nothing runs at load; only the C library is needed"

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cinttypes>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -24,9 +25,9 @@ uint64_t bits_of(T value) {
 }
 
 // AssertionResult forgets std::hex from one << to the next.
-inline std::string hex(uint64_t bits) {
-  char text[24];
-  std::snprintf(text, sizeof text, "0x%llX", static_cast<unsigned long long>(bits));
+inline std::string hex(uint64_t value) {
+  char text[19];
+  std::snprintf(text, sizeof text, "0x%" PRIX64, value);
   return text;
 }
 

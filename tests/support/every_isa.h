@@ -3,9 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 
 #include "core/isa.h"
+
+namespace nuqi {
+inline void PrintTo(Isa level, std::ostream* out) { *out << name_of(level); }
+}  // namespace nuqi
 
 namespace nuqi::test {
 
