@@ -27,7 +27,7 @@ StatusCode mean_of(MeanJob<T> job, int32_t coi, double* mean) {
   ContiguousCollapse(roi, tight(src, roi.width, channels) && tight(mask, roi.width));
   src.data += coi - 1;
   MeanSums sums;
-  mean_kernels().of_type<T>().mean[channels == 3](job, sums);
+  if (!empty(roi)) mean_kernels().of_type<T>().mean[channels == 3](job, sums);
   *mean = sums.count == 0 ? 0.0 : sums.sum / sums.count;
   return StatusOk;
 }
