@@ -4,15 +4,12 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "support/plain.h"
+
 namespace nuqi::bench::PLAIN_COMPILER {
 namespace {
 
 using test::AbsDiffArgs;
-
-template <class T>
-T* row(T* data, int32_t step, int y) {
-  return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(data) + static_cast<intptr_t>(y) * step);
-}
 
 template <class T, bool of_images>
 void loop(const AbsDiffArgs<T>& a) {

@@ -1,16 +1,12 @@
 // Plain loops of the accumulation family, as one would write them. Compiled by each compiler.
 #include "arith/accumulate_plain.h"
+#include "support/plain.h"
 
 namespace nuqi::bench::PLAIN_COMPILER {
 namespace {
 
 using test::AccumulateArgs;
 using test::AccumulateTerm;
-
-template <class T>
-T* row(T* data, int32_t step, int y) {
-  return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(data) + static_cast<intptr_t>(y) * step);
-}
 
 template <class T, AccumulateTerm term, bool masked>
 void loop(const AccumulateArgs<T>& a) {

@@ -1,15 +1,11 @@
 // Plain loops of the copy family, as one would write them. Compiled by each compiler.
 #include "arith/copy_plain.h"
+#include "support/plain.h"
 
 namespace nuqi::bench::PLAIN_COMPILER {
 namespace {
 
 using test::CopyArgs;
-
-template <class T>
-T* row(T* data, int32_t step, int y) {
-  return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(data) + static_cast<intptr_t>(y) * step);
-}
 
 template <class T, CopyWay way, int channels>
 void loop(const CopyArgs<T>& a) {

@@ -1,5 +1,6 @@
 // Plain loops of the fixed 3x3 derivatives, as one would write them. Compiled by each compiler.
 #include "filters/derivative3x3_plain.h"
+#include "support/plain.h"
 
 namespace nuqi::bench::PLAIN_COMPILER {
 namespace {
@@ -7,11 +8,6 @@ namespace {
 using test::DerivativeArgs;
 using test::DerivativeKind;
 using test::DerivativeResult;
-
-template <class T>
-T* row(T* data, int32_t step, int y) {
-  return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(data) + static_cast<intptr_t>(y) * step);
-}
 
 // Columns left, x and right of the rows above, here and below; bottomUp is 0.
 template <class T, DerivativeKind kind>

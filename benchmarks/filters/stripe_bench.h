@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "filters/stripe_members.h"
 #include "filters/stripe_plain.h"
 #include "support/registry.h"
+#include "support/stripe_members.h"
 
 namespace nuqi::bench {
 

@@ -4,15 +4,13 @@
 #include <cstddef>
 #include <vector>
 
+#include "support/plain.h"
+
 namespace nuqi::bench::PLAIN_COMPILER {
 namespace {
 
 using test::StripeArgs;
 
-template <class T>
-T* row(T* data, int32_t step, int y) {
-  return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(data) + static_cast<intptr_t>(y) * step);
-}
 int clamped(int i, int count) { return i < 0 ? 0 : i < count ? i : count - 1; }
 
 template <class D, class Sum>

@@ -1,7 +1,7 @@
 // Plain loops of the filters over a square window, to measure against.
 #pragma once
 
-#include "filters/stripe_members.h"
+#include "support/stripe_members.h"
 
 namespace nuqi::bench {
 

@@ -5,16 +5,12 @@
 #include <cmath>
 #include <type_traits>
 
+#include "support/plain.h"
+
 namespace nuqi::bench::PLAIN_COMPILER {
 namespace {
 
 using test::MeanArgs;
-
-template <class T>
-const T* row(const T* data, int32_t step, int y) {
-  return reinterpret_cast<const T*>(reinterpret_cast<uintptr_t>(data) +
-                                    static_cast<intptr_t>(y) * step);
-}
 
 // value or 0, without a branch: random masks would cost a misprediction for every other pixel.
 int32_t kept(int32_t value, bool selected) { return value & -int32_t{selected}; }

@@ -4,15 +4,12 @@
 
 #include <cstring>
 
+#include "support/plain.h"
+
 namespace nuqi::bench::PLAIN_COMPILER {
 namespace {
 
 using test::MinMaxArgs;
-
-template <class T>
-T* row(T* data, int32_t step, int y) {
-  return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(data) + static_cast<intptr_t>(y) * step);
-}
 
 int key(uint8_t value) { return value; }
 int key(int8_t value) { return value; }

@@ -4,17 +4,14 @@
 #include <cmath>
 #include <type_traits>
 
+#include "support/plain.h"
+
 namespace nuqi::bench::PLAIN_COMPILER {
 namespace {
 
 using test::NormArgs;
 using test::NormKind;
 using test::NormOrder;
-
-template <class T>
-T* row(T* data, int32_t step, int y) {
-  return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(data) + static_cast<intptr_t>(y) * step);
-}
 
 // The totals of sixteen columns each, so that sums of floats can be computed side by side.
 template <class T, NormOrder order>

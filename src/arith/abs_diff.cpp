@@ -7,9 +7,7 @@ namespace nuqi {
 namespace {
 
 template <class T>
-StatusCode abs_diff(AbsDiffJob<T> job) {
-  auto& [src, src2, dst, roi, constant] = job;
-
+StatusCode abs_diff(Image<const T> src, Image<const T> src2, Image<T> dst, RoiSize roi) {
   // clang-format off
   if (any_null(src.data, src2.data, dst.data))              return StatusNullPtr;
   if (below_one(roi))                                       return StatusBadSize;
@@ -19,14 +17,13 @@ StatusCode abs_diff(AbsDiffJob<T> job) {
   // clang-format on
 
   ContiguousCollapse(roi, tight(src, roi.width) && tight(src2, roi.width) && tight(dst, roi.width));
+  const AbsDiffJob<T> job = {.src = src, .src2 = src2, .dst = dst, .roi = roi};
   abs_diff_kernels().of_type<T>().of_images(job);
   return StatusOk;
 }
 
 template <class T>
-StatusCode abs_diff_c(AbsDiffJob<T> job) {
-  auto& [src, src2, dst, roi, constant] = job;
-
+StatusCode abs_diff_c(Image<const T> src, Image<T> dst, RoiSize roi, T constant) {
   // clang-format off
   if (any_null(src.data, dst.data))                         return StatusNullPtr;
   if (below_one(roi))                                       return StatusBadSize;
@@ -36,6 +33,7 @@ StatusCode abs_diff_c(AbsDiffJob<T> job) {
   // clang-format on
 
   ContiguousCollapse(roi, tight(src, roi.width) && tight(dst, roi.width));
+  const AbsDiffJob<T> job = {.src = src, .dst = dst, .roi = roi, .constant = constant};
   abs_diff_kernels().of_type<T>().of_constant(job);
   return StatusOk;
 }
@@ -54,7 +52,7 @@ using namespace nuqi;
 #define ENTRY(name, T)                                                                            \
   StatusCode name(const T* src1, int32_t src1Step, const T* src2, int32_t src2Step,               \
                   T* dst, int32_t dstStep, RoiSize roi) {                                         \
-    return abs_diff<T>({{src1, src1Step}, {src2, src2Step}, {dst, dstStep}, roi, 0});             \
+    return abs_diff<T>({src1, src1Step}, {src2, src2Step}, {dst, dstStep}, roi);                  \
   }
 ENTRY(nuqiAbsDiff_8u_C1R,   uint8_t)
 ENTRY(nuqiAbsDiff_32f_C1R,  float)
@@ -62,9 +60,9 @@ ENTRY(nuqiAbsDiff_32f_C1R,  float)
 
 StatusCode nuqiAbsDiffC_8u_C1R(const uint8_t* src, int32_t srcStep,
                                uint8_t* dst, int32_t dstStep, RoiSize roi, int32_t value) {
-  return abs_diff_c<uint8_t>({{src, srcStep}, {}, {dst, dstStep}, roi, saturate(value)});
+  return abs_diff_c<uint8_t>({src, srcStep}, {dst, dstStep}, roi, saturate(value));
 }
 StatusCode nuqiAbsDiffC_32f_C1R(const float* src, int32_t srcStep,
                                 float* dst, int32_t dstStep, RoiSize roi, float value) {
-  return abs_diff_c<float>({{src, srcStep}, {}, {dst, dstStep}, roi, value});
+  return abs_diff_c<float>({src, srcStep}, {dst, dstStep}, roi, value);
 }

@@ -9,10 +9,11 @@ namespace nuqi {
 
 template <class T>
 struct AbsDiffJob {
-  Image<const T> src, src2;  // src2: of two images only
+  Image<const T> src;
+  Image<const T> src2 = {};  // of two images only
   Image<T> dst;
   RoiSize roi;
-  T constant;  // of an image and a constant only
+  T constant = 0;  // of an image and a constant only
 };
 
 template <class T>

@@ -11,9 +11,9 @@ namespace {
 constexpr bool kMasked = true;
 
 template <Term term, bool masked, class T>
-StatusCode accumulate(AccumulateJob<T> job) {
+StatusCode accumulate(Image<const T> src, Image<const T> src2, Image<const uint8_t> mask,
+                      Image<float> acc, RoiSize roi, float alpha) {
   constexpr bool product = term == Term::product;
-  auto& [src, src2, mask, acc, roi, alpha] = job;
   // Deliberate: nuqiAddProduct_32f_C1IR holds its source steps against the width in pixels.
   const bool short_sources =
       product && !masked && std::is_same_v<T, float>
@@ -33,6 +33,8 @@ StatusCode accumulate(AccumulateJob<T> job) {
   ContiguousCollapse(roi, tight(src, roi.width) && (!product || tight(src2, roi.width)) &&
                               (!masked || tight(mask, roi.width)) && tight(acc, roi.width));
   if (empty(roi)) return StatusOk;
+  const AccumulateJob<T> job = {
+      .src = src, .src2 = src2, .mask = mask, .acc = acc, .roi = roi, .alpha = alpha};
   accumulate_kernels().of_type<T>().of[static_cast<int>(term)][masked](job);
   return StatusOk;
 }
@@ -46,7 +48,7 @@ using namespace nuqi;
 
 #define ENTRY(name, T, term)                                                                      \
   StatusCode name(const T* src, int32_t srcStep, float* acc, int32_t accStep, RoiSize roi) {      \
-    return accumulate<term, !kMasked, T>({{src, srcStep}, {}, {}, {acc, accStep}, roi, 0});       \
+    return accumulate<term, !kMasked, T>({src, srcStep}, {}, {}, {acc, accStep}, roi, 0);         \
   }
 ENTRY(nuqiAdd_8u32f_C1IR,        uint8_t, Term::add)
 ENTRY(nuqiAdd_8s32f_C1IR,        int8_t,  Term::add)
@@ -60,7 +62,7 @@ ENTRY(nuqiAddSquare_32f_C1IR,    float,   Term::square)
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   float* acc, int32_t accStep, RoiSize roi) {                                     \
     return accumulate<term, kMasked, T>(                                                          \
-        {{src, srcStep}, {}, {mask, maskStep}, {acc, accStep}, roi, 0});                          \
+        {src, srcStep}, {}, {mask, maskStep}, {acc, accStep}, roi, 0);                            \
   }
 ENTRY(nuqiAdd_8u32f_C1IMR,       uint8_t, Term::add)
 ENTRY(nuqiAdd_8s32f_C1IMR,       int8_t,  Term::add)
@@ -74,7 +76,7 @@ ENTRY(nuqiAddSquare_32f_C1IMR,   float,   Term::square)
   StatusCode name(const T* src1, int32_t src1Step, const T* src2, int32_t src2Step,               \
                   float* acc, int32_t accStep, RoiSize roi) {                                     \
     return accumulate<Term::product, !kMasked, T>(                                                \
-        {{src1, src1Step}, {src2, src2Step}, {}, {acc, accStep}, roi, 0});                        \
+        {src1, src1Step}, {src2, src2Step}, {}, {acc, accStep}, roi, 0);                          \
   }
 ENTRY(nuqiAddProduct_8u32f_C1IR, uint8_t)
 ENTRY(nuqiAddProduct_8s32f_C1IR, int8_t)
@@ -86,7 +88,7 @@ ENTRY(nuqiAddProduct_32f_C1IR,   float)
                   const uint8_t* mask, int32_t maskStep, float* acc, int32_t accStep,             \
                   RoiSize roi) {                                                                  \
     return accumulate<Term::product, kMasked, T>(                                                 \
-        {{src1, src1Step}, {src2, src2Step}, {mask, maskStep}, {acc, accStep}, roi, 0});          \
+        {src1, src1Step}, {src2, src2Step}, {mask, maskStep}, {acc, accStep}, roi, 0);            \
   }
 ENTRY(nuqiAddProduct_8u32f_C1IMR, uint8_t)
 ENTRY(nuqiAddProduct_8s32f_C1IMR, int8_t)
@@ -97,7 +99,7 @@ ENTRY(nuqiAddProduct_32f_C1IMR,   float)
   StatusCode name(const T* src, int32_t srcStep, float* acc, int32_t accStep, RoiSize roi,        \
                   float alpha) {                                                                  \
     return accumulate<Term::weighted, !kMasked, T>(                                               \
-        {{src, srcStep}, {}, {}, {acc, accStep}, roi, alpha});                                    \
+        {src, srcStep}, {}, {}, {acc, accStep}, roi, alpha);                                      \
   }
 ENTRY(nuqiAddWeighted_8u32f_C1IR, uint8_t)
 ENTRY(nuqiAddWeighted_8s32f_C1IR, int8_t)
@@ -108,7 +110,7 @@ ENTRY(nuqiAddWeighted_32f_C1IR,   float)
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   float* acc, int32_t accStep, RoiSize roi, float alpha) {                        \
     return accumulate<Term::weighted, kMasked, T>(                                                \
-        {{src, srcStep}, {}, {mask, maskStep}, {acc, accStep}, roi, alpha});                      \
+        {src, srcStep}, {}, {mask, maskStep}, {acc, accStep}, roi, alpha);                        \
   }
 ENTRY(nuqiAddWeighted_8u32f_C1IMR, uint8_t)
 ENTRY(nuqiAddWeighted_8s32f_C1IMR, int8_t)

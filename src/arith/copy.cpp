@@ -1,25 +1,16 @@
 // The copy family: nuqiCopy, between interleaved and planar images.
 #include "arith/copy.h"
 
+#include <type_traits>
+
 #include "core/validate.h"
 
 namespace nuqi {
 namespace {
 
-template <int bytes>
-struct UnsignedOf;
-template <>
-struct UnsignedOf<1> {
-  using Type = uint8_t;
-};
-template <>
-struct UnsignedOf<4> {
-  using Type = uint32_t;
-};
-
-// Elements are copied as integers of their size.
+// Floats are copied as integers.
 template <class T>
-using Bits = typename UnsignedOf<sizeof(T)>::Type;
+using Bits = std::conditional_t<std::is_same_v<T, float>, uint32_t, T>;
 
 template <class T>
 Image<Bits<T>> bits_of(T* data, int32_t step) {
@@ -48,13 +39,13 @@ StatusCode split(const T* data, int32_t dataStep, T* const planes[], int32_t ste
 
   ContiguousCollapse(roi, tight(src, roi.width, channels) && tight(plane, roi.width));
   if (empty(roi)) return StatusOk;
-  const auto& kernels = copy_kernels().of_type<Bits<T>>();
   if (given == 1) {
-    kernels.extract[channels - 3][channel]({src, {plane}, roi});
+    const SplitJob<Bits<T>> job = {.src = src, .planes = {plane}, .roi = roi};
+    copy_kernels().of_type<Bits<T>>().extract[channels - 3][channel](job);
   } else {
-    SplitJob<Bits<T>> job = {src, {}, roi};
+    SplitJob<Bits<T>> job = {.src = src, .planes = {}, .roi = roi};
     for (int k = 0; k < channels; ++k) job.planes[k] = bits_of(planes[k], step);
-    kernels.split[channels - 3](job);
+    copy_kernels().of_type<Bits<T>>().split[channels - 3](job);
   }
   return StatusOk;
 }
@@ -74,7 +65,7 @@ StatusCode join(const T* const planes[], int32_t step, T* data, int32_t dataStep
   // clang-format on
 
   ContiguousCollapse(roi, tight(dst, roi.width, channels) && tight(plane, roi.width));
-  JoinJob<Bits<T>> job = {{}, dst, roi};
+  JoinJob<Bits<T>> job = {.planes = {}, .dst = dst, .roi = roi};
   for (int k = 0; k < channels; ++k) job.planes[k] = bits_of(planes[k], step);
   copy_kernels().of_type<Bits<T>>().join[channels - 3](job);
   return StatusOk;

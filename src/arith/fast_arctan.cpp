@@ -11,6 +11,7 @@ StatusCode nuqibFastArctan_32f(const float* y, const float* x, float* angle, int
   if (length < 0)                 return StatusBadSize;
   // clang-format on
 
-  fast_arctan_kernels().fast_arctan({y, x, angle, length});
+  const FastArctanJob job = {.y = y, .x = x, .angle = angle, .length = length};
+  fast_arctan_kernels().fast_arctan(job);
   return StatusOk;
 }

@@ -40,7 +40,13 @@ StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette, int32_t
 
   ContiguousCollapse(roi, tight(moving, roi.width) && tight(seen, roi.width));
   if (empty(roi)) return StatusOk;
-  motion_history_kernels().update(
-      {moving, seen, roi, std::bit_cast<int32_t>(timestamp), threshold_of(timestamp, duration)});
+  const MotionHistoryJob job = {
+      .silhouette = moving,
+      .history = seen,
+      .roi = roi,
+      .timestamp = std::bit_cast<int32_t>(timestamp),
+      .threshold = threshold_of(timestamp, duration),
+  };
+  motion_history_kernels().update(job);
   return StatusOk;
 }

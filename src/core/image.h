@@ -22,6 +22,12 @@ __attribute__((always_inline)) inline T* row_of(const Image<T>& image, int64_t y
                               static_cast<uintptr_t>(y * image.step));
 }
 
+// The image that starts at the first pixel's channel `coi`, which counts from 1.
+template <class T>
+Image<T> at_channel(const Image<T>& image, int32_t coi) {
+  return {image.data + (coi - 1), image.step};
+}
+
 // Bytes of a row of `width` pixels. 64 bits: 4 * width overflows an int.
 template <class T>
 constexpr int64_t row_bytes(const Image<T>&, int32_t width, int channels = 1) {

@@ -1,7 +1,7 @@
 // The stripe protocol: an image comes in horizontal stripes, a window of rows glides down all of it.
 //
 // Above an image's first row stand copies of it and below its last row copies of that one, as many
-// as the window reaches on either side of its middle. A stripe's last rows are kept, so that windows
+// as the window reaches above and below its middle. A stripe's last rows are kept, so that windows
 // can begin in one stripe and end in the next.
 #pragma once
 
@@ -20,34 +20,40 @@ constexpr bool starts_image(int32_t phase) { return phase == 0 || phase == 1; }
 constexpr bool ends_image(int32_t phase) { return phase == 0 || phase == 2; }
 
 struct Stripe {
-  int32_t height;  // source rows that the call brings
-  int half;        // rows of the window on either side of its middle
+  int32_t height;    // source rows that the call brings
+  int above, below;  // rows of the window on either side of its middle
   bool first, last;
+  int held;  // rows that the stripe before has kept; an image's first stripe needs none
 
+  // Rows of a window besides its middle: windows of two stripes share no more.
+  int around() const { return above + below; }
   // The rows seen are -lead() to end() - 1, row 0 being the stripe's first.
-  int lead() const { return first ? half : 2 * half; }
-  int64_t end() const { return int64_t{height} + (last ? half : 0); }
+  int lead() const { return first ? above : held; }
+  int64_t end() const { return int64_t{height} + (last ? below : 0); }
   // Windows that end in this stripe: the rows of the result.
-  int64_t produced() const { return std::max<int64_t>(0, end() + lead() - 2 * half); }
+  int64_t produced() const { return std::max<int64_t>(0, lead() + end() - around()); }
+  // Rows that the next stripe needs, or as many as have been seen.
+  int kept() const { return static_cast<int>(std::min<int64_t>(around(), lead() + end())); }
   // Rows that the image still lacks before its next stripe may come.
-  int32_t pending() const { return first && height < half ? half - height : 0; }
+  int32_t pending() const { return first && height < below ? below - height : 0; }
 };
 
 template <class T>
 struct StripeRows {
   Stripe stripe;
   Image<const T> src;
-  void* const* kept;  // 2 * half row buffers, the oldest row first
+  void* const*
+      ring;  // around() row buffers; the held rows fill the first, the oldest before others
 
   const T* operator[](int64_t i) const {
     if (i >= 0) return row_of(src, std::min<int64_t>(i, stripe.height - 1));
-    return stripe.first ? src.data : static_cast<const T*>(kept[2 * stripe.half + i]);
+    return stripe.first ? src.data : static_cast<const T*>(ring[stripe.held + i]);
   }
-  // Leaves the last rows to the next stripe.
+  // Leaves the last rows, of so many elements, to the next stripe.
   void keep(int32_t width) const {
-    const int rows = 2 * stripe.half;
+    const int rows = stripe.kept();
     for (int i = 0; i < rows; ++i)
-      std::memcpy(kept[i], (*this)[stripe.end() - rows + i], row_bytes(src, width));
+      std::memcpy(ring[i], (*this)[stripe.end() - rows + i], row_bytes(src, width));
   }
 };
 

@@ -99,33 +99,37 @@ StatusCode nuqiCannyGetSize(RoiSize roi, int32_t* size) {
 StatusCode nuqiCanny_16s8u_C1R(const int16_t* dx, int32_t dxStep, const int16_t* dy, int32_t dyStep,
                                uint8_t* dst, int32_t dstStep, RoiSize roi, float low, float high,
                                void* buffer) {
+  const Image<const int16_t> gradient_x = {dx, dxStep}, gradient_y = {dy, dyStep};
+  const Image<uint8_t> out = {dst, dstStep};
   CannyPlan plan = {};
-  CannyJob job = {};
-  job.dx = {dx, dxStep};
-  job.dy = {dy, dyStep};
-  job.dst = {dst, dstStep};
-  job.roi = roi;
 
   // clang-format off
-  char* const bytes = static_cast<char*>(buffer);
-  if (any_null(dx, dy, dst, bytes))                                return StatusNullPtr;
+  if (any_null(dx, dy, dst, static_cast<char*>(buffer)))           return StatusNullPtr;
   if (below_one(roi))                                              return StatusBadSize;
-  if (short_row(job.dx, roi.width) || uneven(job.dx))              return StatusBadSize;
-  if (short_row(job.dy, roi.width) || uneven(job.dy))              return StatusBadSize;
-  if (short_row(job.dst, roi.width))                               return StatusBadSize;
+  if (short_row(gradient_x, roi.width) || uneven(gradient_x))      return StatusBadSize;
+  if (short_row(gradient_y, roi.width) || uneven(gradient_y))      return StatusBadSize;
+  if (short_row(out, roi.width))                                   return StatusBadSize;
   if (!plan_canny(roi, plan))                                      return StatusBadSize;
   if (low < 0 || !(high >= low))  /* before truncation; NaN */     return StatusUnsupported;
   // clang-format on
 
-  job.low = truncated(low);
-  job.high = truncated(high);
-  job.magnitudes = reinterpret_cast<int16_t*>(bytes);
-  job.open = reinterpret_cast<CannyWord*>(bytes + plan.open);
-  job.edges = reinterpret_cast<CannyWord*>(bytes + plan.edges);
-  job.stack = reinterpret_cast<uint32_t*>(bytes + plan.stack);
-  job.row_words = plan.row_words;
-  std::memset(bytes + plan.maps, 0, static_cast<size_t>(plan.stack - plan.maps));
-
+  const Scratch scratch(buffer);
+  CannyWord* const maps = scratch[plan.maps];
+  std::memset(static_cast<void*>(maps), 0,
+              static_cast<size_t>(plan.maps.count) * sizeof(CannyWord));
+  const CannyJob job = {
+      .dx = gradient_x,
+      .dy = gradient_y,
+      .dst = out,
+      .roi = roi,
+      .low = truncated(low),
+      .high = truncated(high),
+      .magnitudes = scratch[plan.magnitudes],
+      .open = maps + plan.open,
+      .edges = maps + plan.edges,
+      .stack = scratch[plan.stack],
+      .row_words = plan.row_words,
+  };
   canny_kernels().find(job);
   Walk(job, canny_kernels().sweep(job)).run();
   canny_kernels().write(job);

@@ -3,6 +3,7 @@
 
 #include "core/image.h"
 #include "core/isa.h"
+#include "core/scratch.h"
 
 namespace nuqi {
 
@@ -14,34 +15,35 @@ constexpr int kCannyWordPixels = 64;
 // The magnitudes of narrower rows lie in the kernel: a buffer of the queried size may lack the room.
 constexpr int kCannyNarrow = 8;
 
-// How the buffer is used, in this order:
-//   magnitudes  three rows of width + 2 cells of 16 bits
-//   open        a map of the pixels that suppression kept and that no edge has reached yet
-//   edges       a map of the pixels known to be edges
-//   stack       32-bit numbers of words, room for one each pixel
-// A map is height rows of row_words words, the last of which stays zero; a row and a word of zeros
-// lie before, between and after the maps. So every word has eight neighbours.
+// How the buffer is used. A map is height rows of row_words words, the last of which stays zero; a row
+// and a word of zeros lie before, between and after the maps. So every word has eight neighbours.
 struct CannyPlan {
   int64_t row_words;
-  int64_t maps, open, edges, stack, end;  // in bytes from the start
-  int64_t size;                           // what the query tells: at least `end`
+  Region<int16_t> magnitudes;  // three rows of width + 2 cells
+  Region<uint64_t> maps;       // both maps and the zeros
+  int64_t open;                // words of `maps` before the pixels that no edge has reached yet
+  int64_t edges;               // and before the known edges
+  Region<uint32_t> stack;      // numbers of words, room for one each pixel
+  int64_t end;                 // of the stack
+  int64_t size;                // what the query tells: at least `end`
 };
 
 // False where the size exceeds an int.
 constexpr bool plan_canny(RoiSize roi, CannyPlan& plan) {
   const int64_t width = roi.width, height = roi.height, cells = (width + 2) * (height + 2);
-  if (cells > INT32_MAX / 12) return false;  // before the product: it can exceed 64 bits
-  constexpr int64_t kWordBytes = sizeof(CannyWord), kCellBytes = sizeof(int16_t);
+  if (!fits_int(cells)) return false;  // the products below can exceed 64 bits
   plan.row_words = (width + kCannyWordPixels - 1) / kCannyWordPixels + 1;
-  const int64_t zeros = (plan.row_words + 1) * kWordBytes;
-  const int64_t map = height * plan.row_words * kWordBytes;
-  plan.maps = width < kCannyNarrow ? 0 : 3 * (width + 2) * kCellBytes;
-  plan.open = plan.maps + zeros;
-  plan.edges = plan.open + map + zeros;
-  plan.stack = plan.edges + map + zeros;
-  plan.end = plan.stack + width * height * static_cast<int64_t>(sizeof(uint32_t));
+  const int64_t zeros = plan.row_words + 1, map = height * plan.row_words;
+  plan.open = zeros;
+  plan.edges = zeros + map + zeros;
+
+  ScratchLayout layout;
+  plan.magnitudes = layout.add<int16_t>(width < kCannyNarrow ? 0 : 3 * (width + 2));
+  plan.maps = layout.add<uint64_t>(plan.edges + map + zeros);
+  plan.stack = layout.add<uint32_t>(width * height);
+  plan.end = layout.end();
   plan.size = 12 * cells;
-  return true;
+  return fits_int(plan.size);
 }
 
 struct CannyJob {

@@ -9,14 +9,14 @@ namespace {
 int buffers_for(int size) { return size + 1; }
 
 template <class T>
-void blur_stripe(const StripeCall<T, int16_t>& call) {
+void blur_stripe(const StripeCall<T>& call) {
   filter_stripe(call, blur_kernels().of_type<T>().of[size_of(*call.state) / 2 - 1]);
 }
-void blur_stripe(const StripeCall<float, float>& call) {
+void blur_stripe(const StripeCall<float>& call) {
   const Stripe stripe = stripe_of(call);
   const StripeRows<float> source = {stripe, call.src, call.state->rows};
   RunningBlurJob job = {};
-  job.half = stripe.half;
+  job.half = stripe.below;
   job.dst = call.dst;
   job.width = call.roi->width;
   job.ring = call.state->rows;
@@ -31,8 +31,8 @@ void blur_stripe(const StripeCall<float, float>& call) {
   report(call, stripe);
 }
 
-template <class T, class D>
-StatusCode blur(const StripeCall<T, D>& call) {
+template <class T>
+StatusCode blur(const StripeCall<T>& call) {
   if (const StatusCode status = check<void>(call, buffers_for)) return status;
   blur_stripe(call);
   return StatusOk;
@@ -45,12 +45,6 @@ using namespace nuqi;
 
 // clang-format off
 
-#define ENTRY(name, T, D)                                                                         \
-  StatusCode name(const T* src, int32_t srcStep, D* dst, int32_t dstStep, RoiSize* roi,           \
-                  ConvolState* state, int32_t phase) {                                            \
-    return blur<T, D>({{src, srcStep}, {dst, dstStep}, roi, state, phase});                       \
-  }
-ENTRY(nuqiBlur_8u16s_C1R, uint8_t, int16_t)
-ENTRY(nuqiBlur_8s16s_C1R, int8_t,  int16_t)
-ENTRY(nuqiBlur_32f_C1R,   float,   float)
-#undef ENTRY
+NUQI_STRIPE_ENTRY(nuqiBlur_8u16s_C1R, uint8_t, blur)
+NUQI_STRIPE_ENTRY(nuqiBlur_8s16s_C1R, int8_t,  blur)
+NUQI_STRIPE_ENTRY(nuqiBlur_32f_C1R,   float,   blur)

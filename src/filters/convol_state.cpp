@@ -9,10 +9,7 @@
 namespace nuqi {
 namespace {
 
-constexpr int32_t k8u = 1, k8s = 2, k32f = 9;  // data types
-
 constexpr bool is_size(int32_t size) { return size == 3 || size == 5 || size == 7; }
-constexpr bool is_data_type(int32_t type) { return type == k8u || type == k8s || type == k32f; }
 
 // A state without kernels; null where there is no memory for it.
 ConvolState* new_state(int32_t width, int32_t size, int buffers, int32_t kind) {
@@ -71,7 +68,7 @@ StatusCode nuqiSobelInitAlloc(int32_t roiWidth, int32_t dataType, int32_t apertu
   if (!is_size(apertureSize))                                      return StatusBadSize;
   if (xOrder < 0 || yOrder < 0)                                    return StatusBadSize;
   if (xOrder >= apertureSize || yOrder >= apertureSize)            return StatusBadSize;
-  if (!is_data_type(dataType))                                     return StatusUnsupported;
+  if (bad_data_type(dataType))                                     return StatusUnsupported;
   // clang-format on
 
   const int32_t kind = apertureSize * 8 + bottomUp * 4 + yOrder % 2 * 2 + xOrder % 2;
@@ -88,7 +85,7 @@ StatusCode nuqiBlurInitAlloc(int32_t roiWidth, int32_t dataType, int32_t maskSiz
   // clang-format off
   if (any_null(state))                                             return StatusNullPtr;
   if (roiWidth < 1 || !is_size(maskSize))                          return StatusBadSize;
-  if (!is_data_type(dataType))                                     return StatusUnsupported;
+  if (bad_data_type(dataType))                                     return StatusUnsupported;
   // clang-format on
 
   ConvolState* made = new_state(roiWidth, maskSize, maskSize + 1, maskSize * 8);
@@ -102,7 +99,7 @@ StatusCode nuqiLaplaceInitAlloc(int32_t roiWidth, int32_t dataType, int32_t mask
   // clang-format off
   if (any_null(state))                                             return StatusNullPtr;
   if (roiWidth < 1 || !is_size(maskSize))                          return StatusBadSize;
-  if (!is_data_type(dataType))                                     return StatusUnsupported;
+  if (bad_data_type(dataType))                                     return StatusUnsupported;
   // clang-format on
 
   ConvolState* made = new_state(roiWidth, maskSize, 2 * maskSize, maskSize * 8);

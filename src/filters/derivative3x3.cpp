@@ -29,27 +29,25 @@ void store_pixel(int16_t* to, int value) {
 }
 
 // The last row of Scharr Dy from column 8 * ((width - 1) / 8) on: shifted first, negated then.
-void shift_then_negate(const DerivativeJob<uint8_t>& job) {
-  const int32_t last = job.roi.width - 1;
-  const uint8_t* here = row_of(job.src, job.roi.height - 1);
-  const uint8_t* above = row_of(job.src, job.roi.height - 2);
-  int16_t* out = row_of(job.dst, job.roi.height - 1);
+void shift_then_negate(Image<const uint8_t> src, Image<int16_t> dst, RoiSize roi, int32_t shift) {
+  const int32_t last = roi.width - 1;
+  const uint8_t* here = row_of(src, roi.height - 1);
+  const uint8_t* above = row_of(src, roi.height - 2);
+  int16_t* out = row_of(dst, roi.height - 1);
   for (int32_t x = last / 8 * 8; x <= last; ++x) {
     const int32_t left = std::max(x - 1, 0), right = std::min(x + 1, last);
     const auto smoothed = [&](const uint8_t* row) {
       return 3 * row[left] + 10 * row[x] + 3 * row[right];
     };
-    store_pixel(out + x, -((smoothed(here) - smoothed(above)) >> job.shift));
+    store_pixel(out + x, -((smoothed(here) - smoothed(above)) >> shift));
   }
 }
 
 // Members without bottomUp or shift pass 0.
 template <Derivative derivative, class T>
-StatusCode differentiate(DerivativeJob<T> job, int32_t bottom_up, int32_t shift) {
-  constexpr bool from_8u = std::is_same_v<T, uint8_t>;
-  const auto src = job.src;
-  const auto dst = job.dst;
-  const RoiSize roi = job.roi;
+StatusCode differentiate(Image<const T> src, Image<FilterResult<T>> dst, RoiSize roi,
+                         int32_t bottom_up, int32_t shift) {
+  constexpr bool from_8u = std::is_same_v<T, uint8_t>, floats = std::is_same_v<T, float>;
 
   // clang-format off
   if (shift < 0)                                   return StatusUnsupported;
@@ -66,16 +64,18 @@ StatusCode differentiate(DerivativeJob<T> job, int32_t bottom_up, int32_t shift)
       for (int32_t y = 0; y < roi.height; ++y) store_pixel(row_of(dst, y), 0);
     return StatusOk;
   }
-  job.shift = std::min(shift, 15);
-  if constexpr (std::is_same_v<T, float>) job.scale = scale_of(shift);
-  if (bottom_up) {
-    job.src = upside_down(src, roi.height);
-    job.dst = upside_down(dst, roi.height);
-  }
+  const int32_t byte_shift = std::min(shift, 15);
+  const DerivativeJob<T> job = {
+      .src = bottom_up ? upside_down(src, roi.height) : src,
+      .dst = bottom_up ? upside_down(dst, roi.height) : dst,
+      .roi = roi,
+      .shift = byte_shift,
+      .scale = floats ? scale_of(shift) : 0,
+  };
   derivative_kernels().of_type<T>().of[static_cast<int>(derivative)](job);
   // Deliberate: nuqiScharr_Dy_8u16s_C1R rounds the end of the last row the other way.
   if constexpr (derivative == Derivative::scharr_dy && from_8u)
-    if (bottom_up) shift_then_negate({src, dst, roi, job.shift, 0});
+    if (bottom_up) shift_then_negate(src, dst, roi, byte_shift);
   return StatusOk;
 }
 
@@ -87,9 +87,9 @@ using namespace nuqi;
 // clang-format off
 
 #define ENTRY(name, T, derivative)                                                                \
-  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,     \
+  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,           \
                   RoiSize roi) {                                                                  \
-    return differentiate<derivative, T>({{src, srcStep}, {dst, dstStep}, roi, 0, 0}, 0, 0);       \
+    return differentiate<derivative, T>({src, srcStep}, {dst, dstStep}, roi, 0, 0);               \
   }
 ENTRY(nuqiSobel3x3_Dx_8u16s_C1R,   uint8_t, Derivative::dx)
 ENTRY(nuqiSobel3x3_Dx_8s16s_C1R,   int8_t,  Derivative::dx)
@@ -101,10 +101,9 @@ ENTRY(nuqiSobel3x3_D2y_8s16s_C1R,  int8_t,  Derivative::d2y)
 #undef ENTRY
 
 #define ENTRY(name, T, derivative)                                                                \
-  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,     \
+  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,           \
                   int32_t bottomUp, RoiSize roi) {                                                \
-    return differentiate<derivative, T>({{src, srcStep}, {dst, dstStep}, roi, 0, 0},              \
-                                        bottomUp, 0);                                             \
+    return differentiate<derivative, T>({src, srcStep}, {dst, dstStep}, roi, bottomUp, 0);        \
   }
 ENTRY(nuqiSobel3x3_Dy_8u16s_C1R,   uint8_t, Derivative::dy)
 ENTRY(nuqiSobel3x3_Dy_8s16s_C1R,   int8_t,  Derivative::dy)
@@ -114,9 +113,9 @@ ENTRY(nuqiSobel3x3_DxDy_8s16s_C1R, int8_t,  Derivative::dxdy)
 #undef ENTRY
 
 #define ENTRY(name, T, derivative)                                                                \
-  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,     \
+  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,           \
                   RoiSize roi, int32_t shift) {                                                   \
-    return differentiate<derivative, T>({{src, srcStep}, {dst, dstStep}, roi, 0, 0}, 0, shift);   \
+    return differentiate<derivative, T>({src, srcStep}, {dst, dstStep}, roi, 0, shift);           \
   }
 ENTRY(nuqiScharr_Dx_8u16s_C1R,     uint8_t, Derivative::scharr_dx)
 ENTRY(nuqiScharr_Dx_8s16s_C1R,     int8_t,  Derivative::scharr_dx)
@@ -124,10 +123,9 @@ ENTRY(nuqiScharr_Dx_32f_C1R,       float,   Derivative::scharr_dx)
 #undef ENTRY
 
 #define ENTRY(name, T, derivative)                                                                \
-  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,     \
+  StatusCode name(const T* src, int32_t srcStep, FilterResult<T>* dst, int32_t dstStep,           \
                   int32_t bottomUp, RoiSize roi, int32_t shift) {                                 \
-    return differentiate<derivative, T>({{src, srcStep}, {dst, dstStep}, roi, 0, 0},              \
-                                        bottomUp, shift);                                         \
+    return differentiate<derivative, T>({src, srcStep}, {dst, dstStep}, roi, bottomUp, shift);    \
   }
 ENTRY(nuqiScharr_Dy_8u16s_C1R,     uint8_t, Derivative::scharr_dy)
 ENTRY(nuqiScharr_Dy_8s16s_C1R,     int8_t,  Derivative::scharr_dy)

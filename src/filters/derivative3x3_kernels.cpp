@@ -80,17 +80,14 @@ void differentiate(const DerivativeJob<T>& job) {
   }
 }
 
-#if NUQI_LEVEL == 1
-// Rows of bytes shorter than a register: whole ones of half the length take a third of the time.
+// Rows of bytes shorter than a register of 32: whole ones of half the length take a third of the time.
 template <Derivative derivative, class T>
 void differentiate_bytes(const DerivativeJob<T>& job) {
-  if (job.roi.width >= Column<T>::kLanes) return differentiate<derivative>(job);
-  base::derivative_kernels.of_type<T>().of[int(derivative)](job);
+  if constexpr (kRegBytes == 32)
+    if (job.roi.width < Column<T>::kLanes)
+      return base::derivative_kernels.of_type<T>().of[int(derivative)](job);
+  differentiate<derivative>(job);
 }
-#else
-template <Derivative derivative, class T>
-constexpr auto differentiate_bytes = differentiate<derivative, T>;
-#endif
 
 template <class T>
 constexpr DerivativeKernelsOf<T> kOfBytes = {{

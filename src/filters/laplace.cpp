@@ -9,9 +9,9 @@ namespace {
 int buffers_for(int size) { return 2 * size; }
 
 // The kernels know the coefficients: a state with so many row buffers holds no others.
-template <class T, class D>
-StatusCode laplace(const StripeCall<T, D>& call) {
-  if (const StatusCode status = check<D>(call, buffers_for)) return status;
+template <class T>
+StatusCode laplace(const StripeCall<T>& call) {
+  if (const StatusCode status = check<FilterResult<T>>(call, buffers_for)) return status;
   filter_stripe(call, laplace_kernels().of_type<T>().of[size_of(*call.state) / 2 - 1]);
   return StatusOk;
 }
@@ -23,12 +23,6 @@ using namespace nuqi;
 
 // clang-format off
 
-#define ENTRY(name, T, D)                                                                         \
-  StatusCode name(const T* src, int32_t srcStep, D* dst, int32_t dstStep, RoiSize* roi,           \
-                  ConvolState* state, int32_t phase) {                                            \
-    return laplace<T, D>({{src, srcStep}, {dst, dstStep}, roi, state, phase});                    \
-  }
-ENTRY(nuqiLaplace_8u16s_C1R, uint8_t, int16_t)
-ENTRY(nuqiLaplace_8s16s_C1R, int8_t,  int16_t)
-ENTRY(nuqiLaplace_32f_C1R,   float,   float)
-#undef ENTRY
+NUQI_STRIPE_ENTRY(nuqiLaplace_8u16s_C1R, uint8_t, laplace)
+NUQI_STRIPE_ENTRY(nuqiLaplace_8s16s_C1R, int8_t,  laplace)
+NUQI_STRIPE_ENTRY(nuqiLaplace_32f_C1R,   float,   laplace)

@@ -19,15 +19,15 @@ SobelWeights<C> weights_of(const ConvolState& state) {
   return weights;
 }
 
-template <class T, class D>
-StatusCode sobel(const StripeCall<T, D>& call) {
-  if (const StatusCode status = check<D>(call, buffers_for)) return status;
+template <class T>
+StatusCode sobel(const StripeCall<T>& call) {
+  if (const StatusCode status = check<FilterResult<T>>(call, buffers_for)) return status;
   const ConvolState& state = *call.state;
   const int size = size_of(state);
-  const SobelWeights<D> weights = weights_of<D>(state);
+  const SobelWeights<FilterResult<T>> weights = weights_of<FilterResult<T>>(state);
   const auto kernel =
       sobel_kernels().of_type<T>().of[size / 2 - 1][state.kind % 2][state.kind / 2 % 2];
-  filter_stripe(call, [&](const WindowJob<T, D>& job) { kernel(job, weights); });
+  filter_stripe(call, [&](const WindowJob<T, FilterResult<T>>& job) { kernel(job, weights); });
   return StatusOk;
 }
 
@@ -38,12 +38,6 @@ using namespace nuqi;
 
 // clang-format off
 
-#define ENTRY(name, T, D)                                                                         \
-  StatusCode name(const T* src, int32_t srcStep, D* dst, int32_t dstStep, RoiSize* roi,           \
-                  ConvolState* state, int32_t phase) {                                            \
-    return sobel<T, D>({{src, srcStep}, {dst, dstStep}, roi, state, phase});                      \
-  }
-ENTRY(nuqiSobel_8u16s_C1R, uint8_t, int16_t)
-ENTRY(nuqiSobel_8s16s_C1R, int8_t,  int16_t)
-ENTRY(nuqiSobel_32f_C1R,   float,   float)
-#undef ENTRY
+NUQI_STRIPE_ENTRY(nuqiSobel_8u16s_C1R, uint8_t, sobel)
+NUQI_STRIPE_ENTRY(nuqiSobel_8s16s_C1R, int8_t,  sobel)
+NUQI_STRIPE_ENTRY(nuqiSobel_32f_C1R,   float,   sobel)

@@ -6,22 +6,23 @@
 #include "core/stripe.h"
 #include "core/validate.h"
 #include "filters/convol_state.h"
+#include "filters/result.h"
 #include "filters/window.h"
 
 namespace nuqi {
 
-template <class T, class D>
+template <class T>
 struct StripeCall {
   Image<const T> src;
-  Image<D> dst;
+  Image<FilterResult<T>> dst;
   RoiSize* roi;
   ConvolState* state;
   int32_t phase;
 };
 
 // The state must have as many row buffers as its size asks for, and kernels of C unless C is void.
-template <class C, class T, class D>
-StatusCode check(const StripeCall<T, D>& call, int (*buffers_for)(int size)) {
+template <class C, class T>
+StatusCode check(const StripeCall<T>& call, int (*buffers_for)(int size)) {
   const auto& [src, dst, roi, state, phase] = call;
   const auto lacks_kernels = [](const ConvolState& s) {
     if constexpr (std::is_void_v<C>)
@@ -43,34 +44,56 @@ StatusCode check(const StripeCall<T, D>& call, int (*buffers_for)(int size)) {
   return StatusOk;
 }
 
-template <class T, class D>
-Stripe stripe_of(const StripeCall<T, D>& call) {
-  return {call.roi->height, size_of(*call.state) / 2, starts_image(call.phase),
-          ends_image(call.phase)};
+template <class T>
+Stripe stripe_of(const StripeCall<T>& call) {
+  const int half = size_of(*call.state) / 2;
+  return {
+      .height = call.roi->height,
+      .above = half,
+      .below = half,
+      .first = starts_image(call.phase),
+      .last = ends_image(call.phase),
+      .held = 2 * half,
+  };
 }
 
 // Tells the caller and the state how far the image has come.
-template <class T, class D>
-void report(const StripeCall<T, D>& call, const Stripe& stripe) {
+template <class T>
+void report(const StripeCall<T>& call, const Stripe& stripe) {
   call.state->pending = stripe.pending();
   call.roi->height = static_cast<int32_t>(stripe.produced());
 }
 
 // Calls kernel(job) with the stripe's output rows, some at a time; keeps its last source rows.
-template <class T, class D, class Kernel>
-void filter_stripe(const StripeCall<T, D>& call, const Kernel& kernel) {
+template <class T, class Kernel>
+void filter_stripe(const StripeCall<T>& call, const Kernel& kernel) {
   constexpr int64_t kRows = 64;
   const T* rows[kRows + 6 + kMostRowsAtOnce - 1];
   const Stripe stripe = stripe_of(call);
   const StripeRows<T> source = {stripe, call.src, call.state->rows};
   for (int64_t y = 0; y < stripe.produced(); y += kRows) {
     const int count = static_cast<int>(std::min(kRows, stripe.produced() - y));
-    for (int i = 0; i < count + 2 * stripe.half + kMostRowsAtOnce - 1; ++i)
+    for (int i = 0; i < count + stripe.around() + kMostRowsAtOnce - 1; ++i)
       rows[i] = source[y - stripe.lead() + i];
-    kernel(WindowJob<T, D>{rows, {row_of(call.dst, y), call.dst.step}, {call.roi->width, count}});
+    kernel(WindowJob<T, FilterResult<T>>{
+        .rows = rows,
+        .dst = {row_of(call.dst, y), call.dst.step},
+        .roi = {call.roi->width, count},
+    });
   }
   source.keep(call.roi->width);
   report(call, stripe);
 }
 
 }  // namespace nuqi
+
+// An exported filter, which is what `filter` makes of its arguments.
+#define NUQI_STRIPE_ENTRY(name, T, filter)                                                    \
+  StatusCode name(const T* src, int32_t srcStep, nuqi::FilterResult<T>* dst, int32_t dstStep, \
+                  RoiSize* roi, ConvolState* state, int32_t phase) {                          \
+    return filter<T>({.src = {src, srcStep},                                                  \
+                      .dst = {dst, dstStep},                                                  \
+                      .roi = roi,                                                             \
+                      .state = state,                                                         \
+                      .phase = phase});                                                       \
+  }

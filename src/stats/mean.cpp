@@ -12,9 +12,8 @@ namespace {
 constexpr bool kMasked = true;
 
 template <int channels, class T>
-StatusCode mean_of(MeanJob<T> job, int32_t coi, double* mean) {
-  auto& [src, mask, roi] = job;
-
+StatusCode mean_of(Image<const T> src, Image<const uint8_t> mask, RoiSize roi, int32_t coi,
+                   double* mean) {
   // clang-format off
   if (any_null(src.data, mask.data, mean))                      return StatusNullPtr;
   if (negative(roi))                                            return StatusBadSize;
@@ -25,7 +24,7 @@ StatusCode mean_of(MeanJob<T> job, int32_t coi, double* mean) {
 
   // This shows in nuqiMean_32f_C1MR: it decides which pixels are a block of eight.
   ContiguousCollapse(roi, tight(src, roi.width, channels) && tight(mask, roi.width));
-  src.data += coi - 1;
+  const MeanJob<T> job = {.src = at_channel(src, coi), .mask = mask, .roi = roi};
   MeanSums sums;
   if (!empty(roi)) mean_kernels().of_type<T>().mean[channels == 3](job, sums);
   *mean = sums.count == 0 ? 0.0 : sums.sum / sums.count;
@@ -33,10 +32,10 @@ StatusCode mean_of(MeanJob<T> job, int32_t coi, double* mean) {
 }
 
 template <int channels, bool masked, class T>
-StatusCode deviation_of(MeanJob<T> job, int32_t coi, double* mean, double* deviation) {
+StatusCode deviation_of(Image<const T> src, Image<const uint8_t> mask, RoiSize roi, int32_t coi,
+                        double* mean, double* deviation) {
   // Deliberate: the masked three-channel forms call a bad step a bad size.
   constexpr StatusCode bad_step = channels == 3 && masked ? StatusBadSize : StatusBadStep;
-  auto& [src, mask, roi] = job;
 
   // clang-format off
   if (any_null(src.data, mean, deviation))                      return StatusNullPtr;
@@ -53,7 +52,7 @@ StatusCode deviation_of(MeanJob<T> job, int32_t coi, double* mean, double* devia
   // Floats keep their rows: the column decides which partial sum a pixel belongs to.
   if (!std::is_same_v<T, float>)
     ContiguousCollapse(roi, tight(src, roi.width, channels) && (!masked || tight(mask, roi.width)));
-  src.data += coi - 1;
+  const MeanJob<T> job = {.src = at_channel(src, coi), .mask = mask, .roi = roi};
   mean_kernels().of_type<T>().deviation[channels == 3][masked](job, sums);
   const double share = sums.count == 0 ? 0.0 : 1.0 / sums.count;
   *mean = sums.sum * share;
@@ -72,7 +71,7 @@ using namespace nuqi;
 #define ENTRY(name, T)                                                                            \
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   RoiSize roi, double* mean) {                                                    \
-    return mean_of<1, T>({{src, srcStep}, {mask, maskStep}, roi}, 1, mean);                       \
+    return mean_of<1, T>({src, srcStep}, {mask, maskStep}, roi, 1, mean);                         \
   }
 ENTRY(nuqiMean_8u_C1MR,  uint8_t)
 ENTRY(nuqiMean_8s_C1MR,  int8_t)
@@ -82,7 +81,7 @@ ENTRY(nuqiMean_32f_C1MR, float)
 #define ENTRY(name, T)                                                                            \
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   RoiSize roi, int32_t coi, double* mean) {                                       \
-    return mean_of<3, T>({{src, srcStep}, {mask, maskStep}, roi}, coi, mean);                     \
+    return mean_of<3, T>({src, srcStep}, {mask, maskStep}, roi, coi, mean);                       \
   }
 ENTRY(nuqiMean_8u_C3CMR,  uint8_t)
 ENTRY(nuqiMean_8s_C3CMR,  int8_t)
@@ -91,7 +90,7 @@ ENTRY(nuqiMean_32f_C3CMR, float)
 
 #define ENTRY(name, T)                                                                            \
   StatusCode name(const T* src, int32_t srcStep, RoiSize roi, double* mean, double* stdDev) {     \
-    return deviation_of<1, !kMasked, T>({{src, srcStep}, {}, roi}, 1, mean, stdDev);              \
+    return deviation_of<1, !kMasked, T>({src, srcStep}, {}, roi, 1, mean, stdDev);                \
   }
 ENTRY(nuqiMean_StdDev_8u_C1R,  uint8_t)
 ENTRY(nuqiMean_StdDev_8s_C1R,  int8_t)
@@ -101,7 +100,7 @@ ENTRY(nuqiMean_StdDev_32f_C1R, float)
 #define ENTRY(name, T)                                                                            \
   StatusCode name(const T* src, int32_t srcStep, RoiSize roi, int32_t coi, double* mean,          \
                   double* stdDev) {                                                               \
-    return deviation_of<3, !kMasked, T>({{src, srcStep}, {}, roi}, coi, mean, stdDev);            \
+    return deviation_of<3, !kMasked, T>({src, srcStep}, {}, roi, coi, mean, stdDev);              \
   }
 ENTRY(nuqiMean_StdDev_8u_C3CR,  uint8_t)
 ENTRY(nuqiMean_StdDev_8s_C3CR,  int8_t)
@@ -111,7 +110,7 @@ ENTRY(nuqiMean_StdDev_32f_C3CR, float)
 #define ENTRY(name, T)                                                                            \
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   RoiSize roi, double* mean, double* stdDev) {                                    \
-    return deviation_of<1, kMasked, T>({{src, srcStep}, {mask, maskStep}, roi}, 1, mean, stdDev); \
+    return deviation_of<1, kMasked, T>({src, srcStep}, {mask, maskStep}, roi, 1, mean, stdDev);   \
   }
 ENTRY(nuqiMean_StdDev_8u_C1MR,  uint8_t)
 ENTRY(nuqiMean_StdDev_8s_C1MR,  int8_t)
@@ -122,7 +121,7 @@ ENTRY(nuqiMean_StdDev_32f_C1MR, float)
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   RoiSize roi, int32_t coi, double* mean, double* stdDev) {                       \
     return deviation_of<3, kMasked, T>(                                                           \
-        {{src, srcStep}, {mask, maskStep}, roi}, coi, mean, stdDev);                              \
+        {src, srcStep}, {mask, maskStep}, roi, coi, mean, stdDev);                                \
   }
 ENTRY(nuqiMean_StdDev_8u_C3CMR,  uint8_t)
 ENTRY(nuqiMean_StdDev_8s_C3CMR,  int8_t)

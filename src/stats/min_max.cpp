@@ -23,8 +23,8 @@ void write(PixelPoint* to, int64_t place, int32_t width) {
 }
 
 template <int channels, bool masked, class T>
-StatusCode find(MinMaxJob<T> job, int32_t coi, const MinMaxResults& results) {
-  auto& [src, mask, roi] = job;
+StatusCode find(Image<const T> src, Image<const uint8_t> mask, RoiSize roi, int32_t coi,
+                const MinMaxResults& results) {
   const int32_t width = roi.width;
 
   // clang-format off
@@ -38,7 +38,7 @@ StatusCode find(MinMaxJob<T> job, int32_t coi, const MinMaxResults& results) {
   MinMax<T> found;
   if (!empty(roi)) {
     ContiguousCollapse(roi, tight(src, width, channels) && (!masked || tight(mask, width)));
-    src.data += coi - 1;
+    const MinMaxJob<T> job = {.src = at_channel(src, coi), .mask = mask, .roi = roi};
     found = min_max_kernels().of_type<T>().of[channels == 3][masked](job);
   }
   // Deliberate: where one of the two was not found, neither counts.
@@ -61,7 +61,7 @@ using namespace nuqi;
 
 #define ENTRY(name, T)                                                                            \
   StatusCode name(const T* src, int32_t srcStep, RoiSize roi, RESULTS) {                          \
-    return find<1, !kMasked, T>({{src, srcStep}, {}, roi}, 1, {min, max, minAt, maxAt});          \
+    return find<1, !kMasked, T>({src, srcStep}, {}, roi, 1, {min, max, minAt, maxAt});            \
   }
 ENTRY(nuqiMinMaxIndx_8u_C1R,     uint8_t)
 ENTRY(nuqiMinMaxIndx_8s_C1R,     int8_t)
@@ -70,7 +70,7 @@ ENTRY(nuqiMinMaxIndx_32f_C1R,    float)
 
 #define ENTRY(name, T)                                                                            \
   StatusCode name(const T* src, int32_t srcStep, RoiSize roi, int32_t channel, RESULTS) {         \
-    return find<3, !kMasked, T>({{src, srcStep}, {}, roi}, channel, {min, max, minAt, maxAt});    \
+    return find<3, !kMasked, T>({src, srcStep}, {}, roi, channel, {min, max, minAt, maxAt});      \
   }
 ENTRY(nuqiMinMaxIndx_8u_C3CR,    uint8_t)
 ENTRY(nuqiMinMaxIndx_8s_C3CR,    int8_t)
@@ -81,7 +81,7 @@ ENTRY(nuqiMinMaxIndx_32f_C3CR,   float)
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   RoiSize roi, RESULTS) {                                                         \
     return find<1, kMasked, T>(                                                                   \
-        {{src, srcStep}, {mask, maskStep}, roi}, 1, {min, max, minAt, maxAt});                    \
+        {src, srcStep}, {mask, maskStep}, roi, 1, {min, max, minAt, maxAt});                      \
   }
 ENTRY(nuqiMinMaxIndx_8u_C1MR,    uint8_t)
 ENTRY(nuqiMinMaxIndx_8s_C1MR,    int8_t)
@@ -92,7 +92,7 @@ ENTRY(nuqiMinMaxIndx_32f_C1MR,   float)
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   RoiSize roi, int32_t channel, RESULTS) {                                        \
     return find<3, kMasked, T>(                                                                   \
-        {{src, srcStep}, {mask, maskStep}, roi}, channel, {min, max, minAt, maxAt});              \
+        {src, srcStep}, {mask, maskStep}, roi, channel, {min, max, minAt, maxAt});                \
   }
 ENTRY(nuqiMinMaxIndx_8u_C3CMR,   uint8_t)
 ENTRY(nuqiMinMaxIndx_8s_C3CMR,   int8_t)

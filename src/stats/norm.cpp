@@ -15,9 +15,9 @@ double relative(const NormTotals& totals) {
 }
 
 template <NormOf of, Norm norm, int channels, class T>
-StatusCode measure(NormJob<T> job, int32_t coi, double* result) {
+StatusCode measure(Image<const T> src, Image<const T> src2, Image<const uint8_t> mask, RoiSize roi,
+                   int32_t coi, double* result) {
   constexpr bool two = of != NormOf::image, floats = std::is_same_v<T, float>;
-  auto& [src, src2, mask, roi] = job;
   const int32_t width = roi.width;
 
   // clang-format off
@@ -36,8 +36,12 @@ StatusCode measure(NormJob<T> job, int32_t coi, double* result) {
   const bool lanes_stay = !floats || norm == Norm::inf || width % 16 == 0;
   ContiguousCollapse(roi, lanes_stay && tight(src, width, channels) && tight(mask, width) &&
                               (!two || tight(src2, width, channels)));
-  src.data += coi - 1;
-  if (two) src2.data += coi - 1;
+  const NormJob<T> job = {
+      .src = at_channel(src, coi),
+      .src2 = two ? at_channel(src2, coi) : src2,
+      .mask = mask,
+      .roi = roi,
+  };
   const auto& kernels = norm_kernels().of_type<T>();
   const NormTotals totals =
       kernels.of[static_cast<int>(of)][static_cast<int>(norm)][channels == 3](job);
@@ -56,7 +60,7 @@ using namespace nuqi;
 #define ENTRY(name, T, of, norm)                                                                  \
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   RoiSize roi, double* result) {                                                  \
-    return measure<of, norm, 1, T>({{src, srcStep}, {}, {mask, maskStep}, roi}, 1, result);       \
+    return measure<of, norm, 1, T>({src, srcStep}, {}, {mask, maskStep}, roi, 1, result);         \
   }
 ENTRY(nuqiNorm_Inf_8u_C1MR,       uint8_t, NormOf::image,      Norm::inf)
 ENTRY(nuqiNorm_Inf_8s_C1MR,       int8_t,  NormOf::image,      Norm::inf)
@@ -72,7 +76,7 @@ ENTRY(nuqiNorm_L2_32f_C1MR,       float,   NormOf::image,      Norm::l2)
 #define ENTRY(name, T, of, norm)                                                                  \
   StatusCode name(const T* src, int32_t srcStep, const uint8_t* mask, int32_t maskStep,           \
                   RoiSize roi, int32_t channel, double* result) {                                 \
-    return measure<of, norm, 3, T>({{src, srcStep}, {}, {mask, maskStep}, roi}, channel, result); \
+    return measure<of, norm, 3, T>({src, srcStep}, {}, {mask, maskStep}, roi, channel, result);   \
   }
 ENTRY(nuqiNorm_Inf_8u_C3CMR,      uint8_t, NormOf::image,      Norm::inf)
 ENTRY(nuqiNorm_Inf_8s_C3CMR,      int8_t,  NormOf::image,      Norm::inf)
@@ -89,7 +93,7 @@ ENTRY(nuqiNorm_L2_32f_C3CMR,      float,   NormOf::image,      Norm::l2)
   StatusCode name(const T* src1, int32_t src1Step, const T* src2, int32_t src2Step,               \
                   const uint8_t* mask, int32_t maskStep, RoiSize roi, double* result) {           \
     return measure<of, norm, 1, T>(                                                               \
-        {{src1, src1Step}, {src2, src2Step}, {mask, maskStep}, roi}, 1, result);                  \
+        {src1, src1Step}, {src2, src2Step}, {mask, maskStep}, roi, 1, result);                    \
   }
 ENTRY(nuqiNormDiff_Inf_8u_C1MR,   uint8_t, NormOf::difference, Norm::inf)
 ENTRY(nuqiNormDiff_Inf_8s_C1MR,   int8_t,  NormOf::difference, Norm::inf)
@@ -116,7 +120,7 @@ ENTRY(nuqiNormRel_L2_32f_C1MR,    float,   NormOf::relative,   Norm::l2)
                   const uint8_t* mask, int32_t maskStep, RoiSize roi, int32_t channel,            \
                   double* result) {                                                               \
     return measure<of, norm, 3, T>(                                                               \
-        {{src1, src1Step}, {src2, src2Step}, {mask, maskStep}, roi}, channel, result);            \
+        {src1, src1Step}, {src2, src2Step}, {mask, maskStep}, roi, channel, result);              \
   }
 ENTRY(nuqiNormDiff_Inf_8u_C3CMR,  uint8_t, NormOf::difference, Norm::inf)
 ENTRY(nuqiNormDiff_Inf_8s_C3CMR,  int8_t,  NormOf::difference, Norm::inf)

@@ -16,10 +16,7 @@ namespace {
 template <class T>
 struct Fixture {
   Fixture(const Case& c, uint64_t seed)
-      : roi(c.roi),
-        src(roi, c.padding[0], c.wall),
-        src2(roi, c.padding[1], c.wall),
-        dst(roi, c.padding[2], c.wall) {
+      : roi(c.roi), src("source", c, 0), src2("second source", c, 1), dst("destination", c, 2) {
     Random random(seed);
     src.fill([&] { return random.value<T>(); });
     src2.fill([&] { return random.value<T>(); });

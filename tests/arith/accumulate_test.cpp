@@ -16,10 +16,10 @@ template <class T>
 struct Fixture {
   Fixture(const Case& c, uint64_t seed)
       : roi(c.roi),
-        src(roi, c.padding[0], c.wall),
-        src2(roi, c.padding[1], c.wall),
-        mask(roi, c.padding[2], c.wall),
-        acc(roi, c.padding[3], c.wall) {
+        src("source", c, 0),
+        src2("second source", c, 1),
+        mask("mask", c, 2),
+        acc("accumulator", c, 3) {
     Random random(seed);
     src.fill([&] { return random.value<T>(); });
     src2.fill([&] { return random.value<T>(); });

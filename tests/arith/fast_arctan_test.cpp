@@ -7,6 +7,7 @@
 #include "arith/fast_arctan_reference.h"
 #include "nuqi/nuqi.h"
 #include "support/comparison.h"
+#include "support/crash.h"
 #include "support/every_isa.h"
 #include "support/values.h"
 #include "support/walls.h"
@@ -52,7 +53,9 @@ TEST_P(FastArctan, EveryLengthAndAlignment) {
   for (Wall wall : {Wall::after, Wall::before}) {
     for (int length = 0; length <= 70; ++length) {
       const size_t size = length * sizeof(float), odd = wall == Wall::before ? length % 4 : 0;
-      WalledBytes y(size + odd, wall), x(size + odd, wall), angle(size + odd, wall);
+      const Running now("nuqibFastArctan_32f", {length, 1});
+      WalledBytes y(size + odd, wall, "y"), x(size + odd, wall, "x"),
+          angle(size + odd, wall, "angle");
       if (length != 0) {
         std::memcpy(y.data() + odd, v.y.data() + length, size);
         std::memcpy(x.data() + odd, v.x.data() + length, size);

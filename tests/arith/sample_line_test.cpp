@@ -6,8 +6,7 @@
 #include "arith/sample_line_members.h"
 #include "arith/sample_line_reference.h"
 #include "support/comparison.h"
-#include "support/values.h"
-#include "support/walls.h"
+#include "support/shapes.h"
 
 namespace nuqi::test {
 namespace {
@@ -15,8 +14,7 @@ namespace {
 // An image at a wall, and room for a line's samples at another.
 template <class T>
 struct Fixture {
-  Fixture(int count, RoiSize size, int padding, Wall wall)
-      : channels(count), roi(size), src(roi, padding * int{sizeof(T)}, wall, channels) {
+  Fixture(int count, const Case& c) : channels(count), roi(c.roi), src("source", c, 0, channels) {
     Random random(static_cast<uint64_t>(roi.width) * 100 + roi.height);
     src.fill([&] { return random.value<T>(); });
   }
@@ -30,7 +28,8 @@ struct Fixture {
   }
   void expect_agreement(const SampleLineMember<T>& member, PixelPoint start, PixelPoint end) {
     const std::vector<T> wanted = expected(start, end);
-    WalledBytes dst(wanted.size() * sizeof(T), Wall::after);
+    const Running now(member.name, roi);
+    WalledBytes dst(wanted.size() * sizeof(T), Wall::after, "destination");
     T* out = reinterpret_cast<T*>(dst.data());
     ASSERT_EQ(member.call(src.data(), src.step(), roi, out, start, end),
               static_cast<int32_t>(wanted.size()) / channels);
@@ -46,13 +45,15 @@ struct Fixture {
 
 TEST(SampleLine, AgreesWithTheReferenceInEveryDirection) {
   for_each_sample_line([]<class T>(const SampleLineMember<T>& member) {
-    for (Wall wall : {Wall::after, Wall::before}) {
-      Fixture<T> fixture(member.channels, {19, 15}, wall == Wall::after ? 3 : 0, wall);
+    Case cases[] = {{{19, 15}, Wall::after, {3}}, {{19, 15}, Wall::before}};
+    if (far_rows_fit()) cases[0].padding[0] = kFarApart;
+    for (const Case& c : cases) {
+      Fixture<T> fixture(member.channels, c);
       for (PixelPoint start : {PixelPoint{0, 0}, PixelPoint{18, 14}, PixelPoint{9, 7}})
         for (int x = 0; x < 19; ++x)
           for (int y = 0; y < 15; ++y) fixture.expect_agreement(member, start, {x, y});
     }
-    Fixture<T> wide(member.channels, {1200, 3}, 1, Wall::after);
+    Fixture<T> wide(member.channels, {{1200, 3}, Wall::after, {kWallsBetween}});
     for (int x : {1, 2, 3, 1198, 1199}) wide.expect_agreement(member, {0, 2}, {x, 0});
   });
 }
@@ -102,7 +103,7 @@ TEST(SampleLineStatus, FirstFailureWinsAndNothingIsWritten) {
       PixelPoint start, end;
     };
     const auto expect = [&](const char* what, StatusCode status, auto spoil) {
-      Fixture<T> fixture(member.channels, {10, 6}, 1, Wall::after);
+      Fixture<T> fixture(member.channels, {{10, 6}, Wall::after, {1}});
       std::vector<T> dst(30, T{7});
       Args a = {fixture.src.data(), fixture.src.step(), fixture.roi, dst.data(), {0, 0}, {9, 5}};
       spoil(a);
@@ -126,17 +127,21 @@ TEST(SampleLineStatus, FirstFailureWinsAndNothingIsWritten) {
       const int pixel = member.channels * e;
       a.roi.width = pixel == 1 ? INT32_MAX : INT32_MAX / pixel + 1, a.step = INT32_MAX - 3;
     });
-    expect("start left", StatusBadArg, [](Args& a) { a.start.x = -1; });
-    expect("start above", StatusBadArg, [](Args& a) { a.start.y = INT32_MIN; });
-    expect("end right", StatusBadArg, [](Args& a) { a.end.x = 10; });
-    expect("end below", StatusBadArg, [](Args& a) { a.end.y = 6; });
+    for (int outside : {INT32_MIN, -1, 10, INT32_MAX}) {
+      expect("start beside", StatusBadArg, [&](Args& a) { a.start.x = outside; });
+      expect("end beside", StatusBadArg, [&](Args& a) { a.end.x = outside; });
+    }
+    for (int outside : {INT32_MIN, -1, 6, INT32_MAX}) {
+      expect("start above or below", StatusBadArg, [&](Args& a) { a.start.y = outside; });
+      expect("end above or below", StatusBadArg, [&](Args& a) { a.end.y = outside; });
+    }
   });
 }
 
 TEST(SampleLine, GivesTheSameBitsEverywhere) {
   Hash hash;
   for_each_sample_line([&]<class T>(const SampleLineMember<T>& member) {
-    Fixture<T> fixture(member.channels, {40, 30}, 1, Wall::after);
+    Fixture<T> fixture(member.channels, {{40, 30}});
     for (PixelPoint end :
          {PixelPoint{0, 0}, PixelPoint{39, 29}, PixelPoint{39, 7}, PixelPoint{3, 29}}) {
       std::vector<T> samples(40 * member.channels);

@@ -1,7 +1,7 @@
 // The three box blurs behind one argument list.
 #pragma once
 
-#include "filters/stripe_members.h"
+#include "support/stripe_members.h"
 
 namespace nuqi::test {
 

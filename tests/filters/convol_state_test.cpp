@@ -6,8 +6,8 @@
 #include <array>
 
 #include "filters/sobel_reference.h"
-#include "filters/stripe_members.h"
 #include "support/heap.h"
+#include "support/stripe_members.h"
 
 namespace nuqi::test {
 namespace {

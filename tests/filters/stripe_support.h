@@ -1,137 +1,16 @@
-// Runs stripe filters over walled images, and the tests that all of them share.
+// The tests that all filters over a square window share.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <functional>
-#include <string>
 #include <vector>
 
-#include "filters/stripe_members.h"
-#include "support/comparison.h"
-#include "support/heap.h"
-#include "support/values.h"
-#include "support/walls.h"
+#include "support/stripes.h"
 
 namespace nuqi::test {
 
 using NewState = std::function<ConvolState*(int32_t width, int32_t type)>;
-
-// An image in raster order.
-template <class T>
-struct Picture {
-  RoiSize roi;
-  std::vector<T> pixels;
-};
-
-// Bytes: extremes as often as noise. Floats: magnitudes that differ widely, so that every rounding
-// shows.
-template <class T>
-Picture<T> random_picture(RoiSize roi, uint64_t seed) {
-  Random random(seed);
-  Picture<T> picture = {roi, std::vector<T>(static_cast<size_t>(roi.width) * roi.height)};
-  for (T& value : picture.pixels) {
-    if constexpr (sizeof(T) == 1)
-      value = random.integer<T>();
-    else
-      value = random.plain_float() * random.one_of(std::array<float, 3>{1.0f, 1e-4f, 3e5f});
-  }
-  return picture;
-}
-
-struct StripeRun {
-  int padding = 0;
-  Wall wall = Wall::after;
-};
-
-// Feeds rows of the picture from `y` on; appends what comes out to `out`.
-template <class T, class D>
-void run_stripe(const StripeMember<T, D>& member, ConvolState* state, const Picture<T>& picture,
-                int y, int rows, int phase, int expected_rows, StripeRun how, std::vector<D>& out) {
-  const int32_t width = picture.roi.width;
-  WalledImage<T> src({width, rows}, how.padding * int{sizeof(T)}, how.wall);
-  WalledImage<D> dst({width, expected_rows}, how.padding * int{sizeof(D)}, how.wall);
-  size_t i = static_cast<size_t>(y) * width;
-  src.fill([&] { return picture.pixels[i++]; });
-  RoiSize roi = {width, rows};
-  ASSERT_EQ(member.call({src.data(), src.step(), dst.data(), dst.step(), &roi, state, phase}),
-            StatusOk);
-  ASSERT_EQ(roi.width, width);
-  ASSERT_EQ(roi.height, expected_rows);
-  ASSERT_TRUE(dst.padding_untouched());
-  const std::vector<D> pixels = dst.pixels();
-  out.insert(out.end(), pixels.begin(), pixels.end());
-}
-
-// The picture in one call.
-template <class T, class D>
-std::vector<D> whole(const StripeMember<T, D>& member, ConvolState* state,
-                     const Picture<T>& picture, StripeRun how = {}) {
-  std::vector<D> out;
-  run_stripe(member, state, picture, 0, picture.roi.height, 0, picture.roi.height, how, out);
-  return out;
-}
-
-// The picture in stripes of the given heights; the first has at least half the size.
-template <class T, class D>
-std::vector<D> in_stripes(const StripeMember<T, D>& member, ConvolState* state,
-                          const Picture<T>& picture, int half, const std::vector<int>& heights) {
-  std::vector<D> out;
-  int y = 0;
-  for (size_t i = 0; i < heights.size(); ++i) {
-    const bool first = i == 0, last = i + 1 == heights.size();
-    const int phase = first && last ? 0 : first ? 1 : last ? 2 : 4;
-    run_stripe(member, state, picture, y, heights[i], phase,
-               heights[i] - (first ? half : 0) + (last ? half : 0), {}, out);
-    y += heights[i];
-  }
-  return out;
-}
-
-// Whole pictures of every width against expected(picture); the state's header and what lies behind its
-// row buffers stay as they are.
-template <class T, class D, class Expected>
-void expect_agreement(const StripeMember<T, D>& member, const NewState& new_state,
-                      const Expected& expected) {
-  std::vector<RoiSize> sizes;
-  for (int width = 1; width <= 70; ++width) sizes.push_back({width, 1 + width * 7 % 9});
-  for (RoiSize roi : {RoiSize{129, 40}, {515, 3}, {1026, 3}, {2049, 4}, {2053, 5}, {8, 150}})
-    sizes.push_back(roi);
-  for (const RoiSize& roi : sizes) {
-    WatchedHeap heap;
-    ConvolState* state = new_state(roi.width, data_type(T{}));
-    ASSERT_NE(state, nullptr);
-    const uint8_t* end = heap.last_block + heap.last_size - 32;
-    const Picture<T> picture = random_picture<T>(roi, 1000u * roi.width + roi.height);
-    const auto result = expected(picture);
-    for (Wall wall : {Wall::after, Wall::before}) {
-      SCOPED_TRACE(testing::Message() << member.name << " " << roi.width << "x" << roi.height
-                                      << " wall " << (wall == Wall::after ? "after" : "before"));
-      ASSERT_TRUE(same_bits(result, whole(member, state, picture, {roi.width % 4, wall})));
-    }
-    for (int i = 0; i < 32; ++i) ASSERT_EQ(end[i], WatchedHeap::kFresh) << member.name << roi.width;
-  }
-}
-
-// One state, made for the widest picture: any stripes give what one call gives.
-template <class T, class D>
-void expect_stripes_equal_the_whole(const StripeMember<T, D>& member, const NewState& new_state,
-                                    int half) {
-  ConvolState* state = new_state(600, data_type(T{}));
-  Random random(static_cast<uint64_t>(half));
-  for (int round = 0; round < 60; ++round) {
-    const RoiSize roi = {round % 10 == 0 ? 600 : random.between(1, 40), random.between(8, 90)};
-    const Picture<T> picture = random_picture<T>(roi, 77u + round);
-    std::vector<int> heights = {random.between(half, roi.height - 1)};
-    for (int left = roi.height - heights[0]; left > 0; left -= heights.back())
-      heights.push_back(random.between(1, round % 3 == 0 ? 1 : left));
-    SCOPED_TRACE(testing::Message() << member.name << " " << roi.width << "x" << roi.height
-                                    << " as " << testing::PrintToString(heights));
-    ASSERT_TRUE(same_bits(whole(member, state, picture),
-                          in_stripes(member, state, picture, half, heights)));
-  }
-}
 
 // Each row spoils more than one argument, and names the status that must win. `wrong_state` lacks what
 // the filter needs.

@@ -5,8 +5,7 @@
 
 #include "stats/histogram_reference.h"
 #include "support/comparison.h"
-#include "support/values.h"
-#include "support/walls.h"
+#include "support/shapes.h"
 
 namespace nuqi::test {
 namespace {
@@ -28,17 +27,17 @@ void fill(WalledImage<uint8_t>& image, uint64_t seed) {
   });
 }
 
-void expect_histogram(RoiSize roi, int padding, Wall wall, const std::vector<uint8_t>& levels) {
-  SCOPED_TRACE(testing::Message() << roi.width << "x" << roi.height << ", " << levels.size()
-                                  << " levels");
-  WalledImage<uint8_t> src(roi, padding, wall);
-  fill(src, static_cast<uint64_t>(roi.width));
+void expect_histogram(const Case& c, const std::vector<uint8_t>& levels) {
+  SCOPED_TRACE(testing::Message() << levels.size() << " levels");
+  WalledImage<uint8_t> src("source", c, 0);
+  fill(src, static_cast<uint64_t>(c.roi.width));
   const std::vector<int32_t> expected = histogram_reference(src.pixels(), levels);
-  WalledBytes hist(expected.size() * 4, Wall::after), walled(levels.size(), Wall::after);
+  WalledBytes hist(expected.size() * 4, Wall::after, "histogram");
+  WalledBytes walled(levels.size(), Wall::after, "levels");
   std::memcpy(walled.data(), levels.data(), levels.size());
   auto* bins = reinterpret_cast<int32_t*>(hist.data());
-  ASSERT_EQ(nuqiCalcHist_8u_C1R(src.data(), src.step(), roi, bins, static_cast<int>(levels.size()),
-                                walled.data()),
+  ASSERT_EQ(nuqiCalcHist_8u_C1R(src.data(), src.step(), c.roi, bins,
+                                static_cast<int>(levels.size()), walled.data()),
             StatusOk);
   ASSERT_EQ(expected, std::vector<int32_t>(bins, bins + expected.size()));
 }
@@ -48,16 +47,13 @@ TEST(Histogram, AgreesWithTheReference) {
   for (int i = 0; i < 256; ++i) all[i] = static_cast<uint8_t>(i);
   const std::vector<uint8_t> levels[] = {all,       {0, 128, 255},      {17, 255},
                                          {9, 9, 7}, {200, 100, 50, 60}, {255, 0, 255}};
-  for (Wall wall : {Wall::after, Wall::before}) {
-    for (int width = 1; width <= 70; ++width)
-      expect_histogram({width, 3}, width % 3, wall, levels[width % 6]);
-    expect_histogram({641, 5}, 0, wall, all);
-  }
+  for_each_case("nuqiCalcHist_8u_C1R", 1,
+                [&](const Case& c) { expect_histogram(c, levels[c.roi.width % 6]); });
 }
 
 // Oddity: one level makes a bin, too. The level beyond is not read: the list ends at a wall.
 TEST(Histogram, OneLevelMakesABinWithoutUpperEnd) {
-  for (uint8_t level : {0, 100, 255}) expect_histogram({50, 4}, 1, Wall::after, {level});
+  for (uint8_t level : {0, 100, 255}) expect_histogram({{50, 4}}, {level});
 }
 
 // Each row spoils one argument more than it needs to, and names the status that must win.
@@ -86,11 +82,10 @@ TEST(HistogramStatus, FirstFailureWinsAndNothingIsWritten) {
 
 // ---- Two channels
 
-void expect_joint(RoiSize roi, int padding, const Levels& across, const Levels& down,
-                  int32_t step) {
-  SCOPED_TRACE(testing::Message() << roi.width << "x" << roi.height << ", histogram step " << step);
-  WalledImage<uint8_t> src(roi, padding, Wall::after, 2);
-  fill(src, static_cast<uint64_t>(roi.width) + 1);
+void expect_joint(const Case& c, const Levels& across, const Levels& down, int32_t step) {
+  SCOPED_TRACE(testing::Message() << "histogram step " << step);
+  WalledImage<uint8_t> src("source", c, 0, 2);
+  fill(src, static_cast<uint64_t>(c.roi.width) + 1);
   const int32_t counts[2] = {static_cast<int>(across.size()) - 1,
                              static_cast<int>(down.size()) - 1};
   Levels levels = across;
@@ -98,12 +93,13 @@ void expect_joint(RoiSize roi, int padding, const Levels& across, const Levels& 
   // All counters that are cleared, and all rows; what neither touches stays.
   const int64_t rows_end = int64_t{std::max(step, 0)} * (counts[1] - 1) + counts[0] * 4;
   const size_t size = std::max<int64_t>(rows_end, int64_t(across.size() * down.size()) * 4);
-  WalledBytes hist(size, Wall::after);
+  const Running now("nuqiCalcHist_8u_C2R", c.roi);
+  WalledBytes hist(size, Wall::after, "histogram");
   std::memset(hist.data(), 0x11, size);
   std::vector<uint8_t> expected(hist.data(), hist.data() + size);
   joint_histogram_reference(src.pixels(), across, down, step, expected);
   ASSERT_EQ(
-      nuqiCalcHist_8u_C2R(src.data(), src.step(), roi, reinterpret_cast<int32_t*>(hist.data()),
+      nuqiCalcHist_8u_C2R(src.data(), src.step(), c.roi, reinterpret_cast<int32_t*>(hist.data()),
                           step, counts, levels.data()),
       StatusOk);
   ASSERT_EQ(expected, std::vector<uint8_t>(hist.data(), hist.data() + size));
@@ -112,24 +108,46 @@ void expect_joint(RoiSize roi, int padding, const Levels& across, const Levels& 
 TEST(JointHistogram, AgreesWithTheReference) {
   Levels fine, coarse = {0, 64, 128, 192, 256};
   for (int i = 0; i <= 256; ++i) fine.push_back(i);
-  for (int width = 1; width <= 40; ++width) {
-    expect_joint({width, 3}, width % 3, coarse, {10, 20, 240}, 16);
-    expect_joint({width, 3}, width % 3, {-1000, 5, 100000}, coarse, 12);
-  }
-  expect_joint({300, 20}, 0, fine, fine, 1024);
-  expect_joint({300, 20}, 0, {50, 60}, {0, 200}, 4);
+  const RoiSize roi = {300, 20};
+  for_each_case("nuqiCalcHist_8u_C2R", 1, [&](const Case& c) {
+    expect_joint(c, coarse, {10, 20, 240}, 16);
+    expect_joint(c, {-1000, 5, 100000}, coarse, 12);
+  });
+  expect_joint({roi}, fine, fine, 1024);
+  expect_joint({roi}, {50, 60}, {0, 200}, 4);
   // Several levels at one value: the bins between them stay empty.
-  expect_joint({300, 20}, 0, {0, 7, 7, 7, 200}, {3, 3, 90, 90}, 20);
+  expect_joint({roi}, {0, 7, 7, 7, 200}, {3, 3, 90, 90}, 20);
   // Levels that descend: the number of those not above a value.
-  expect_joint({300, 20}, 0, {0, 90, 30, 60, 256}, {0, 128, 256}, 16);
+  expect_joint({roi}, {0, 90, 30, 60, 256}, {0, 128, 256}, 16);
+}
+
+// Levels at and beyond the ends of the bytes, first, last or between: 255 is outside of bins that end
+// there, and counting outside of the histogram would die at its wall.
+TEST(JointHistogram, LevelsAtTheEndsOfBytes) {
+  const Levels ends[] = {{0, 256},      {0, 255},        {1, 256},    {0, 100, 255}, {-1, 255},
+                         {-9, -5, 256}, {-5, 0, 0, 300}, {-2, -1, 0}, {256, 300},    {0, -7, 256}};
+  for (const Levels& across : ends)
+    for (const Levels& down : ends)
+      expect_joint({{300, 20}}, across, down, static_cast<int32_t>(across.size()) * 4);
 }
 
 // Oddity: (K + 1) * (L + 1) counters from the start are cleared, not the rows.
 TEST(JointHistogram, ClearsByCountNotByRows) {
-  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256},
-               64);                                                // beyond: added to what is there
-  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256}, 0);  // all rows are one
-  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256}, 6);  // rows that overlap
+  const Levels across = {0, 128, 256}, down = {0, 100, 200, 256};
+  expect_joint({{60, 5}}, across, down, 64);  // rows beyond: added to what is there
+  expect_joint({{60, 5}}, across, down, 0);   // all rows are one
+  expect_joint({{60, 5}}, across, down, 6);   // rows that overlap
+}
+
+TEST(JointHistogram, RowsOfCountersMayLieFarApart) {
+  if (!far_rows_fit()) GTEST_SKIP() << "no room for rows 2^31 bytes apart";
+  WalledImage<int32_t> hist({2, 4}, kFarApart, Wall::before);
+  hist.fill([] { return 0; });
+  const uint8_t src[8] = {0, 0, 200, 100, 0, 255, 1, 250};
+  const int32_t counts[2] = {1, 4}, levels[7] = {0, 256, 0, 50, 150, 240, 256};
+  ASSERT_EQ(nuqiCalcHist_8u_C2R(src, 8, {4, 1}, hist.data(), hist.step(), counts, levels),
+            StatusOk);
+  EXPECT_EQ(hist.pixels(), (std::vector<int32_t>{1, 0, 1, 0, 0, 0, 2, 0}));
 }
 
 TEST(JointHistogramStatus, FirstFailureWinsAndNothingIsWritten) {

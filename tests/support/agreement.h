@@ -3,6 +3,7 @@
 #pragma once
 
 #include "support/comparison.h"
+#include "support/crash.h"
 #include "support/shapes.h"
 
 namespace nuqi::test {
@@ -10,7 +11,9 @@ namespace nuqi::test {
 template <class Member, class Fixture>
 void expect_agreement(const Member& member, Fixture& fixture) {
   const auto expected = fixture.expected(member);
-  ASSERT_EQ(member.call(fixture.args()), StatusOk);
+  const auto args = fixture.args();
+  const Running now(member.name, args.roi);
+  ASSERT_EQ(member.call(args), StatusOk);
   ASSERT_TRUE(same_bits(expected, fixture.output().pixels()));
   ASSERT_TRUE(fixture.output().padding_untouched());
 }
@@ -22,6 +25,7 @@ void expect_status(const Member& member, Fixture&& fixture, const char* what, St
   const auto before = fixture.output().all_bytes();
   auto args = fixture.args();
   spoil(args);
+  const Running now(member.name, args.roi);
   EXPECT_EQ(member.call(args), status) << member.name << ": " << what;
   EXPECT_EQ(before, fixture.output().all_bytes()) << member.name << ": " << what;
 }

@@ -24,6 +24,7 @@ uint64_t bits_of(T value) {
     return static_cast<uint64_t>(value);
 }
 
+// AssertionResult forgets std::hex from one << to the next.
 inline std::string hex(uint64_t value) {
   char text[19];
   std::snprintf(text, sizeof text, "0x%" PRIX64, value);

@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -58,10 +59,21 @@ class WalledBytes {
 // second is all that 32 bits can hold.
 constexpr int kWallsBetween = INT32_MAX - 1, kFarApart = INT32_MAX;
 
+// What a call's images look like: `padding[i]` is that of image i.
+struct Case {
+  static constexpr int kMostImages = 5;
+
+  RoiSize roi;
+  Wall wall = Wall::after;
+  std::array<int, kMostImages> padding = {};
+};
+
 // An image of `roi` at a wall. `padding` elements lie between two rows; none after the last.
 template <class T>
 class WalledImage {
  public:
+  WalledImage(const char* name, const Case& c, int image, int channels = 1)
+      : WalledImage(c.roi, c.padding[image], c.wall, channels, name) {}
   WalledImage(RoiSize roi, int padding, Wall wall, int channels = 1, const char* name = "image")
       : row_elements_(static_cast<size_t>(roi.width) * channels),
         height_(roi.height),

@@ -11,172 +11,116 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// ---- Sixteen or eight floats
+// ---- Floats, from windows whose elements wanted lie in lanes of their own, so that blends join them
 
-#if NUQI_LEVEL == 0
-
-template <int N>
-NUQI_INLINE Vec<float, N> load_third(const float* from, Whole) {
-  return generate<Vec<float, N>>([&](int i) NUQI_FORCED {
-    const auto at0 = load<4>(from + 12 * i).r[0], at6 = load<4>(from + 12 * i + 6).r[0];
-    return __builtin_shufflevector(at0, at6, 0, 3, 4, 7);
-  });
+template <class V>
+NUQI_INLINE V third_of_12(const V& at0, const V& at6) {
+  return __builtin_shufflevector(at0, at6, 0, 3, 4, 7);
 }
-
-#else
-
-NUQI_INLINE auto load_eight_thirds(const float* from) {
-  const auto at0 = load<8>(from).r[0], at7 = load<8>(from + 7).r[0], at14 = load<8>(from + 14).r[0];
-  // The elements wanted of each window lie in lanes of their own, so that two blends bring them together.
+template <class V>
+NUQI_INLINE V third_of_24(const V& at0, const V& at7, const V& at14) {
   const auto first5 = __builtin_shufflevector(at0, at7, 0, 1, 10, 3, 4, 13, 6, 7);
   const auto all = __builtin_shufflevector(first5, at14, 0, 9, 2, 3, 12, 5, 6, 15);
   return __builtin_shufflevector(all, all, 0, 3, 6, 2, 5, 1, 4, 7);
 }
-
-#if NUQI_LEVEL == 1
-
-template <int N>
-NUQI_INLINE Vec<float, N> load_third(const float* from, Whole) {
-  return generate<Vec<float, N>>([&](int i)
-                                     NUQI_FORCED { return load_eight_thirds(from + 24 * i); });
-}
-
-#else
-
-template <class Native, int... I>
-NUQI_INLINE Native every_third_float(const Native& at0, const Native& at15, const Native& at30,
-                                     Indices<I...>) {
+template <class V, int... I>
+NUQI_INLINE V third_of_48(const V& at0, const V& at15, const V& at30, Indices<I...>) {
   const auto first11 = __builtin_shufflevector(at0, at15,
                                                (I < 6    ? 3 * I
                                                 : I < 11 ? 3 * I - 15 + 16
                                                          : I)...);
   return __builtin_shufflevector(first11, at30, (I < 11 ? I : 3 * I - 30 + 16)...);
 }
-template <int N>
-NUQI_INLINE Vec<float, N> load_third(const float* from, Whole) {
-  if constexpr (N == 8)
-    return {{load_eight_thirds(from)}};
-  else
-    return {{every_third_float(load(from).r[0], load(from + 15).r[0], load(from + 30).r[0],
-                               UpTo<16>::Type{})}};
-}
 
-#endif
-#endif
+// ---- Bytes
 
-// ---- One register of bytes
-
-#if NUQI_LEVEL == 0
-
-template <class Native, int... I>
-NUQI_INLINE Native two_lanes_down(const Native& a, Indices<I...>) {
-  return __builtin_shufflevector(a, Native{}, (I + 2)...);
-}
-// In turns the lanes of one's lower and the other's upper half.
-template <class Native, class Lanes>
-NUQI_INLINE Native zip_low_high(const Native& a, const Native& b, Lanes lanes) {
-  typedef int64_t Halves __attribute__((vector_size(16)));
-  return zip_low(a, (Native)__builtin_shufflevector((Halves)b, (Halves)b, 1, 0), lanes);
-}
-template <class Native, class Lanes>
-NUQI_INLINE Native zip_high_low(const Native& a, const Native& b, Lanes lanes) {
-  typedef int64_t Halves __attribute__((vector_size(16)));
-  return zip_low((Native)__builtin_shufflevector((Halves)a, (Halves)a, 1, 0), b, lanes);
-}
-
-// Zipping the two halves of 48 bytes takes byte p to 2 p mod 47, four times to 16 p: byte 3 i to i.
-template <int N, class T>
-NUQI_INLINE Vec<T, N> load_third(const T* from, Whole) {
-  static_assert(N == 16 && sizeof(T) == 1);
-  constexpr auto lanes = UpTo<16>::Type{};
-  auto a = load(from).r[0], b = load(from + 16).r[0];
-  auto c = two_lanes_down(load(from + 30).r[0], lanes);
+// Without byte shuffles. Zipping the two halves of 48 bytes takes byte p to 2 p mod 47, four times to
+// 16 p: byte 3 i to i.
+template <class V, int... I>
+NUQI_INLINE V third_by_zips(V a, V b, const V& at30, Indices<I...> lanes) {
+  // The lanes of one's lower half and the other's upper half, interleaved.
+  const auto low_high = [&](const V& x, const V& y)
+                            NUQI_FORCED { return zip_low(x, swap_halves(y), lanes); };
+  const auto high_low = [&](const V& x, const V& y)
+                            NUQI_FORCED { return zip_low(swap_halves(x), y, lanes); };
+  V c = __builtin_shufflevector(at30, V{}, (I + 2)...);
   for_each<2>([&](int) NUQI_FORCED {
-    const auto first = zip_low_high(a, b, lanes), second = zip_high_low(a, c, lanes);
-    c = zip_low_high(b, c, lanes);
+    const V first = low_high(a, b), second = high_low(a, c);
+    c = low_high(b, c);
     a = first;
     b = second;
   });
-  return {{zip_low_high(zip_low_high(a, b, lanes), zip_high_low(a, c, lanes), lanes)}};
+  return low_high(low_high(a, b), high_low(a, c));
 }
 
-#elif NUQI_LEVEL == 1
-
-// Sixteen bytes of each of two groups of sixteen pixels: byte shuffles stay within such halves.
-NUQI_INLINE __m256i load_two(const void* from) {
-  const __m128i* group = (const __m128i*)from;
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(group)),
-                                 _mm_loadu_si128(group + 3), 1);
-}
-template <int... I>
-NUQI_INLINE __m256i every_third_byte(__m256i at0, __m256i at16, __m256i at30, Indices<I...>) {
-  typedef signed char Bytes __attribute__((vector_size(32)));
+// By shuffles within groups of sixteen, each with windows of its own.
+template <class V, int... I>
+NUQI_INLINE V third_by_shuffles(const V& at0, const V& at16, const V& at30, Indices<I...>) {
+  using Places = NativeAs<int8_t, V>;
   constexpr auto at = [](int i) { return 3 * (i % 16); };
-  const Bytes of0 = {(at(I) < 16 ? at(I) : -1)...};
-  const Bytes of16 = {(at(I) >= 16 && at(I) < 32 ? at(I) - 16 : -1)...};
-  const Bytes of30 = {(at(I) >= 32 ? at(I) - 30 : -1)...};
-  return _mm256_shuffle_epi8(at0, (__m256i)of0) | _mm256_shuffle_epi8(at16, (__m256i)of16) |
-         _mm256_shuffle_epi8(at30, (__m256i)of30);
-}
-template <int N, class T>
-NUQI_INLINE Vec<T, N> load_third(const T* from, Whole) {
-  static_assert(N == 32 && sizeof(T) == 1);
-  return {{(typename Vec<T, N>::Native)every_third_byte(load_two(from), load_two(from + 16),
-                                                        load_two(from + 30), UpTo<32>::Type{})}};
+  return machine::shuffle_bytes(at0, Places{(at(I) < 16 ? at(I) : -1)...}) |
+         machine::shuffle_bytes(at16, Places{(at(I) >= 16 && at(I) < 32 ? at(I) - 16 : -1)...}) |
+         machine::shuffle_bytes(at30, Places{(at(I) >= 32 ? at(I) - 30 : -1)...});
 }
 
-#else
-
-// Of the windows' bytes, those of the second fit between those of the first.
-template <class Native, int... I>
-NUQI_INLINE Native every_third_byte(const Native& at0, const Native& at64, const Native& at126,
-                                    Indices<I...>) {
-  constexpr uint64_t kSecond = ((I % 3 == 2 && I < 60 ? uint64_t{1} << I : 0) | ...);
-  constexpr uint64_t kLast22 = ~uint64_t{0} << 42;
-  typedef char Bytes __attribute__((vector_size(64)));
-  const Bytes of = {char((I < 42 ? 3 * I : 3 * I - 126 + 128) % 64)...};
-  const __m512i both = _mm512_mask_mov_epi8((__m512i)at0, kSecond, (__m512i)at64);
-  const __m512i first42 = _mm512_permutexvar_epi8((__m512i)of, both);
-  return (Native)_mm512_mask_permutexvar_epi8(first42, kLast22, (__m512i)of, (__m512i)at126);
+// By permutations. Of the windows' bytes, those of the second fit between those of the first.
+template <class V, int... I>
+NUQI_INLINE V third_by_permutations(const V& at0, const V& at64, const V& at126, Indices<I...>) {
+  const NativeAs<uint8_t, V> places = {uint8_t((I < 42 ? 3 * I : 3 * I - 126 + 128) % 64)...};
+  const V both = __builtin_shufflevector(at0, at64, (I % 3 == 2 && I < 60 ? 64 + I : I)...);
+  return __builtin_shufflevector(machine::permute_bytes(both, places),
+                                 machine::permute_bytes(at126, places), (I < 42 ? I : 64 + I)...);
 }
-template <int N, class T>
-NUQI_INLINE Vec<T, N> load_third(const T* from, Whole) {
-  static_assert(N == 64 && sizeof(T) == 1);
-  return {{every_third_byte(load<N>(from).r[0], load<N>(from + 64).r[0], load<N>(from + 126).r[0],
-                            UpTo<64>::Type{})}};
-}
-
-#endif
-
-// ---- The first few of either
-
-#if NUQI_LEVEL == 2
-
-template <int N, class T>
-NUQI_INLINE Vec<T, N> load_third(const T* from, First part) {
-  // Loads no lane of a window that starts beyond the last element.
-  const auto window = [&](int at) NUQI_FORCED {
-    return load<N>(from + at, First{3 * part.lanes - 2 - at}).r[0];
-  };
-  if constexpr (sizeof(T) == 1)
-    return {{every_third_byte(window(0), window(64), window(126), UpTo<64>::Type{})}};
-  else
-    return {{every_third_float(window(0), window(15), window(30), UpTo<16>::Type{})}};
-}
-
-#else
-
-template <int N, class T>
-NUQI_INLINE Vec<T, N> load_third(const T* from, First part) {
-  alignas(64) T lanes[N] = {};
-  for (int i = 0; i < part.lanes; ++i) lanes[i] = load_one(from + 3 * i);
-  return load<N>(lanes);
-}
-
-#endif
 
 // ---- Either
 
+// One register; window(x) is the register of elements from x on.
+template <class V, class Window>
+NUQI_INLINE auto third_of(const Window& window) {
+  using Lanes = typename UpTo<sizeof(V) / sizeof(LaneOf<V>)>::Type;
+  if constexpr (kIsFloat<LaneOf<V>>) {
+    if constexpr (sizeof(V) == 16)
+      return third_of_12<V>(window(0), window(6));
+    else if constexpr (sizeof(V) == 32)
+      return third_of_24<V>(window(0), window(7), window(14));
+    else
+      return third_of_48<V>(window(0), window(15), window(30), Lanes{});
+  } else if constexpr (Machine::kPermutesBytes) {
+    return third_by_permutations<V>(window(0), window(64), window(126), Lanes{});
+  } else if constexpr (Machine::kShufflesBytes) {
+    return third_by_shuffles<V>(window(0), window(16), window(30), Lanes{});
+  } else {
+    return third_by_zips<V>(window(0), window(16), window(30), Lanes{});
+  }
+}
+
+template <int N, class T>
+NUQI_INLINE Vec<T, N> load_third(const T* from, Whole) {
+  using V = Vec<T, N>;
+  return generate<V>([&](int i) NUQI_FORCED {
+    const T* const first = from + 3 * i * V::kLanesPerReg;
+    return third_of<typename V::Native>([&](int x) NUQI_FORCED {
+      if constexpr (V::kBytes == 32 && sizeof(T) == 1)  // sixteen bytes for each group
+        return machine::load_groups<typename V::Native>(first + x, first + x + 48);
+      else
+        return load<V::kLanesPerReg>(first + x).r[0];
+    });
+  });
+}
+template <int N, class T>
+NUQI_INLINE Vec<T, N> load_third(const T* from, First part) {
+  if constexpr (Machine::kMasks) {
+    // Loads no lane of a window that starts beyond the last element.
+    return {{third_of<typename Vec<T, N>::Native>(
+        [&](int x) NUQI_FORCED { return load<N>(from + x, First{3 * part.lanes - 2 - x}).r[0]; })}};
+  } else {
+    alignas(64) T lanes[N] = {};
+    for (int i = 0; i < part.lanes; ++i) lanes[i] = load_one(from + 3 * i);
+    return load<N>(lanes);
+  }
+}
+
+// An only channel, or one of three.
 template <int channels, int N, class T, class Part>
 NUQI_INLINE Vec<T, N> load_channel(const T* from, Part part) {
   if constexpr (channels == 3)

@@ -1,4 +1,5 @@
-// Loads and stores of whole vectors and of their first lanes, and the loop that walks a row with them.
+// Loads and stores of whole vectors and of their first lanes, and the loops that walk a row with them:
+// its whole blocks, then its tail.
 #pragma once
 
 #include "core/simd/vec.h"
@@ -7,8 +8,11 @@ namespace nuqi::NUQI_ISA {
 namespace {
 
 // How much of a vector a load or store touches: all lanes, or the first 1 to N - 1.
-struct Whole {};
+struct Whole {
+  static constexpr bool kWhole = true;
+};
 struct First {
+  static constexpr bool kWhole = false;
   int lanes;
 };
 
@@ -40,39 +44,13 @@ NUQI_INLINE void store(T* to, const Vec<T, N>& a, Whole = {}) {
   });
 }
 
-#if NUQI_LEVEL == 2
-
-// The first `bytes` of a register; masked-out bytes are not touched, whatever page they lie in.
-template <class Native>
-NUQI_INLINE Native load_bytes(const void* from, int64_t bytes) {
-  const uint64_t mask = bytes >= int{sizeof(Native)} ? ~uint64_t{0} : (uint64_t{1} << bytes) - 1;
-  if constexpr (sizeof(Native) == 64)
-    return (Native)_mm512_maskz_loadu_epi8(mask, from);
-  else if constexpr (sizeof(Native) == 32)
-    return (Native)_mm256_maskz_loadu_epi8((__mmask32)mask, from);
-  else
-    return (Native)_mm_maskz_loadu_epi8((__mmask16)mask, from);
-}
-template <class Native>
-NUQI_INLINE void store_bytes(void* to, const Native& a, int64_t bytes) {
-  const uint64_t mask = bytes >= int{sizeof(Native)} ? ~uint64_t{0} : (uint64_t{1} << bytes) - 1;
-  if constexpr (sizeof(Native) == 64)
-    _mm512_mask_storeu_epi8(to, mask, (__m512i)a);
-  else if constexpr (sizeof(Native) == 32)
-    _mm256_mask_storeu_epi8(to, (__mmask32)mask, (__m256i)a);
-  else
-    _mm_mask_storeu_epi8(to, (__mmask16)mask, (__m128i)a);
-}
-
 template <int N = 16, class T>
 NUQI_INLINE Vec<T, N> load(const T* from, First part) {
   using V = Vec<T, N>;
   const int64_t bytes = int64_t{part.lanes} * int{sizeof(T)};
   return generate<V>([&](int i) NUQI_FORCED {
     const int before = i * int{sizeof(typename V::Native)};
-    return bytes > before
-               ? load_bytes<typename V::Native>((const char*)from + before, bytes - before)
-               : typename V::Native{};
+    return machine::load_first<typename V::Native>((const char*)from + before, bytes - before);
   });
 }
 template <class T, int N>
@@ -80,84 +58,9 @@ NUQI_INLINE void store(T* to, const Vec<T, N>& a, First part) {
   const int64_t bytes = int64_t{part.lanes} * int{sizeof(T)};
   for_each<Vec<T, N>::kRegs>([&](int i) NUQI_FORCED {
     const int before = i * int{sizeof a.r[i]};
-    if (bytes > before) store_bytes((char*)to + before, a.r[i], bytes - before);
+    machine::store_first((char*)to + before, a.r[i], bytes - before);
   });
 }
-
-#else
-
-// Sixteen bytes, of which the first `bytes` come from memory. Shorter than that they are read in two
-// pieces that overlap: bytes that went through the stack would stall the load that follows them. Not
-// inlined, since tails are many, and short.
-typedef uint64_t Few __attribute__((vector_size(16)));
-
-__attribute__((noinline, unused)) Few load_few(const char* from, int64_t bytes) {
-  const auto ends = [&](auto piece, auto* low, auto* high) NUQI_FORCED {
-    __builtin_memcpy(low, from, sizeof piece);
-    __builtin_memcpy(high, from + bytes - sizeof piece, sizeof piece);
-  };
-  uint64_t low = 0, high = 0;
-  if (bytes >= 16) {
-    Few all;
-    __builtin_memcpy(&all, from, sizeof all);  // not as a Few: Clang would take it for aligned
-    return all;
-  } else if (bytes >= 8) {
-    ends(low, &low, &high);
-    return Few{low, high >> 8 >> (120 - 8 * bytes)};
-  } else if (bytes >= 4) {
-    ends(uint32_t{}, &low, &high);
-    return Few{low | high << (8 * bytes - 32), 0};
-  } else if (bytes >= 2) {
-    ends(uint16_t{}, &low, &high);
-    return Few{low | high << (8 * bytes - 16), 0};
-  } else {
-    return Few{bytes == 1 ? (uint8_t)*from : uint64_t{0}, 0};
-  }
-}
-__attribute__((noinline, unused)) void store_few(char* to, Few a, int64_t bytes) {
-  const auto ends = [&](auto piece, uint64_t high) NUQI_FORCED {
-    __builtin_memcpy(to, &a, sizeof piece);
-    __builtin_memcpy(to + bytes - sizeof piece, &high, sizeof piece);
-  };
-  if (bytes >= 16)
-    __builtin_memcpy(to, &a, sizeof a);
-  else if (bytes >= 8)
-    ends(uint64_t{}, a[0] >> (8 * bytes - 64) | a[1] << 8 << (120 - 8 * bytes));
-  else if (bytes >= 4)
-    ends(uint32_t{}, a[0] >> (8 * bytes - 32));
-  else if (bytes >= 2)
-    ends(uint16_t{}, a[0] >> (8 * bytes - 16));
-  else if (bytes == 1)
-    *to = (char)a[0];
-}
-
-template <int N = 16, class T>
-NUQI_INLINE Vec<T, N> load(const T* from, First part) {
-  using V = Vec<T, N>;
-  const int64_t bytes = int64_t{part.lanes} * int{sizeof(T)};
-  return generate<V>([&](int i) NUQI_FORCED {
-    constexpr int kSize = sizeof(typename V::Native);
-    const auto piece = [&](int j) NUQI_FORCED {
-      const int before = i * kSize + j * 16;
-      return load_few((const char*)from + before, bytes - before);
-    };
-    if constexpr (kSize == 16)
-      return piece(0);
-    else
-      return __builtin_shufflevector(piece(0), piece(1), 0, 1, 2, 3);
-  });
-}
-template <class T, int N>
-NUQI_INLINE void store(T* to, const Vec<T, N>& a, First part) {
-  const int64_t bytes = int64_t{part.lanes} * int{sizeof(T)};
-  for_each<N* int{sizeof(T)} / 16>([&](int i) NUQI_FORCED {
-    Few piece;
-    __builtin_memcpy(&piece, (const char*)&a + 16 * i, 16);
-    store_few((char*)to + 16 * i, piece, bytes - 16 * i);
-  });
-}
-
-#endif
 
 // How much of N lanes a part touches.
 template <int N>
@@ -193,8 +96,8 @@ NUQI_INLINE void for_blocks(int64_t width, const Body& body) {
   if (x < width) body(x, First{int(width - x)});
 }
 
-// The same with body(x, part, turn): blocks take the turns 0 to Turns - 1, so that a kernel whose sums
-// are slow to follow each other can keep several.
+// The same with body(x, part, turn): blocks take the turns 0 to Turns - 1, each with an accumulator of
+// its own, where one dependency chain would be bound by the latency of its additions.
 template <int N, int Turns, class Body>
 NUQI_INLINE void for_blocks_in_turns(int64_t width, const Body& body) {
   int64_t x = 0;

@@ -28,52 +28,25 @@ NUQI_INLINE Around<T> load_around(const T* at, Inside, Whole) {
   return {load<n>(at - 1), load<n>(at), load<n>(at + 1)};
 }
 
-#if NUQI_LEVEL == 2
-
-// The lanes of the mask from memory, the others from `otherwise`.
-NUQI_INLINE Reg<float> load_or(const float* from, int mask, const Reg<float>& otherwise) {
-  return {
-      {(Reg<float>::Native)_mm512_mask_loadu_ps((__m512)otherwise.r[0], (__mmask16)mask, from)}};
-}
-template <class Part>
-NUQI_INLINE Around<float> load_around(const float* at, AtEnds where, Part part) {
-  const auto here = load<16>(at, part);
-  const int lanes = 0xFFFF >> (16 - lane_count<Reg<float>::kLanes>(part));
-  return {load_or(at - 1, where.start ? lanes << 1 : lanes, here), here,
-          load_or(at + 1, where.end ? lanes >> 1 : lanes, here)};
-}
-
-#else
-
 template <class T, class Part>
 NUQI_INLINE Around<T> load_around(const T* at, AtEnds where, Part part) {
   constexpr int n = Reg<T>::kLanes;
   const auto here = load<n>(at, part);
-  return {where.start ? repeat_first(here) : load<n>(at - 1, part), here,
-          where.end ? repeat_last(here, lane_count<Reg<T>::kLanes>(part)) : load<n>(at + 1, part)};
+  if constexpr (Machine::kMasks && sizeof(T) == 4) {
+    const int lanes = 0xFFFF >> (16 - lane_count<n>(part));
+    const auto load_others = [&](const T* from, int lanes) NUQI_FORCED {
+      return Reg<T>{{machine::load_or(from, lanes, here.r[0])}};
+    };
+    return {load_others(at - 1, where.start ? lanes << 1 : lanes), here,
+            load_others(at + 1, where.end ? lanes >> 1 : lanes)};
+  } else {
+    return {where.start ? repeat_first(here) : load<n>(at - 1, part), here,
+            where.end ? repeat_last(here, lane_count<n>(part)) : load<n>(at + 1, part)};
+  }
 }
-
-#endif
 
 // ---- left * l + centre * c + right * r, for registers of bytes whose sums have room in 16 bits. The
 // sums are in an order of their own, which depends on whether the centre counts, until in_row_order().
-
-#if NUQI_LEVEL == 0
-
-template <int l, int c, int r, class T>
-NUQI_INLINE Vec<int16_t, kRegBytes> weigh(const Around<T>& p) {
-  static_assert(l == r || l == -r);
-  const auto left = widen<int16_t>(p.left), right = widen<int16_t>(p.right);
-  const auto outer = l == r ? left + right : right - left;
-  const auto weighted = r == 1 ? outer : outer * broadcast<int16_t, kRegBytes>(r);
-  return c == 0 ? weighted : weighted + widen<int16_t>(p.centre) * broadcast<int16_t, kRegBytes>(c);
-}
-template <bool centre>
-NUQI_INLINE Vec<int16_t, kRegBytes> in_row_order(const Vec<int16_t, kRegBytes>& sums) {
-  return sums;
-}
-
-#else
 
 // Where the weights add up to 0, adding 128 to every byte changes nothing and leaves none negative.
 template <class T, int N>
@@ -81,17 +54,24 @@ NUQI_INLINE Vec<uint8_t, N> unsigned_bytes(const Vec<T, N>& a) {
   return kIsSigned<T> ? as<uint8_t>(a) ^ broadcast<uint8_t, N>(128) : as<uint8_t>(a);
 }
 
-#endif
-
-#if NUQI_LEVEL == 1
-
-// Three bytes are one pair of neighbours and one byte of another pair: in even columns the first pair
-// begins with the left neighbour, in odd ones with the centre of the pixel before.
+// By widening them.
 template <int l, int c, int r, class T>
-NUQI_INLINE Vec<int16_t, kRegBytes> weigh(const Around<T>& p) {
+NUQI_INLINE Vec<int16_t, kRegBytes> weigh_widened(const Around<T>& p) {
+  static_assert(l == r || l == -r);
+  const auto left = widen<int16_t>(p.left), right = widen<int16_t>(p.right);
+  const auto outer = l == r ? left + right : right - left;
+  const auto weighted = r == 1 ? outer : outer * broadcast<int16_t, kRegBytes>(r);
+  return c == 0 ? weighted : weighted + widen<int16_t>(p.centre) * broadcast<int16_t, kRegBytes>(c);
+}
+
+// By multiply-adds of pairs. Three bytes are one pair of neighbours and one byte of another pair: in
+// even columns the first pair begins with the left neighbour, in odd ones with the centre of the pixel
+// before.
+template <int l, int c, int r, class T>
+NUQI_INLINE Vec<int16_t, kRegBytes> weigh_pairs(const Around<T>& p) {
   if constexpr (kIsSigned<T> && (l < 0 || c < 0)) {
     static_assert(l + c + r == 0);
-    return weigh<l, c, r>(
+    return weigh_pairs<l, c, r>(
         Around<uint8_t>{unsigned_bytes(p.left), unsigned_bytes(p.centre), unsigned_bytes(p.right)});
   } else if constexpr (c == 0) {
     return multiply_pairs<l, r>(zip_groups(concat(p.left, p.right)));
@@ -100,19 +80,20 @@ NUQI_INLINE Vec<int16_t, kRegBytes> weigh(const Around<T>& p) {
                   multiply_pairs<l, c>(p.centre) + multiply_pairs<0, r>(p.right));
   }
 }
-template <bool centre>
-NUQI_INLINE Vec<int16_t, kRegBytes> in_row_order(const Vec<int16_t, kRegBytes>& sums) {
-  return in_order(centre ? zip_groups(sums) : sums);
+
+template <int l, int c, int r, class T>
+NUQI_INLINE Vec<int16_t, kRegBytes> weigh(const Around<T>& p) {
+  if constexpr (Machine::kMultipliesBytes)
+    return weigh_pairs<l, c, r>(p);
+  else
+    return weigh_widened<l, c, r>(p);
 }
 
-#endif
-
-#if NUQI_LEVEL == 2
-
-// Two registers of pairs each: a pixel's neighbours, and the pixel twice.
+// Where bytes permute across the register: two registers of pairs each, a pixel's neighbours, and the
+// pixel twice.
 template <class T>
 struct Pairs {
-  Vec<T, 128> neighbours, centre;
+  Vec<T, 2 * kRegBytes> neighbours, centre;
 };
 
 // Permutes bytes into pairs. The lower half of the pixels is found in a load that begins one pixel
@@ -120,12 +101,14 @@ struct Pairs {
 // stay inside it, and the lanes move instead.
 template <class T, class Part>
 class PairLoader {
+  static constexpr int n = Reg<T>::kLanes;
+
  public:
   NUQI_INLINE PairLoader(bool start, bool end, Part part) : start_(start), end_(end), part_(part) {
-    const auto last = broadcast<uint8_t, 64>(uint8_t(lane_count<Reg<T>::kLanes>(part) - 1));
-    const auto before = broadcast<uint8_t, 64>(start);
-    const auto after = broadcast<uint8_t, 64>(uint8_t(30 + end));
-    const auto lanes = UpTo<64>::Type{};
+    const auto last = broadcast<uint8_t, n>(uint8_t(lane_count<n>(part) - 1));
+    const auto before = broadcast<uint8_t, n>(start);
+    const auto after = broadcast<uint8_t, n>(uint8_t(n / 2 - 2 + end));
+    const auto lanes = typename UpTo<n>::Type{};
     const auto neighbours = pair_lanes<0, 2>(lanes), centre = pair_lanes<1, 0>(lanes);
     for_each<2>([&](int half) NUQI_FORCED {
       const auto from = [&](const Reg<uint8_t>& first) NUQI_FORCED {
@@ -136,7 +119,7 @@ class PairLoader {
     });
   }
   NUQI_INLINE Pairs<T> operator()(const T* at) const {
-    const auto low = load<64>(at - !start_, part_), high = load<64>(at + !end_, part_);
+    const auto low = load<n>(at - !start_, part_), high = load<n>(at + !end_, part_);
     return {{{pick(low, neighbours_[0]), pick(high, neighbours_[1])}},
             {{pick(low, centre_[0]), pick(high, centre_[1])}}};
   }
@@ -147,7 +130,7 @@ class PairLoader {
     return {{Reg<uint8_t>::Native{(first + I / 2 + I % 2 * apart)...}}};
   }
   static NUQI_INLINE auto pick(const Reg<T>& a, const Reg<uint8_t>& lanes) {
-    return (typename Reg<T>::Native)_mm512_permutexvar_epi8((__m512i)lanes.r[0], (__m512i)a.r[0]);
+    return machine::permute_bytes(a.r[0], lanes.r[0]);
   }
 
   bool start_, end_;
@@ -156,7 +139,7 @@ class PairLoader {
 };
 
 template <int l, int c, int r, class T>
-NUQI_INLINE Vec<int16_t, 64> weigh(const Pairs<T>& p) {
+NUQI_INLINE Vec<int16_t, kRegBytes> weigh(const Pairs<T>& p) {
   if constexpr (l < 0) {
     static_assert(l + r == 0 && c == 0);
     return multiply_pairs<l, r>(unsigned_bytes(p.neighbours));
@@ -168,20 +151,22 @@ NUQI_INLINE Vec<int16_t, 64> weigh(const Pairs<T>& p) {
       return outer + multiply_pairs<c, 0>(p.centre);
   }
 }
-template <bool centre>
-NUQI_INLINE Vec<int16_t, 64> in_row_order(const Vec<int16_t, 64>& sums) {
-  return sums;
-}
 
-#endif
+// What weigh() gave, each lane in its place.
+template <bool centre>
+NUQI_INLINE Vec<int16_t, kRegBytes> in_row_order(const Vec<int16_t, kRegBytes>& sums) {
+  if constexpr (Machine::kPermutesBytes || !Machine::kMultipliesBytes)
+    return sums;
+  else
+    return in_order(centre ? zip_groups(sums) : sums);
+}
 
 // Loads the pixels of row after row, at the same place in each: what weigh() takes, or Around<T>.
 template <class T, class Where, class Part>
 NUQI_INLINE auto loader_around(Where where, Part part) {
-#if NUQI_LEVEL == 2
-  if constexpr (sizeof(T) == 1) return PairLoader<T, Part>(where.start, where.end, part);
-#endif
-  if constexpr (NUQI_LEVEL < 2 || sizeof(T) > 1)
+  if constexpr (Machine::kPermutesBytes && sizeof(T) == 1)
+    return PairLoader<T, Part>(where.start, where.end, part);
+  else
     return [=](const T* at) NUQI_FORCED { return load_around(at, where, part); };
 }
 

@@ -6,7 +6,7 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// C registers: one a channel, or as many pixels with their channels in turns.
+// C registers: one for each channel, or as many interleaved pixels.
 template <class T, int C>
 struct Regs {
   Reg<T> v[C];
@@ -62,12 +62,12 @@ NUQI_INLINE Regs<T, C> recast(const Regs<S, C>& a) {
 constexpr int kChunks = kRegBytes / 16;
 constexpr int kWords = kRegBytes / 4;
 
-#if NUQI_LEVEL > 0
-
-// Three channels. Fields of one size, a unit of n fields in each of three registers, n a power of
-// two: field j of register k is number n * k + j of 3 * n, and belongs to channel (n * k + j) mod 3.
-// So the fields of a channel lie at different places of the three units: two blends bring them into
-// one, a permutation into order. n * n = 1 mod 3, and 43 * 3 = 1 mod 64.
+// ---- By shuffles, of bytes too
+//
+// Three channels: fields of one size, a unit of n fields in each of three registers, n a power of two.
+// Field j of register k is number n * k + j of 3 * n, and belongs to channel (n * k + j) mod 3. So the
+// fields of a channel lie at different places of the three units: two blends bring them into one, a
+// permutation into order. n * n = 1 mod 3, and 43 * 3 = 1 mod 64.
 template <class T, int fields>
 struct Unit {
   static constexpr int n = fields;
@@ -117,19 +117,14 @@ NUQI_INLINE Regs<T, 3> interleave_fields(const Regs<T, 3>& planes) {
   return {{blend<U, 1, 0>(in), blend<U, 1, n>(in), blend<U, 1, 2 * n>(in)}};
 }
 
-// Words permute across the register, and with VBMI bytes do. Without it bytes do so only within a
-// chunk of sixteen: chunks are permuted first.
-#if defined(__AVX512VBMI__)
+// Words permute across the register everywhere, bytes on some machines. Where they do so only within
+// a chunk of sixteen, chunks are permuted first.
 template <class T>
-constexpr bool kAcross = true;
-#else
-template <class T>
-constexpr bool kAcross = sizeof(T) == 4;
-#endif
+constexpr bool kAcross = sizeof(T) == 4 || Machine::kPermutesBytes;
 using Chunks = Unit<int64_t, kChunks>;
 
 template <class T>
-NUQI_INLINE Regs<T, 3> deinterleave(const Regs<T, 3>& in) {
+NUQI_INLINE Regs<T, 3> deinterleave_by_shuffles(const Regs<T, 3>& in) {
   if constexpr (kAcross<T>)
     return deinterleave_fields<Unit<T, Reg<T>::kLanes>>(in);
   else
@@ -137,7 +132,7 @@ NUQI_INLINE Regs<T, 3> deinterleave(const Regs<T, 3>& in) {
         recast<T>(deinterleave_fields<Chunks>(recast<int64_t>(in))));
 }
 template <class T>
-NUQI_INLINE Regs<T, 3> interleave(const Regs<T, 3>& planes) {
+NUQI_INLINE Regs<T, 3> interleave_by_shuffles(const Regs<T, 3>& planes) {
   if constexpr (kAcross<T>)
     return interleave_fields<Unit<T, Reg<T>::kLanes>>(planes);
   else
@@ -145,10 +140,10 @@ NUQI_INLINE Regs<T, 3> interleave(const Regs<T, 3>& planes) {
         interleave_fields<Chunks>(recast<int64_t>(interleave_fields<Unit<T, 16>>(planes))));
 }
 
-// Four channels. Every chunk is turned, by the number k of its register, so that word q of it is
+// Four channels. Every chunk is rotated, by the number k of its register, so that word q of it is
 // of channel (q - k) mod 4; then the words of a channel lie at different places, as above.
 template <int k, bool split, class T, int N, int... I>
-NUQI_INLINE Vec<T, N> turn_at(const Vec<T, N>& a, Indices<I...>) {
+NUQI_INLINE Vec<T, N> rotate_chunk(const Vec<T, N>& a, Indices<I...>) {
   constexpr auto from = [](int lane) {
     if (sizeof(T) == 4) return lane / 4 * 4 + (lane + (split ? 4 - k : k)) % 4;
     const int word = lane / 4 % 4, byte = lane % 4;
@@ -157,10 +152,10 @@ NUQI_INLINE Vec<T, N> turn_at(const Vec<T, N>& a, Indices<I...>) {
   return {{__builtin_shufflevector(a.r[0], a.r[0], from(I)...)}};
 }
 template <bool split, class T>
-NUQI_INLINE Regs<T, 4> turn(const Regs<T, 4>& in) {
+NUQI_INLINE Regs<T, 4> rotate_chunks(const Regs<T, 4>& in) {
   const typename UpTo<Reg<T>::kLanes>::Type lanes;
-  return {{turn_at<0, split>(in.v[0], lanes), turn_at<1, split>(in.v[1], lanes),
-           turn_at<2, split>(in.v[2], lanes), turn_at<3, split>(in.v[3], lanes)}};
+  return {{rotate_chunk<0, split>(in.v[0], lanes), rotate_chunk<1, split>(in.v[1], lanes),
+           rotate_chunk<2, split>(in.v[2], lanes), rotate_chunk<3, split>(in.v[3], lanes)}};
 }
 
 // Of every `period` words the first half from a, the second from b.
@@ -194,18 +189,18 @@ NUQI_INLINE Regs<uint32_t, 4> order(const Regs<uint32_t, 4>& in) {
 }
 
 template <class T>
-NUQI_INLINE Regs<T, 4> deinterleave(const Regs<T, 4>& in) {
-  return recast<T>(order<true>(exchange(recast<uint32_t>(turn<true>(in)))));
+NUQI_INLINE Regs<T, 4> deinterleave_by_shuffles(const Regs<T, 4>& in) {
+  return recast<T>(order<true>(exchange(recast<uint32_t>(rotate_chunks<true>(in)))));
 }
 template <class T>
-NUQI_INLINE Regs<T, 4> interleave(const Regs<T, 4>& planes) {
-  return turn<false>(recast<T>(exchange(order<false>(recast<uint32_t>(planes)))));
+NUQI_INLINE Regs<T, 4> interleave_by_shuffles(const Regs<T, 4>& planes) {
+  return rotate_chunks<false>(recast<T>(exchange(order<false>(recast<uint32_t>(planes)))));
 }
 
-#else
-
-// Without byte shuffles, three channels: planes of elements become planes of pairs, Pair being two
-// elements wide. Of a0 b0 c0 a1 b1 c1 ... the pairs are a0 b0, c0 a1 and b1 c1, and so on.
+// ---- By zips
+//
+// Three channels: planes of elements become planes of pairs, Pair being two elements wide. Of
+// a0 b0 c0 a1 b1 c1 ... the pairs are a0 b0, c0 a1 and b1 c1, and so on.
 template <int Bytes>
 struct PairOf;
 template <>
@@ -232,7 +227,7 @@ NUQI_INLINE Vec<T, N> upper(const Vec<T, N>& a) {
 }
 
 template <class T>
-NUQI_INLINE Regs<T, 3> deinterleave(const Regs<T, 3>& in) {
+NUQI_INLINE Regs<T, 3> deinterleave_by_zips(const Regs<T, 3>& in) {
   if constexpr (sizeof(T) == 8) {
     const auto a = in.v[0].r[0], b = in.v[1].r[0], c = in.v[2].r[0];
     return {{{{__builtin_shufflevector(a, b, 0, 3)}},
@@ -241,14 +236,14 @@ NUQI_INLINE Regs<T, 3> deinterleave(const Regs<T, 3>& in) {
   } else {
     using Pair = typename PairOf<sizeof(T)>::Type;
     constexpr int kHalf = 8 * sizeof(T);
-    const auto pairs = deinterleave(recast<Pair>(in));
+    const auto pairs = deinterleave_by_zips(recast<Pair>(in));
     const auto& [ab, ca, bc] = pairs.v;
     return recast<T>(
         Regs<Pair, 3>{{lower(ab) | upper(ca), ab >> kHalf | bc << kHalf, lower(ca) | upper(bc)}});
   }
 }
 template <class T>
-NUQI_INLINE Regs<T, 3> interleave(const Regs<T, 3>& planes) {
+NUQI_INLINE Regs<T, 3> interleave_by_zips(const Regs<T, 3>& planes) {
   if constexpr (sizeof(T) == 8) {
     const auto a = planes.v[0].r[0], b = planes.v[1].r[0], c = planes.v[2].r[0];
     return {{{{__builtin_shufflevector(a, b, 0, 2)}},
@@ -259,13 +254,13 @@ NUQI_INLINE Regs<T, 3> interleave(const Regs<T, 3>& planes) {
     constexpr int kHalf = 8 * sizeof(T);
     const auto in = recast<Pair>(planes);
     const auto& [a, b, c] = in.v;
-    return recast<T>(interleave(
+    return recast<T>(interleave_by_zips(
         Regs<Pair, 3>{{lower(a) | b << kHalf, lower(c) | upper(a), b >> kHalf | upper(c)}}));
   }
 }
 
-// Four channels: zips. Of n elements in four registers, the first and second half in turns: element
-// i moves to 2 * i mod (n - 1). Twice, that joins four planes; log2(n / 4) times, it splits them.
+// Four channels: perfect shuffles, which interleave the halves of n elements in four registers. Element
+// i moves to 2 * i mod (n - 1). Twice, that interleaves planes; log2(n / 4) times, it deinterleaves.
 template <int half, class T, int N, int... I>
 NUQI_INLINE Vec<T, N> zip_at(const Vec<T, N>& a, const Vec<T, N>& b, Indices<I...>) {
   return {{__builtin_shufflevector(a.r[0], b.r[0], (half * N / 2 + I / 2 + I % 2 * N)...)}};
@@ -279,7 +274,7 @@ NUQI_INLINE Regs<T, 4> riffle(const Regs<T, 4>& in) {
 }
 
 template <class T>
-NUQI_INLINE Regs<T, 4> deinterleave(const Regs<T, 4>& in) {
+NUQI_INLINE Regs<T, 4> deinterleave_by_zips(const Regs<T, 4>& in) {
   const auto twice = riffle(riffle(in));
   if constexpr (sizeof(T) == 4)
     return twice;
@@ -287,11 +282,27 @@ NUQI_INLINE Regs<T, 4> deinterleave(const Regs<T, 4>& in) {
     return riffle(riffle(twice));
 }
 template <class T>
-NUQI_INLINE Regs<T, 4> interleave(const Regs<T, 4>& planes) {
+NUQI_INLINE Regs<T, 4> interleave_by_zips(const Regs<T, 4>& planes) {
   return riffle(riffle(planes));
 }
 
-#endif
+// ---- Either
+
+// Interleaved pixels to one register a channel, and back.
+template <class T, int C>
+NUQI_INLINE Regs<T, C> deinterleave(const Regs<T, C>& pixels) {
+  if constexpr (Machine::kShufflesBytes)
+    return deinterleave_by_shuffles(pixels);
+  else
+    return deinterleave_by_zips(pixels);
+}
+template <class T, int C>
+NUQI_INLINE Regs<T, C> interleave(const Regs<T, C>& planes) {
+  if constexpr (Machine::kShufflesBytes)
+    return interleave_by_shuffles(planes);
+  else
+    return interleave_by_zips(planes);
+}
 
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

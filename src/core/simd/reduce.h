@@ -1,4 +1,5 @@
-// What a whole vector comes to: bits of its lanes, their sum or extreme, and running sums of bytes.
+// From vectors to fewer lanes: bits of comparisons, horizontal reductions, sums of neighbouring lanes;
+// and accumulators of bytes.
 #pragma once
 
 #include "core/simd/convert.h"
@@ -6,31 +7,22 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// A bit for each lane of a register, set where a < b, the first lane's in the lowest place.
-template <int N>
-NUQI_INLINE uint32_t bits_below(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
-  static_assert(Vec<int16_t, N>::kRegs == 1);
-#if NUQI_LEVEL == 2
-  uint32_t bits = _mm512_cmplt_epi16_mask((__m512i)a.r[0], (__m512i)b.r[0]);
-#if defined(__i386__)
-  // GCC 12 leaves the upper word undefined where such a mask widens to 64 bits.
-  __asm__("" : "+r"(bits));
-#endif
+// A bit for each lane where a is below, or equals, b, the first lane's in the lowest place.
+template <class T, int N>
+NUQI_INLINE uint64_t bits_below(const Vec<T, N>& a, const Vec<T, N>& b) {
+  uint64_t bits = 0;
+  for_each<Vec<T, N>::kRegs>([&](int i) NUQI_FORCED {
+    bits |= machine::bits(machine::below(a.r[i], b.r[i])) << i * Vec<T, N>::kLanesPerReg;
+  });
   return bits;
-#elif NUQI_LEVEL == 1
-  const __m256i mask = (__m256i)(a < b).r[0];
-  const __m128i low = _mm256_castsi256_si128(mask), high = _mm256_extracti128_si256(mask, 1);
-  return (uint32_t)_mm_movemask_epi8(_mm_packs_epi16(low, high));
-#elif defined(__SSE2__) && !defined(NUQI_PLAIN)
-  return (uint32_t)_mm_movemask_epi8(_mm_packs_epi16((__m128i)(a < b).r[0], __m128i{}));
-#else
-  typedef uint64_t Halves __attribute__((vector_size(16)));
-  const typename Vec<int16_t, N>::Native lane_bits = {1, 2, 4, 8, 16, 32, 64, 128};
-  const Halves halves = (Halves)((a < b).r[0] & lane_bits);
-  uint64_t all = halves[0] | halves[1];
-  all |= all >> 32;
-  return (uint32_t)(all | all >> 16) & 0xFF;
-#endif
+}
+template <class T, int N>
+NUQI_INLINE uint64_t bits_equal(const Vec<T, N>& a, const Vec<T, N>& b) {
+  uint64_t bits = 0;
+  for_each<Vec<T, N>::kRegs>([&](int i) NUQI_FORCED {
+    bits |= machine::bits(machine::equal(a.r[i], b.r[i])) << i * Vec<T, N>::kLanesPerReg;
+  });
+  return bits;
 }
 
 // Whether any bit is set.
@@ -40,15 +32,7 @@ NUQI_INLINE bool any(const Vec<T, N>& a) {
     using Half = Vec<T, N / 2>;
     return any(generate<Half>([&](int i) NUQI_FORCED { return a.r[i] | a.r[Half::kRegs + i]; }));
   } else {
-#if NUQI_LEVEL == 2
-    return _mm512_test_epi32_mask((__m512i)a.r[0], (__m512i)a.r[0]) != 0;
-#elif NUQI_LEVEL == 1
-    return !_mm256_testz_si256((__m256i)a.r[0], (__m256i)a.r[0]);
-#else
-    typedef uint64_t Halves __attribute__((vector_size(16)));
-    const Halves halves = (Halves)a.r[0];
-    return (halves[0] | halves[1]) != 0;
-#endif
+    return machine::any(a.r[0]);
   }
 }
 
@@ -109,51 +93,24 @@ NUQI_INLINE Vec<To, N / 2> sum_pairs(const Vec<From, N>& a) {
 // The sums of eight neighbours each.
 template <int N>
 NUQI_INLINE Vec<uint64_t, N / 8> sum_eights(const Vec<uint8_t, N>& a) {
-#if defined(NUQI_PLAIN) || !defined(__SSE2__)
-  return sum_pairs<uint64_t>(sum_pairs<uint32_t>(sum_pairs<uint16_t>(a)));
-#else
-  using Out = Vec<uint64_t, N / 8>;
-  constexpr int kBytes = sizeof(typename Out::Native);
-  return generate<Out>([&](int i) NUQI_FORCED {
-    if constexpr (kBytes == 16) return _mm_sad_epu8((__m128i)a.r[i], __m128i{});
-#if NUQI_LEVEL >= 1
-    if constexpr (kBytes == 32) return _mm256_sad_epu8((__m256i)a.r[i], __m256i{});
-#endif
-#if NUQI_LEVEL == 2
-    if constexpr (kBytes == 64) return _mm512_sad_epu8((__m512i)a.r[i], __m512i{});
-#endif
-  });
-#endif
+  return generate<Vec<uint64_t, N / 8>>([&](int i)
+                                            NUQI_FORCED { return machine::sum_eights(a.r[i]); });
 }
 
 // The sums of two neighbours' products each.
 template <int N>
 NUQI_INLINE Vec<int32_t, N / 2> dot_pairs(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
-#if defined(NUQI_PLAIN) || !defined(__SSE2__)
-  const auto x = lanes_as<int32_t>(a), y = lanes_as<int32_t>(b);
-  return ((x << 16) >> 16) * ((y << 16) >> 16) + (x >> 16) * (y >> 16);
-#else
-  return generate<Vec<int32_t, N / 2> >([&](int i) NUQI_FORCED {
-#if NUQI_LEVEL == 2
-    return _mm512_madd_epi16((__m512i)a.r[i], (__m512i)b.r[i]);
-#elif NUQI_LEVEL == 1
-    return _mm256_madd_epi16((__m256i)a.r[i], (__m256i)b.r[i]);
-#else
-    return _mm_madd_epi16((__m128i)a.r[i], (__m128i)b.r[i]);
-#endif
-  });
-#endif
+  return generate<Vec<int32_t, N / 2>>(
+      [&](int i) NUQI_FORCED { return machine::dot_pairs(a.r[i], b.r[i]); });
 }
 
-// ---- Over many pixels
+// ---- Accumulators of bytes
 
-// Running sums of bytes and of their squares.
-#if NUQI_LEVEL == 2
-
+// Running sums of bytes and of their squares, by dot products of bytes.
 template <class T, bool squares>
-class ByteSums {
+class ByteSumsByDots {
  public:
-  static constexpr int kTurns = 4;     // the dot product takes five cycles: four sums hide them
+  static constexpr int kTurns = 4;  // accumulators, to hide the dot product's latency of 5 cycles
   static constexpr int kRoom = 16384;  // additions of extremes that a 32-bit lane holds
 
   // Makes room for `blocks` additions, kRoom at most.
@@ -163,8 +120,8 @@ class ByteSums {
   }
   NUQI_INLINE void add(const Reg<T>& a, int turn) {
     // The dot product's factors are an unsigned and a signed byte: x + 128 and x, or x and x - 128.
-    const auto one = broadcast<int8_t, 64>(1);
-    const auto other = a ^ broadcast<T, 64>(T(128));
+    const auto one = broadcast<int8_t, Reg<T>::kLanes>(1);
+    const auto other = a ^ broadcast<T, Reg<T>::kLanes>(T(128));
     if constexpr (kIsSigned<T>) {
       add_dots(sums_.r[turn], as<uint8_t>(one), a);
       if constexpr (squares) add_dots(products_.r[turn], as<uint8_t>(other), a);
@@ -184,10 +141,10 @@ class ByteSums {
   NUQI_INLINE int64_t squares_sum() const { return squares_; }
 
  private:
-  using Sums = Vec<int32_t, 16 * kTurns>;
+  using Sums = Vec<int32_t, kRegBytes / 4 * kTurns>;
   static NUQI_INLINE void add_dots(Sums::Native& sums, const Reg<uint8_t>& a,
                                    const Reg<int8_t>& b) {
-    sums = (Sums::Native)_mm512_dpbusd_epi32((__m512i)sums, (__m512i)a.r[0], (__m512i)b.r[0]);
+    sums = machine::add_dots(sums, a.r[0], b.r[0]);
   }
 
   Sums sums_ = {}, products_ = {};
@@ -195,10 +152,9 @@ class ByteSums {
   int used_ = 0;
 };
 
-#else
-
+// The same by sums of eight bytes, and dot products of pairs of 16-bit lanes.
 template <class T, bool squares>
-class ByteSums {
+class ByteSumsByPairs {
  public:
   static constexpr int kTurns = 1;
   static constexpr int kRoom = 16384;
@@ -236,7 +192,9 @@ class ByteSums {
   int used_ = 0;
 };
 
-#endif
+template <class T, bool squares>
+using ByteSums = typename IfElse<Machine::kDotsBytes, ByteSumsByDots<T, squares>,
+                                 ByteSumsByPairs<T, squares>>::Type;
 
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

@@ -1,4 +1,4 @@
-// Lanes moved within a register.
+// Lane permutations: by one place, and interleaving two registers.
 #pragma once
 
 #include "core/simd/vec.h"
@@ -47,14 +47,8 @@ NUQI_INLINE Vec<T, 2 * N> concat(const Vec<T, N>& a, const Vec<T, N>& b) {
   return {{a.r[0], b.r[0]}};
 }
 
-// The lanes of two registers in turns, a0 b0 a1 b1 ..., within groups of sixteen bytes: the first
+// The lanes of two registers interleaved, a0 b0 a1 b1 ..., within groups of sixteen bytes: the first
 // register gets the lower halves of all groups, the second one the upper halves.
-template <int half, class Native, int... I>
-NUQI_INLINE Native zip_half(const Native& a, const Native& b, Indices<I...>) {
-  constexpr int n = sizeof...(I), group = 16 * n / int{sizeof(Native)};
-  return __builtin_shufflevector(
-      a, b, (I / group * group + half * group / 2 + I % group / 2 + I % 2 * n)...);
-}
 template <class T, int N>
 NUQI_INLINE Vec<T, N> zip_groups(const Vec<T, N>& a) {
   static_assert(Vec<T, N>::kRegs == 2);

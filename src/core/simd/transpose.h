@@ -1,4 +1,4 @@
-// Turns rows into columns.
+// In-register transposes: rows become columns.
 #pragma once
 
 #include "core/simd/memory.h"
@@ -6,7 +6,7 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// The units of two registers in turns, from the lower or the upper half of every group: with units of
+// The units of two registers interleaved, from the lower or the upper half of every group: with units of
 // one lane and groups of four a0 b0 a1 b1 or a2 b2 a3 b3, then the same of the next four.
 template <int unit, int group, bool upper, class Native, int... I>
 NUQI_INLINE Native zip_units(const Native& a, const Native& b, Indices<I...>) {

@@ -1,23 +1,12 @@
-// Vectors of lanes: as many native registers as that takes, with operators, loads and stores.
-//
-// All of it lives in an unnamed namespace inside the level's own and is forced inline: a function
-// that the linker may share between levels would run AVX instructions on machines without them.
+// Vectors of lanes: as many native registers as that takes, with operators, comparisons and choices.
 #pragma once
 
-#include <stdint.h>
-
-#if defined(NUQI_PLAIN)
-#elif defined(__SSE2__)
-#include <immintrin.h>
-#endif
-
-#define NUQI_FORCED __attribute__((always_inline))
-#define NUQI_INLINE NUQI_FORCED inline
+#include "core/simd/machine.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-constexpr int kRegBytes = NUQI_LEVEL == 2 ? 64 : NUQI_LEVEL == 1 ? 32 : 16;
+constexpr int kRegBytes = Machine::kRegBytes;
 
 // N lanes of T. Sixteen bytes at least: GCC 12 turns narrower vectors into scalar code.
 template <class T, int N>
@@ -28,7 +17,7 @@ struct Vec {
   static_assert(kBytes >= 16);
   static constexpr int kRegs = kBytes > kRegBytes ? kBytes / kRegBytes : 1;
   static constexpr int kLanesPerReg = N / kRegs;
-  typedef T Native __attribute__((vector_size(kBytes / kRegs)));
+  using Native = typename NativeOf<T, kBytes / kRegs>::Type;
 
   Native r[kRegs];
 };
@@ -45,53 +34,11 @@ using Reg = Vec<T, kRegBytes / int{sizeof(T)}>;
 template <class T, class V>
 using Like = Vec<T, V::kLanes>;
 
-template <int Bytes>
-struct IntOf;
-template <>
-struct IntOf<1> {
-  using Type = int8_t;
-};
-template <>
-struct IntOf<2> {
-  using Type = int16_t;
-};
-template <>
-struct IntOf<4> {
-  using Type = int32_t;
-};
-template <>
-struct IntOf<8> {
-  using Type = int64_t;
-};
-
 // What comparing vectors of T gives: lanes with all bits set, or none.
 template <class T, int N>
 using Mask = Vec<typename IntOf<sizeof(T)>::Type, N>;
 
-// ---- Register by register. Pack expansion, since GCC -O2 leaves loops over registers rolled.
-
-template <int... I>
-struct Indices {};
-template <class Half, int odd>
-struct Twice;
-template <int... I>
-struct Twice<Indices<I...>, 0> {
-  using Type = Indices<I..., (int{sizeof...(I)} + I)...>;
-};
-template <int... I>
-struct Twice<Indices<I...>, 1> {
-  using Type = Indices<I..., (int{sizeof...(I)} + I)..., 2 * int{sizeof...(I)}>;
-};
-
-// Indices<0, 1, ... N - 1>.
-template <int N>
-struct UpTo {
-  using Type = typename Twice<typename UpTo<N / 2>::Type, N % 2>::Type;
-};
-template <>
-struct UpTo<1> {
-  using Type = Indices<0>;
-};
+// ---- Register by register
 
 template <class V, class F, int... I>
 NUQI_INLINE V generate_at(const F& f, Indices<I...>) {
@@ -101,16 +48,6 @@ NUQI_INLINE V generate_at(const F& f, Indices<I...>) {
 template <class V, class F>
 NUQI_INLINE V generate(const F& f) {
   return generate_at<V>(f, typename UpTo<V::kRegs>::Type{});
-}
-
-template <class F, int... I>
-NUQI_INLINE void for_each_at(const F& f, Indices<I...>) {
-  (f(I), ...);
-}
-// f(0), f(1), ... f(N - 1), unrolled.
-template <int N, class F>
-NUQI_INLINE void for_each(const F& f) {
-  if constexpr (N > 0) for_each_at(f, typename UpTo<N>::Type{});
 }
 
 // ---- Constants and reinterpretation
@@ -166,17 +103,9 @@ NUQI_INLINE Vec<T, N> operator<<(const Vec<T, N>& a, int count) {
 }
 template <class T, int N>
 NUQI_INLINE Vec<T, N> operator>>(const Vec<T, N>& a, int count) {
-  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return a.r[i] >> count; });
+  return generate<Vec<T, N>>([&](int i)
+                                 NUQI_FORCED { return machine::shift_right(a.r[i], count); });
 }
-
-#if NUQI_LEVEL == 2
-// By a vector of counts: one operation, where a count in a register makes two.
-NUQI_INLINE Vec<int16_t, 64> operator>>(const Vec<int16_t, 64>& a, int count) {
-  const __m512i counts = (__m512i)broadcast<int16_t, 32>(int16_t(count)).r[0];
-  return generate<Vec<int16_t, 64>>(
-      [&](int i) NUQI_FORCED { return _mm512_srav_epi16((__m512i)a.r[i], counts); });
-}
-#endif
 
 // ---- Comparison and choice
 
@@ -212,18 +141,7 @@ NUQI_INLINE Vec<T, N> keep(const Mask<T, N>& mask, const Vec<T, N>& a) {
 // Clears the sign, a NaN's too.
 template <int N>
 NUQI_INLINE Vec<float, N> abs(const Vec<float, N>& a) {
-  const auto all_but_sign = broadcast<int32_t, N>(0x7FFFFFFF);
-#if NUQI_LEVEL == 2
-  // As floats: GCC joins a selection that follows only with an operation of the same kind.
-  if constexpr (Vec<float, N>::kBytes == 64)
-    return {
-        {(typename Vec<float, N>::Native)_mm512_and_ps((__m512)a.r[0], (__m512)all_but_sign.r[0])}};
-  else
-    return {
-        {(typename Vec<float, N>::Native)_mm256_and_ps((__m256)a.r[0], (__m256)all_but_sign.r[0])}};
-#else
-  return as<float>(as<int32_t>(a) & all_but_sign);
-#endif
+  return generate<Vec<float, N>>([&](int i) NUQI_FORCED { return machine::clear_sign(a.r[i]); });
 }
 
 // The second operand where either is NaN, as the machines' instructions have it.

@@ -1,4 +1,4 @@
-// What the filters that take an image in stripes have in common, for their tests and benchmarks.
+// What the functions that take an image in stripes have in common, for their tests and benchmarks.
 #pragma once
 
 #include <cstdint>
@@ -7,21 +7,22 @@
 
 namespace nuqi::test {
 
-template <class T, class D>
+template <class T, class D, class State = ConvolState>
 struct StripeArgs {
   const T* src;
   int32_t srcStep;
   D* dst;
   int32_t dstStep;
   RoiSize* roi;
-  ConvolState* state;
+  State* state;
   int32_t phase;
 };
 
-template <class T, class D>
+template <class T, class D, class State = ConvolState>
 struct StripeMember {
   const char* name;
-  StatusCode (*call)(const StripeArgs<T, D>&);
+  StatusCode (*call)(const StripeArgs<T, D, State>&);
+  int channels = 1;
 };
 
 constexpr int32_t k8u = 1, k8s = 2, k32f = 9;

@@ -1,0 +1,134 @@
+// Images of 2^31 pixels and more, whose offsets and counts are beyond 32 bits.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "arith/abs_diff_reference.h"
+#include "support/comparison.h"
+#include "support/every_isa.h"
+#include "support/values.h"
+
+namespace nuqi::test {
+namespace {
+
+// A stretch of memory, mapped over and over: as many pixels as addresses permit out of a megabyte.
+class Repeated {
+ public:
+  static constexpr size_t kPiece = 3 << 18;  // whole rows of one channel and of three
+
+  explicit Repeated(size_t pieces) : mapped_(pieces * kPiece) {
+    if (sizeof(void*) == 4) return;
+    base_ = mmap(nullptr, mapped_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (base_ != MAP_FAILED) repeated_ = lay(0, pieces);
+  }
+  Repeated(const Repeated&) = delete;
+  Repeated& operator=(const Repeated&) = delete;
+  ~Repeated() {
+    if (base_ != MAP_FAILED) munmap(base_, mapped_);
+  }
+
+  bool usable() const { return repeated_; }
+  uint8_t* data() { return static_cast<uint8_t*>(base_); }
+  // What is repeated.
+  std::vector<uint8_t> piece() { return {data(), data() + kPiece}; }
+  // The last piece gets memory of its own.
+  bool part_last() { return repeated_ = lay(mapped_ / kPiece - 1, 1); }
+  uint8_t* last() { return data() + mapped_ - kPiece; }
+
+ private:
+  bool lay(size_t first, size_t count) {
+    const int file = memfd_create("piece", 0);
+    bool good = file >= 0 && ftruncate(file, kPiece) == 0;
+    for (size_t i = first; good && i < first + count; ++i)
+      good = mmap(data() + i * kPiece, kPiece, PROT_READ | PROT_WRITE,
+                  MAP_SHARED | MAP_FIXED | MAP_POPULATE, file, 0) != MAP_FAILED;
+    close(file);
+    return good;
+  }
+
+  size_t mapped_;
+  void* base_ = MAP_FAILED;
+  bool repeated_ = false;
+};
+
+constexpr size_t kPieces = 2731;
+constexpr RoiSize kRoi = {65536, 32772};  // 2^31 pixels are 32768 rows
+constexpr int32_t kStep = kRoi.width;
+static_assert(kPieces * Repeated::kPiece == size_t{65536} * 32772);
+
+class LargeImages : public EveryIsa {
+ protected:
+  void SetUp() override {
+    EveryIsa::SetUp();
+    if (IsSkipped()) return;
+    if (!src.usable() || !mask.usable() || !dst.usable()) GTEST_SKIP() << "no room for 2^31 pixels";
+    Random random(1);
+    for (size_t i = 0; i < Repeated::kPiece; ++i) {
+      src.data()[i] = random.integer<uint8_t>();
+      mask.data()[i] = random.mask();
+    }
+  }
+  static Repeated& image(int i) {
+    static Repeated images[3] = {Repeated(kPieces), Repeated(kPieces), Repeated(kPieces)};
+    return images[i];
+  }
+  Repeated &src = image(0), &mask = image(1), &dst = image(2);
+};
+NUQI_FOR_EVERY_ISA(LargeImages);
+
+TEST_P(LargeImages, EveryRowIsWritten) {
+  std::memset(dst.data(), 0x5A, Repeated::kPiece);
+  ASSERT_EQ(nuqiAbsDiff_8u_C1R(src.data(), kStep, mask.data(), kStep, dst.data(), kStep, kRoi),
+            StatusOk);
+  EXPECT_TRUE(same_bits(abs_diff_reference(src.piece(), mask.piece(), 0), dst.piece()));
+}
+
+TEST_P(LargeImages, EveryPixelCounts) {
+  int64_t count = 0, sum = 0, squares = 0;
+  for (size_t i = 0; i < Repeated::kPiece; ++i) {
+    if (mask.data()[i] == 0) continue;
+    ++count, sum += src.data()[i], squares += src.data()[i] * src.data()[i];
+  }
+  double mean = 0, norm = 0;
+  ASSERT_EQ(nuqiMean_8u_C1MR(src.data(), kStep, mask.data(), kStep, kRoi, &mean), StatusOk);
+  const auto wrapped = static_cast<int32_t>(static_cast<uint64_t>(sum) * kPieces);
+  EXPECT_EQ(mean, double{wrapped} / static_cast<double>(count * int64_t{kPieces}));
+  ASSERT_EQ(nuqiNorm_L2_8u_C1MR(src.data(), kStep, mask.data(), kStep, kRoi, &norm), StatusOk);
+  EXPECT_EQ(norm, std::sqrt(static_cast<double>(squares * int64_t{kPieces})));
+}
+
+// The extremes lie behind 2^31 bytes, of one channel and of three.
+TEST_P(LargeImages, PlacesBeyond32Bits) {
+  ASSERT_TRUE(dst.part_last());
+  std::memset(dst.data(), 100, Repeated::kPiece);
+  std::memset(dst.last(), 100, Repeated::kPiece);
+  dst.last()[5] = 7;
+  dst.last()[Repeated::kPiece - 1] = 200;
+  float min = 0, max = 0;
+  PixelPoint min_at = {}, max_at = {};
+  ASSERT_EQ(nuqiMinMaxIndx_8u_C1R(dst.data(), kStep, kRoi, &min, &max, &min_at, &max_at), StatusOk);
+  EXPECT_EQ((std::vector<float>{min, max}), (std::vector<float>{7, 200}));
+  EXPECT_EQ((std::vector<int32_t>{min_at.x, min_at.y, max_at.x, max_at.y}),
+            (std::vector<int32_t>{5, 32760, 65535, 32771}));
+  const RoiSize thirds = {kRoi.width, kRoi.height / 3};
+  ASSERT_EQ(nuqiMinMaxIndx_8u_C3CR(dst.data(), 3 * kStep, thirds, 3, &min, &max, &min_at, &max_at),
+            StatusOk);
+  EXPECT_EQ((std::vector<float>{min, max}), (std::vector<float>{7, 200}));
+  EXPECT_EQ((std::vector<int32_t>{min_at.x, min_at.y, max_at.x, max_at.y}),
+            (std::vector<int32_t>{1, 10920, 65535, 10923}));
+
+  // One row as long as they come, whose last pixel is the largest.
+  dst.data()[INT32_MAX - 1] = 150;
+  const RoiSize row = {INT32_MAX, 1};
+  ASSERT_EQ(nuqiMinMaxIndx_8u_C1R(dst.data(), INT32_MAX, row, &min, &max, &min_at, &max_at),
+            StatusOk);
+  EXPECT_EQ((std::vector<float>{min, max}), (std::vector<float>{7, 150}));
+  EXPECT_EQ((std::vector<int32_t>{min_at.x, min_at.y, max_at.x, max_at.y}),
+            (std::vector<int32_t>{32760 * kRoi.width + 5, 0, INT32_MAX - 1, 0}));
+}
+
+}  // namespace
+}  // namespace nuqi::test
