@@ -10,7 +10,8 @@
  * Mask      An 8-bit image of the ROI's size with a step of its own. Non-zero selects the pixel.
  * Result    Every function returns a status: 0 is success, negative values are errors. Arguments are
  *           tested in the order that each function lists; the first failure is returned, and nothing
- *           has been written then.
+ *           has been written then. Where a function stores something all the same (a size query 0, a
+ *           function that makes a state a null pointer), its list says so.
  * Names     nuqi + operation + element types + layout. 8u, 8s, 16s and 32f are unsigned and signed
  *           bytes, 16-bit integers and single-precision floats; of two types the first is the
  *           source's. C1 is one channel, C3C one channel of three interleaved ones, I in place, M

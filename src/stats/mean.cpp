@@ -26,7 +26,7 @@ StatusCode mean_of(Image<const T> src, Image<const uint8_t> mask, RoiSize roi, i
   ContiguousCollapse(roi, tight(src, roi.width, channels) && tight(mask, roi.width));
   const MeanJob<T> job = {.src = at_channel(src, coi), .mask = mask, .roi = roi};
   MeanSums sums;
-  mean_kernels().of_type<T>().mean[channels == 3](job, sums);
+  if (!empty(roi)) mean_kernels().of_type<T>().mean[channels == 3](job, sums);
   *mean = sums.count == 0 ? 0.0 : sums.sum / sums.count;
   return StatusOk;
 }

@@ -16,7 +16,7 @@
 namespace nuqi::test {
 namespace {
 
-constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE};
+constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGVTALRM};
 struct sigaction previous[NSIG];
 
 class Report {
@@ -73,10 +73,10 @@ void print_report(int signal, const siginfo_t& info, const void* context) {
     report << ": " << now->function() << " " << now->roi().width << "x" << now->roi().height;
   report << ", level " << name_of(isa()) << ", ";
 
-  if (signal == SIGILL || signal == SIGFPE) {
-    report << (signal == SIGILL ? "illegal instruction" : "bad integer division") << " at "
-           << info.si_addr << "\n";
-    return;
+  switch (signal) {
+    case SIGILL: report << "illegal instruction\n"; return;
+    case SIGFPE: report << "integer division by zero\n"; return;
+    case SIGVTALRM: report << "no processor time left\n"; return;
   }
   report << access(context) << " ";
   const auto* address = static_cast<const uint8_t*>(info.si_addr);
