@@ -104,7 +104,7 @@ TEST_P(LargeImages, EveryPixelCounts) {
   double mean = 0, norm = 0;
   ASSERT_EQ(nuqiMean_8u_C1MR(src().data(), kStep, mask().data(), kStep, kRoi, &mean), StatusOk);
   const auto wrapped = static_cast<int32_t>(static_cast<uint64_t>(sum) * kPieces);
-  EXPECT_EQ(mean, double{wrapped} / static_cast<double>(count * int64_t{kPieces}));
+  EXPECT_EQ(mean, static_cast<double>(wrapped) / static_cast<double>(count * int64_t{kPieces}));
   ASSERT_EQ(nuqiNorm_L2_8u_C1MR(src().data(), kStep, mask().data(), kStep, kRoi, &norm), StatusOk);
   EXPECT_EQ(norm, std::sqrt(static_cast<double>(squares * int64_t{kPieces})));
 }
