@@ -7,7 +7,7 @@
 #include <cpuid.h>
 #endif
 
-// Kernels and histograms take several bytes for one integer, the first in the lowest place.
+// Kernels and histograms load several bytes as one little-endian integer.
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
 
 namespace nuqi {

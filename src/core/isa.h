@@ -26,8 +26,8 @@ const char* name_of(Isa level);
 
 // A family's kernel table exists once per level that is built: the first NUQI_LEVELS of them, which the
 // build sets. NUQI_KERNEL_TABLES(Table, name) declares the tables, and `name()`, which gives the one for
-// the level in use. The names of levels that are not built stand in discarded branches alone, so that
-// nothing needs their definitions.
+// the level in use. Levels that are not built are named in discarded branches alone, which need no
+// definition.
 #define NUQI_KERNEL_TABLES(Table, name)                    \
   namespace base {                                         \
   extern const Table name;                                 \

@@ -3,7 +3,7 @@
 
 namespace nuqi {
 
-// Without optimisation GCC calls the C library's mathematical half, which nothing else needs.
+// Without optimisation GCC calls sqrt(), which would make the library need libm.
 inline double square_root(double x) {
   double root;
 #if defined(__SSE2__)

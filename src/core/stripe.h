@@ -1,4 +1,4 @@
-// The stripe protocol: an image comes in horizontal stripes, a window of rows glides down all of it.
+// The stripe protocol: an image comes in horizontal stripes, a sliding window of rows runs over all of it.
 //
 // Above an image's first row stand copies of it and below its last row copies of that one, as many
 // as the window reaches above and below its middle. A stripe's last rows are kept, so that windows
@@ -42,8 +42,7 @@ template <class T>
 struct StripeRows {
   Stripe stripe;
   Image<const T> src;
-  void* const*
-      ring;  // around() row buffers; the held rows fill the first, the oldest before others
+  void* const* ring;  // around() row buffers; the held rows come first, the oldest in front
 
   const T* operator[](int64_t i) const {
     if (i >= 0) return row_of(src, std::min<int64_t>(i, stripe.height - 1));

@@ -1,4 +1,4 @@
-// The words of argument validation. Each family states its rules with them, one `if` a line.
+// Predicates of argument validation. Each family states its rules with them, one `if` a line.
 #pragma once
 
 #include <type_traits>

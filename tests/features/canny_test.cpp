@@ -200,7 +200,7 @@ TEST_P(Canny, MagnitudesTakeStepsCrosswise) {
     CannyArgs args = fixture.args(100, 200);
     args.roi = roi;
     args.dxStep = 2 * roi.width + 4;
-    WalledImage<uint8_t> dst(roi, 1, Wall::after);
+    WalledImage<uint8_t> dst("destination", Case{roi, Wall::after, {1}});
     args.dst = dst.data(), args.dstStep = dst.step();
     ASSERT_EQ(call_canny(args), StatusOk);
     const auto expected =

@@ -19,7 +19,7 @@ void expect_statuses(const StripeMember<T, D>& member, ConvolState* fresh, Convo
                      ConvolState* wrong_state) {
   const auto expect = [&](const char* what, StatusCode status, auto spoil) {
     const Picture<T> picture = random_picture<T>({10, 6}, 5);
-    WalledImage<D> dst({10, 6}, 0, Wall::after);
+    WalledImage<D> dst("destination", Case{{10, 6}});
     const auto before = dst.all_bytes();
     RoiSize roi = picture.roi;
     StripeArgs<T, D> args = {

@@ -141,7 +141,7 @@ TEST(JointHistogram, ClearsByCountNotByRows) {
 
 TEST(JointHistogram, RowsOfCountersMayLieFarApart) {
   if (!far_rows_fit()) GTEST_SKIP() << "no room for rows 2^31 bytes apart";
-  WalledImage<int32_t> hist({2, 4}, kFarApart, Wall::before);
+  WalledImage<int32_t> hist("histogram", Case{{2, 4}, Wall::before, {kFarApart}});
   hist.fill([] { return 0; });
   const uint8_t src[8] = {0, 0, 200, 100, 0, 255, 1, 250};
   const int32_t counts[2] = {1, 4}, levels[7] = {0, 256, 0, 50, 150, 240, 256};
@@ -201,7 +201,7 @@ TEST(ConvertHist, TestsTheTotalAndWritesNothing) {
 
 TEST(Histogram, GivesTheSameBitsEverywhere) {
   Hash hash;
-  WalledImage<uint8_t> src({130, 6}, 3, Wall::after, 2);
+  WalledImage<uint8_t> src("source", Case{{130, 6}, Wall::after, {3}}, 0, 2);
   fill(src, 9);
   const uint8_t levels[6] = {0, 3, 90, 91, 200, 255};
   std::vector<int32_t> bins(5), joint(20);

@@ -15,7 +15,7 @@ namespace {
 void touch(const uint8_t* at) { (void)*static_cast<const volatile uint8_t*>(at); }
 
 TEST(CrashDeathTest, NamesTheImageAndTheDistance) {
-  WalledImage<uint16_t> image({17, 2}, 3, Wall::before, 1, "source");
+  WalledImage<uint16_t> image("source", Case{{17, 2}, Wall::before, {3}});
   uint8_t* const bytes = reinterpret_cast<uint8_t*>(image.data());
   EXPECT_DEATH(touch(bytes - 3),
                "Crash in CrashDeathTest.NamesTheImageAndTheDistance, level "
@@ -26,7 +26,7 @@ TEST(CrashDeathTest, NamesTheImageAndTheDistance) {
 }
 
 TEST(CrashDeathTest, NamesTheRowWhereEachHasWalls) {
-  WalledImage<uint8_t> image({17, 3}, kWallsBetween, Wall::after, 1, "source");
+  WalledImage<uint8_t> image("source", Case{{17, 3}, Wall::after, {kWallsBetween}});
   const uint8_t* const row = image.data() + image.step();
   EXPECT_DEATH(touch(image.data() - 8000), "(read|touched) byte 8000 before row 0 of source");
   EXPECT_DEATH(touch(row + 18), "(read|touched) byte 2 after row 1 of source");
@@ -44,7 +44,7 @@ class CrashDeathTestOf : public EveryIsa {};
 NUQI_FOR_EVERY_ISA(CrashDeathTestOf);
 
 TEST_P(CrashDeathTestOf, ACallIsNamedWithShapeAndLevel) {
-  WalledImage<uint8_t> image({17, 2}, 0, Wall::after, 1, "source");
+  WalledImage<uint8_t> image("source", Case{{17, 2}});
   uint8_t dst[3 * 17];
   const auto call = [&](RoiSize roi) {
     const Running now("nuqiAbsDiffC_8u_C1R", roi);

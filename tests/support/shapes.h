@@ -38,27 +38,26 @@ inline bool far_rows_fit() {
   return fit;
 }
 
-// Calls visit(c) with cases for `images` images: all tight, all padded, each alone padded, mixtures.
-// What is wrong for one combination of steps, such as rows taken for back to back when one image's
-// are not, shows there. `more` are shapes that one family needs. Stops at the first fatal failure.
+// Kind 0 is all tight, 1 all padded, then each image alone is padded; the others are mixtures.
+inline auto paddings_of(int kind, int images, Random& random) {
+  std::array<int, Case::kMostImages> padding = {};
+  for (int i = 0; i < images; ++i) {
+    bool padded = random.bits() % 2 != 0;
+    if (kind < images + 2) padded = kind == 1 || i == kind - 2;
+    if (padded) padding[i] = random.between(0, 3) == 0 ? kWallsBetween : random.between(1, 9);
+  }
+  return padding;
+}
+
+// Calls visit(c) with cases for `images` images, each of which has a padding of its own: what is wrong
+// for one combination of steps alone, such as rows taken for back to back where one image's are not,
+// shows. `more` are shapes that one family needs. Stops at the first fatal failure.
 template <class Visit>
 void for_each_case(const char* function, int images, const Visit& visit,
                    const std::vector<RoiSize>& more = {}) {
-  const int kinds = (images + 3) | 1;  // odd, so that each meets all widths, whatever register
+  const int kinds = (images + 3) | 1;  // odd: each meets widths of every remainder
   int number = 0;
   Random random(static_cast<uint64_t>(images));
-  const auto paddings = [&] {
-    const int kind = number++ % kinds;
-    std::array<int, Case::kMostImages> padding = {};
-    for (int i = 0; i < images; ++i) {
-      const bool padded = kind == 0           ? false
-                          : kind == 1         ? true
-                          : kind - 2 < images ? i == kind - 2
-                                              : random.bits() % 2 != 0;
-      if (padded) padding[i] = random.between(0, 3) == 0 ? kWallsBetween : random.between(1, 9);
-    }
-    return padding;
-  };
   const auto run = [&](const Case& c) {
     if (testing::Test::HasFatalFailure()) return;
     SCOPED_TRACE(testing::Message() << function << " " << c);
@@ -66,7 +65,8 @@ void for_each_case(const char* function, int images, const Visit& visit,
     visit(c);
   };
   const auto at_both_walls = [&](RoiSize roi) {
-    for (Wall wall : {Wall::after, Wall::before}) run({roi, wall, paddings()});
+    for (Wall wall : {Wall::after, Wall::before})
+      run({roi, wall, paddings_of(number++ % kinds, images, random)});
   };
 
   for (int width = 1; width <= 70; ++width) at_both_walls({width, random.between(1, 5)});

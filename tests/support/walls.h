@@ -68,18 +68,16 @@ struct Case {
   std::array<int, kMostImages> padding = {};
 };
 
-// An image of `roi` at a wall. `padding` elements lie between two rows; none after the last.
+// Image number `image` of a case. Its padding lies between two rows, in elements; none after the last.
 template <class T>
 class WalledImage {
  public:
-  WalledImage(const char* name, const Case& c, int image, int channels = 1)
-      : WalledImage(c.roi, c.padding[image], c.wall, channels, name) {}
-  WalledImage(RoiSize roi, int padding, Wall wall, int channels = 1, const char* name = "image")
-      : row_elements_(static_cast<size_t>(roi.width) * channels),
-        height_(roi.height),
-        walls_between_(padding >= kWallsBetween),
-        step_(step_of(padding)),
-        bytes_(height_, row_bytes(), static_cast<size_t>(step_), wall, name) {
+  WalledImage(const char* name, const Case& c, int image = 0, int channels = 1)
+      : row_elements_(static_cast<size_t>(c.roi.width) * channels),
+        height_(c.roi.height),
+        walls_between_(c.padding[image] >= kWallsBetween),
+        step_(step_of(c.padding[image])),
+        bytes_(height_, row_bytes(), static_cast<size_t>(step_), c.wall, name) {
     if (walls_between_)
       for (int y = 0; y < height_; ++y) std::memset(row(y), 0xA5, row_bytes());
     else

@@ -12,7 +12,7 @@ NUQI_INLINE Mask<T, int{sizeof...(I)}> lane_numbers(Indices<I...>) {
   return {{typename Mask<T, int{sizeof...(I)}>::Native{I...}}};
 }
 
-// Zero moves in: one instruction everywhere, while GCC 12 makes fifty of other byte shuffles on SSE2.
+// Shifts in a zero: one instruction everywhere, while GCC 12 expands other byte shuffles to fifty on SSE2.
 template <class Native, int... I>
 NUQI_INLINE Native one_up(const Native& a, Indices<I...>) {
   constexpr int n = sizeof...(I);

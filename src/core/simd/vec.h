@@ -125,8 +125,8 @@ NUQI_INLINE Mask<T, N> nonzero(const Vec<T, N>& a) {
   return ~(a == Vec<T, N>{});
 }
 
-// a where the mask is set, b elsewhere. The mask holds nothing but full and empty lanes: asking for
-// the sign, blends take it as it is, where GCC 12 compares it with zero once more.
+// a where the mask is set, b elsewhere. Lanes of the mask are all ones or all zeros, so testing the sign
+// is enough: it compiles to a blend, where GCC 12 would compare the mask with zero once more.
 template <class T, int N>
 NUQI_INLINE Vec<T, N> select(const Mask<T, N>& mask, const Vec<T, N>& a, const Vec<T, N>& b) {
   return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return mask.r[i] < 0 ? a.r[i] : b.r[i]; });
