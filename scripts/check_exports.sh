@@ -9,13 +9,15 @@ trap 'rm -rf "$lists"' EXIT
 
 prototypes() { grep -oE '^NUQI_API StatusCode nuqib?[A-Z][A-Za-z0-9_]*\(' include/nuqi/nuqi.h | sed 's/.* //; s/(//'; }
 exported() { nm --dynamic --defined-only --format=just-symbols "$1/src/libnuqi.so"; }
-# Of the files that each linked object depends on.
-tested() {
+# The test program's sources and the lists of members that they include, as the objects that it is linked
+# from tell.
+compiled() {
   local program=$1/tests/CMakeFiles/nuqi_tests.dir
   tr ' ' '\n' <"$program/link.txt" | sed -nE "s#^CMakeFiles/nuqi_tests.dir/(.*_test.cpp.o)\$#$program/\1.d#p" |
-    xargs cat | tr ' ' '\n' | sed -nE 's#.*/(tests/.*_(members\.h|test\.cpp))$#\1#p' | sort -u |
-    xargs sed 's#//.*##' | grep -oE '\bnuqib?[A-Z][A-Za-z0-9_]*\b'
+    xargs cat | tr ' ' '\n' | grep -E '_(members\.h|test\.cpp)$' |
+    (cd "$1/tests" && xargs realpath --relative-to="$OLDPWD") | grep '^tests/' | sort -u
 }
+tested() { compiled "$1" | xargs sed 's#//.*##' | grep -oE '\bnuqib?[A-Z][A-Za-z0-9_]*\b'; }
 
 prototypes | sort -u >"$lists/header"
 exported "$1" | sort -u >"$lists/exports"
