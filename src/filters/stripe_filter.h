@@ -60,13 +60,12 @@ void report(const StripeCall<T, D>& call, const Stripe& stripe) {
 template <class T, class D, class Kernel>
 void filter_stripe(const StripeCall<T, D>& call, const Kernel& kernel) {
   constexpr int64_t kRows = 64;
-  const T* rows[kRows + 6 + kMostRowsAtOnce - 1];
+  const T* rows[kRowsInWindowJob];
   const Stripe stripe = stripe_of(call);
   const StripeRows<T> source = {stripe, call.src, call.state->rows};
   for (int64_t y = 0; y < stripe.produced(); y += kRows) {
     const int count = static_cast<int>(std::min(kRows, stripe.produced() - y));
-    for (int i = 0; i < count + 2 * stripe.half + kMostRowsAtOnce - 1; ++i)
-      rows[i] = source[y - stripe.lead() + i];
+    source.collect(y - stripe.lead(), count + 2 * stripe.half + kMostRowsAtOnce - 1, rows);
     kernel(WindowJob<T, D>{rows, {row_of(call.dst, y), call.dst.step}, {call.roi->width, count}});
   }
   source.keep(call.roi->width);
