@@ -31,6 +31,10 @@ void register_blur() {
       return state;
     };
     register_stripe_filter(member, StripeFilter::blur, new_state);
+    // Narrow images have blocks of their own, of 16, 32 and 64 columns.
+    for (int32_t width : {8, 16, 32, 48})
+      register_stripe_filter(member, StripeFilter::blur, new_state, sizeof(T) == 1 ? 3 : 5,
+                             {width, 64});
     if (sizeof(T) != 4) return;
     for (const char* size : {":3", ":5", ":7"})
       register_bound(std::string(member.name) + size, {64, 64}, [](const Images& im) {

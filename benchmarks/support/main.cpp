@@ -64,10 +64,10 @@ void print_summary(Collector& collector) {
     // What a call costs before its pixels: 8x8 less 64 pixels at the speed of 64x64.
     const double tiny = sizes["8x8"][level], small = sizes["64x64"][level];
     const double call = tiny == 0 || small == 0 ? kUnknown : tiny - small / 64;
-    for (const char* size : {"64x64", "640x480", "1920x1080"})
-      if (const double time = sizes[size][level])
-        rows.push_back({function, size, time, fastest(limits[size]), fastest(sizes[size], "bound"),
-                        fastest(sizes[size], "plain"), call});
+    for (auto& [size, variants] : sizes)
+      if (const double time = variants[level]; time != 0 && size != "8x8")
+        rows.push_back({function, size, time, fastest(limits[size]), fastest(variants, "bound"),
+                        fastest(variants, "plain"), call});
   }
   std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
     const auto worth = [](const Row& row) { return row.limit == 0 ? 0 : row.time / row.limit; };

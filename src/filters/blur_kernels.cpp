@@ -1,97 +1,11 @@
 // Sums of 3x3, 5x5 or 7x7 pixels.
 #include "core/simd/convert.h"
-#include "core/simd/shuffle.h"
 #include "core/simd/transpose.h"
 #include "filters/blur.h"
-#include "filters/tile.h"
+#include "filters/blur_bytes.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
-
-// ---- Bytes. Even and odd columns are kept apart: widening costs a mask and a shift, whole registers
-// of bytes are read, and the windows of two neighbours share all pixels but one.
-
-struct SplitTile {
-  static constexpr int kRows = 4;
-  static constexpr int32_t kWidth = kTileWidth<int16_t>;
-  static constexpr int32_t kMargin = kRegBytes;
-  static constexpr int32_t kHalfStep = kMargin + kWidth / 2 + kMargin;
-  static constexpr int32_t kRowStep = 2 * kHalfStep;
-
-  alignas(64) int16_t values[kRows][2][kHalfStep];
-
-  // Column x of the first row; its next but one follows.
-  NUQI_INLINE int16_t* at(int64_t x) {
-    return values[0][0] + (x & 1) * kHalfStep + kMargin + (x >> 1);
-  }
-
-  // Repeats the first and the last of the columns from `from` to `to` as far as windows reach.
-  NUQI_INLINE void extend(int32_t from, int32_t to) {
-    for (int row = 0; row < kRows * kRowStep; row += kRowStep)
-      for (int32_t i = 1; i <= 3; ++i) {
-        at(from - i)[row] = at(from)[row];
-        at(to - 1 + i)[row] = at(to - 1)[row];
-      }
-  }
-};
-
-// Calls block(x, column x in the tile, column x + 1, part) as for_blocks_overlapping does.
-template <class Block>
-NUQI_INLINE void for_split_blocks(SplitTile& tile, int64_t from, int64_t to, const Block& block) {
-  constexpr int N = kRegBytes;
-  if (to - from < N) return block(from, tile.at(from), tile.at(from + 1), First{int(to - from)});
-  int16_t *own = tile.at(from), *next = tile.at(from + 1);
-  for (; from + N <= to; from += N, own += N / 2, next += N / 2) block(from, own, next, Whole{});
-  if (from < to) block(to - N, tile.at(to - N), tile.at(to - N + 1), Whole{});
-}
-
-template <int half, class T>
-NUQI_INLINE void down(const T* const* rows, int64_t left, SplitTile& tile, int32_t from,
-                      int32_t to) {
-  constexpr int N = kRegBytes, kRows = SplitTile::kRows + 2 * half;
-  const auto block = [&](int64_t x, int16_t* own, int16_t* next, auto part) NUQI_FORCED {
-    Vec<T, N> bytes[kRows];
-    for_each<kRows>([&](int i) NUQI_FORCED { bytes[i] = load<N>(rows[i] + left + x, part); });
-    const auto sum_rows = [&](int16_t* out, const auto& values) NUQI_FORCED {
-      auto sum = values(0);
-      for_each<2 * half>([&](int i) NUQI_FORCED { sum = sum + values(i + 1); });
-      store(out, sum);
-      for_each<SplitTile::kRows - 1>([&](int i) NUQI_FORCED {
-        sum = sum + (values(i + 1 + 2 * half) - values(i));
-        store(out + (i + 1) * tile.kRowStep, sum);
-      });
-    };
-    sum_rows(own, [&](int i) NUQI_FORCED { return even_bytes(bytes[i]); });
-    sum_rows(next, [&](int i) NUQI_FORCED { return odd_bytes(bytes[i]); });
-  };
-  for_split_blocks(tile, from, to, block);
-}
-
-template <int half>
-NUQI_INLINE void along(SplitTile& tile, int row, int16_t* to, int32_t width) {
-  constexpr int N = kRegBytes;
-  const auto block = [&](int64_t x, const int16_t* own, const int16_t* next,
-                         auto part) NUQI_FORCED {
-    const auto at = [&](int k) NUQI_FORCED {
-      return load<N / 2>((k % 2 == 0 ? own : next) + row * tile.kRowStep + (k >> 1));
-    };
-    auto shared = at(1 - half);
-    for_each<2 * half - 1>([&](int i) NUQI_FORCED { shared = shared + at(2 - half + i); });
-    const auto pairs = concat(shared + at(-half), shared + at(half + 1));
-    store(to + x, in_order(zip_groups(pairs)), part);
-  };
-  for_split_blocks(tile, 0, width, block);
-}
-
-template <int half, class T>
-void blur(const WindowJob<T, int16_t>& job) {
-  for_tiles<SplitTile, half>(
-      job.roi,
-      [&](SplitTile& tile, int32_t y, int32_t x, int32_t from, int32_t to)
-          NUQI_FORCED { down<half>(job.rows + y, x, tile, from, to); },
-      [&](SplitTile& tile, int row, int32_t y, int32_t x, int32_t width)
-          NUQI_FORCED { along<half>(tile, row, row_of(job.dst, y) + x, width); });
-}
 
 // ---- Floats. A sum along a row is a chain of additions by contract: sixteen rows walk in step, a lane
 // each, and are turned back into rows sixteen columns at a time.

@@ -68,13 +68,12 @@ void report(const StripeCall<T>& call, const Stripe& stripe) {
 template <class T, class Kernel>
 void filter_stripe(const StripeCall<T>& call, const Kernel& kernel) {
   constexpr int64_t kRows = 64;
-  const T* rows[kRows + 6 + kMostRowsAtOnce - 1];
+  const T* rows[kRowsInWindowJob];
   const Stripe stripe = stripe_of(call);
   const StripeRows<T> source = {stripe, call.src, call.state->rows};
   for (int64_t y = 0; y < stripe.produced(); y += kRows) {
     const int count = static_cast<int>(std::min(kRows, stripe.produced() - y));
-    for (int i = 0; i < count + stripe.around() + kMostRowsAtOnce - 1; ++i)
-      rows[i] = source[y - stripe.lead() + i];
+    source.collect(y - stripe.lead(), count + stripe.around() + kMostRowsAtOnce - 1, rows);
     kernel(WindowJob<T, FilterResult<T>>{
         .rows = rows,
         .dst = {row_of(call.dst, y), call.dst.step},
