@@ -59,14 +59,20 @@ void report(const StripeCall<T, D>& call, const Stripe& stripe) {
 // Calls kernel(job) with the stripe's output rows, some at a time; keeps its last source rows.
 template <class T, class D, class Kernel>
 void filter_stripe(const StripeCall<T, D>& call, const Kernel& kernel) {
-  constexpr int64_t kRows = 64;
-  const T* rows[kRows + 6 + kMostRowsAtOnce - 1];
+  constexpr int64_t kRows = kMostRows;
+  const T* rows[kMostSources];
   const Stripe stripe = stripe_of(call);
   const StripeRows<T> source = {stripe, call.src, call.state->rows};
   for (int64_t y = 0; y < stripe.produced(); y += kRows) {
     const int count = static_cast<int>(std::min(kRows, stripe.produced() - y));
-    for (int i = 0; i < count + 2 * stripe.half + kMostRowsAtOnce - 1; ++i)
-      rows[i] = source[y - stripe.lead() + i];
+    const int64_t first = y - stripe.lead();
+    const int needed = count + 2 * stripe.half + kMostRowsAtOnce - 1;
+    int i = 0;
+    for (; i < needed && first + i <= 0; ++i) rows[i] = source[first + i];
+    // Step by step: row_of() multiplies, and the choices of source[] cost more than a narrow row.
+    for (; i < needed && first + i < stripe.height; ++i)
+      rows[i] = i == 0 ? source[first] : row_of(Image<const T>{rows[i - 1], call.src.step}, 1);
+    for (; i < needed; ++i) rows[i] = rows[i - 1];
     kernel(WindowJob<T, D>{rows, {row_of(call.dst, y), call.dst.step}, {call.roi->width, count}});
   }
   source.keep(call.roi->width);

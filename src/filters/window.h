@@ -8,6 +8,10 @@ namespace nuqi {
 // Kernels compute up to eight output rows together, and read the rows of all.
 constexpr int kMostRowsAtOnce = 8;
 
+// A job's output rows, and the source rows that its kernel may read.
+constexpr int kMostRows = 64;
+constexpr int kMostSources = kMostRows + 6 + kMostRowsAtOnce - 1;
+
 // Output row y comes from rows[y] to rows[y + size - 1]. kMostRowsAtOnce - 1 readable rows follow the
 // last window's; no result shows them.
 template <class T, class D>
