@@ -9,7 +9,7 @@ namespace nuqi::NUQI_ISA {
 namespace {
 
 // A block: lanes that fill a register with values of V, but sixteen at least, so that their bytes fill
-// one too. Passes compute whole blocks only: code for tails was half of their size.
+// one too. Passes compute whole blocks only.
 template <class V>
 constexpr int kBlock = kRegBytes / int{sizeof(V)} > 16 ? kRegBytes / int{sizeof(V)} : 16;
 
@@ -22,7 +22,7 @@ NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
 
 // As many rows as make kBytes, so that the second pass finds them in the cache and not in the store
 // buffer: its loads straddle the first pass's stores, which ends store forwarding. Four or eight rows at
-// a time took 1.3 to 1.6 times as long at 32 columns.
+// a time took up to 1.6 times as long at 32 columns.
 template <class V, int kRowsAtOnce, int kPlanes = 1>
 struct Band {
   static constexpr int kAtOnce = kRowsAtOnce;  // rows that the first pass computes together
