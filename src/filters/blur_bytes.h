@@ -161,7 +161,7 @@ template <class T>
 struct PaddedRows {
   static constexpr int32_t kStep = 128;
 
-  T values[kRowsInWindowJob][kStep];
+  T values[kMostSources][kStep];
 
   template <class Piece>
   NUQI_INLINE void copy(const T* const* rows, int count, int32_t begin, int32_t end,

@@ -3,82 +3,105 @@
 // Both terms of the sum contain the smoothing by [1 1], size - 3 times along x and as often along y.
 // What remains is the same for all sizes: 2 * (the four diagonal neighbours - 4 * the pixel itself).
 #include "core/simd/pairs.h"
+#include "filters/band.h"
 #include "filters/laplace.h"
-#include "filters/tile.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// With m the source smoothed down its columns: m above + m below, 4 * m, and of these two the
-// bracket above.
-enum Plane { kAboveAndBelow, kFourfold };
+// With m the source smoothed down its columns: m above + m below, 4 * m, and where that was, of these
+// two the bracket above.
+enum Plane { kAboveAndBelow, kFourfold, kBrackets = kFourfold };
 template <class V>
-struct LaplaceTile : Tile<V, sizeof(V) == 2 ? 8 : 4, 2> {
-  alignas(64) V brackets[LaplaceTile::kRowStep];  // of one row
-};
+using LaplaceBand = Band<V, sizeof(V) == 2 ? 8 : 4, 2>;
+
+// Functions of their own: signed and unsigned bytes share the second pass, all sizes the walk.
+#define NUQI_PASS __attribute__((noinline))
 
 template <int half, class T, class V>
-NUQI_INLINE void down(const T* const* rows, int64_t left, LaplaceTile<V>& tile, int32_t from,
-                      int32_t to) {
-  constexpr int N = kLanesOf<V>, kRows = LaplaceTile<V>::kRows + 2 * half;
-  for_blocks_overlapping<N>(from, to, [&](int64_t x, auto part) NUQI_FORCED {
-    Vec<V, N> m[kRows];
-    for_each<kRows>([&](int i)
-                        NUQI_FORCED { m[i] = convert<V>(load<N>(rows[i] + left + x, part)); });
-    if constexpr (half > 1) {
-      for_each<2 * half - 2>([&](int) NUQI_FORCED {
-        for_each<kRows - 1>([&](int i) NUQI_FORCED { m[i] = m[i] + m[i + 1]; });
+NUQI_PASS void down(const T* const* rows, LaplaceBand<V>& band, const Columns& columns) {
+  constexpr int N = kBlock<V>, kAtOnce = LaplaceBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
+  for (int first = 0; first < band.rows; first += kAtOnce) {
+    for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
+      Vec<V, N> m[kRows];
+      for_each<kRows>([&](int i) NUQI_FORCED {
+        m[i] = convert<V>(load<N>(rows[first + i] + columns.left + x));
       });
-    }
-    for_each<LaplaceTile<V>::kRows>([&](int i) NUQI_FORCED {
-      const int64_t at = i * tile.kRowStep + x;
-      store(tile.at(at, kAboveAndBelow), m[i] + m[i + 2]);
-      store(tile.at(at, kFourfold), m[i + 1] * broadcast<V, N>(4));
+      if constexpr (half > 1) {
+        for_each<2 * half - 2>([&](int) NUQI_FORCED {
+          for_each<kRows - 1>([&](int i) NUQI_FORCED { m[i] = m[i] + m[i + 1]; });
+        });
+      }
+      for_each<kAtOnce>([&](int i) NUQI_FORCED {
+        store(band.at(first + i, x, kAboveAndBelow), m[i] + m[i + 2]);
+        store(band.at(first + i, x, kFourfold), m[i + 1] * broadcast<V, N>(4));
+      });
     });
-  });
+  }
+}
+
+template <class V>
+NUQI_INLINE auto bracket(const V* diagonal, const V* middle) {
+  constexpr int N = kBlock<V>;
+  return load<N>(diagonal - 1) + load<N>(diagonal + 1) - load<N>(middle);
+}
+
+// All rows' brackets before the sums of any: their loads lie between the stores of these.
+template <class V>
+NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int32_t width) {
+  for (int y = 0; y < band.rows; ++y) {
+    const V* diagonal = band.at(y, 0, kAboveAndBelow);
+    V* middle = band.at(y, 0, kFourfold);
+    for (int64_t x = -4; x < width + 2; x += kBlock<V>)
+      store(middle + x, bracket(diagonal + x, middle + x));
+  }
 }
 
 template <int half, class V>
-NUQI_INLINE void along(LaplaceTile<V>& tile, int row, V* to, int32_t width) {
-  constexpr int N = kLanesOf<V>;
-  const V* diagonal = tile.at(row * tile.kRowStep, kAboveAndBelow);
-  const V* middle = tile.at(row * tile.kRowStep, kFourfold);
-  V* brackets = tile.brackets + tile.kMargin;
-  const auto bracket = [&](int64_t x) NUQI_FORCED {
-    return load<N>(diagonal + x - 1) + load<N>(diagonal + x + 1) - load<N>(middle + x);
-  };
-  if constexpr (half > 1)
-    for (int64_t x = -N; x < width + half - 1; x += N) store(brackets + x, bracket(x));
+NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
+  constexpr int N = kBlock<V>;
+  if constexpr (half > 1) store_brackets(band, width);
+  for (int y = 0; y < band.rows; ++y) {
+    const V* diagonal = band.at(y, 0, kAboveAndBelow);
+    const V* brackets = band.at(y, 0, kBrackets);
+    V* to = row_of(dst, y);
+    for_whole_blocks<N>(0, width, [&](int64_t x) NUQI_FORCED {
+      const auto z = [&](int k) NUQI_FORCED { return load<N>(brackets + x + k); };
+      if constexpr (half == 1) {
+        const auto sum = bracket(diagonal + x, brackets + x);
+        store(to + x, sum + sum);
+      } else if constexpr (half == 2) {
+        const auto sum = (z(-1) + z(1)) + (z(0) + z(0));
+        store(to + x, sum + sum);
+      } else if constexpr (sizeof(V) == 2) {
+        auto sum = add_neighbours<N>({}, brackets + x - 2, 2, 8);
+        sum = add_neighbours(sum, brackets + x, 12, 8);
+        sum = add_neighbours(sum, brackets + x + 2, 2, 0);
+        store(to + x, pack_neighbours(sum));
+      } else {
+        const auto sum =
+            (z(-2) + z(2)) + (z(-1) + z(1)) * broadcast<V, N>(4) + z(0) * broadcast<V, N>(6);
+        store(to + x, sum + sum);
+      }
+    });
+  }
+}
 
-  for_blocks_overlapping<N>(0, width, [&](int64_t x, auto part) NUQI_FORCED {
-    const auto z = [&](int k) NUQI_FORCED { return load<N>(brackets + x + k); };
-    if constexpr (half == 1) {
-      const auto sum = bracket(x);
-      store(to + x, sum + sum, part);
-    } else if constexpr (half == 2) {
-      const auto sum = (z(-1) + z(1)) + (z(0) + z(0));
-      store(to + x, sum + sum, part);
-    } else if constexpr (sizeof(V) == 2) {
-      auto sum = add_neighbours<N>({}, brackets + x - 2, 2, 8);
-      sum = add_neighbours(sum, brackets + x, 12, 8);
-      sum = add_neighbours(sum, brackets + x + 2, 2, 0);
-      store(to + x, pack_neighbours(sum), part);
-    } else {
-      const auto sum =
-          (z(-2) + z(2)) + (z(-1) + z(1)) * broadcast<V, N>(4) + z(0) * broadcast<V, N>(6);
-      store(to + x, sum + sum, part);
-    }
-  });
+template <class T, class V>
+NUQI_PASS void walk(const WindowJob<T, V>& job, int half, decltype(down<1, T, V>)* down_rows,
+                    decltype(along<1, V>)* along_rows) {
+  using Band = LaplaceBand<V>;
+  for_bands<Band>(
+      job, half, half == 1 ? 8 : Band::kRight,
+      [&](Band& band, const T* const* rows, const Columns& columns)
+          NUQI_FORCED { down_rows(rows, band, columns); },
+      [&](Band& band, const Image<V>& dst, const Columns& columns)
+          NUQI_FORCED { along_rows(band, dst, columns.width); });
 }
 
 template <int half, class T, class V>
 void laplace(const WindowJob<T, V>& job) {
-  for_tiles<LaplaceTile<V>, half>(
-      job.roi,
-      [&](LaplaceTile<V>& tile, int32_t y, int32_t x, int32_t from, int32_t to)
-          NUQI_FORCED { down<half>(job.rows + y, x, tile, from, to); },
-      [&](LaplaceTile<V>& tile, int row, int32_t y, int32_t x, int32_t width)
-          NUQI_FORCED { along<half>(tile, row, row_of(job.dst, y) + x, width); });
+  walk<T, V>(job, half, down<half, T, V>, along<half, V>);
 }
 
 template <class T>

@@ -67,8 +67,8 @@ void report(const StripeCall<T>& call, const Stripe& stripe) {
 // Calls kernel(job) with the stripe's output rows, some at a time; keeps its last source rows.
 template <class T, class Kernel>
 void filter_stripe(const StripeCall<T>& call, const Kernel& kernel) {
-  constexpr int64_t kRows = 64;
-  const T* rows[kRowsInWindowJob];
+  constexpr int64_t kRows = kMostRows;
+  const T* rows[kMostSources];
   const Stripe stripe = stripe_of(call);
   const StripeRows<T> source = {stripe, call.src, call.state->rows};
   for (int64_t y = 0; y < stripe.produced(); y += kRows) {

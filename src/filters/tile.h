@@ -1,7 +1,8 @@
 // A tile: what the first of two passes leaves to the second, small enough to stay in the fastest cache.
 //
 // A filter walks its output rows a few at a time and these in tiles: the first pass goes down the
-// columns of the source into the tile, the second along the tile's rows into the destination.
+// columns of the source into the tile, the second along the tile's rows into the destination. A Tile has
+// kRows output rows, kWidth columns, and extend(from, to), which repeats its edge columns outwards.
 #pragma once
 
 #include "core/simd/memory.h"
@@ -14,38 +15,6 @@ namespace {
 // leave the first cache.
 template <class V>
 constexpr int32_t kTileWidth = 4096 / sizeof(V);
-
-// Lanes that fill a register with values of V; sixteen at least, so that their bytes fill one too.
-template <class V>
-constexpr int kLanesOf = kRegBytes / int{sizeof(V)} > 16 ? kRegBytes / int{sizeof(V)} : 16;
-
-template <class V, int kRowCount, int kPlanes = 1>
-struct Tile {
-  static constexpr int kRows = kRowCount;  // output rows at once
-  static constexpr int32_t kWidth = kTileWidth<V>;
-  // Columns beyond the edges, for whole registers.
-  static constexpr int32_t kMargin = 3 * kLanesOf<V>;
-  static constexpr int32_t kRowStep = kMargin + kWidth + kMargin;
-
-  alignas(64) V values[kPlanes][kRows][kRowStep];
-
-  // Column x of a plane's first row; the next row is kRowStep values further on.
-  NUQI_INLINE V* at(int64_t x, int plane = 0) { return values[plane][0] + kMargin + x; }
-
-  // Repeats the first and the last of the columns from `from` to `to`: as far as the second pass may
-  // read, so that no garbage raises floating-point exceptions.
-  NUQI_INLINE void extend(int32_t from, int32_t to) {
-    constexpr int N = kLanesOf<V>;
-    for (int row = 0; row < kPlanes * kRows; ++row) {
-      V *first = at(from) + row * kRowStep, *end = at(to) + row * kRowStep;
-      const auto left = broadcast<V, N>(first[0]), right = broadcast<V, N>(end[-1]);
-      store(first - 2 * N, left);
-      store(first - N, left);
-      store(end, right);
-      store(end + N, right);
-    }
-  }
-};
 
 // Columns count from the tile's first: the second pass writes those from 0 to width, and needs `half`
 // more on either side.

@@ -7,8 +7,10 @@ namespace nuqi {
 
 // Kernels compute up to eight output rows together, and read the rows of all.
 constexpr int kMostRowsAtOnce = 8;
-// Source rows of a job at most: those of 64 windows of the largest size, and what is read beyond.
-constexpr int kRowsInWindowJob = 64 + 6 + kMostRowsAtOnce - 1;
+
+// A job's output rows at most, and the source rows that its kernel may read.
+constexpr int kMostRows = 64;
+constexpr int kMostSources = kMostRows + 6 + kMostRowsAtOnce - 1;
 
 // Output row y comes from rows[y] to rows[y + size - 1]. kMostRowsAtOnce - 1 readable rows follow the
 // last window's; no result shows them.
