@@ -1,4 +1,4 @@
-// Tests of the histograms. They have no kernels: one instruction set is enough.
+// Tests of the histograms. Only the joint one has a kernel.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -6,6 +6,7 @@
 #include "library/same_bits.h"
 #include "stats/histogram_reference.h"
 #include "support/comparison.h"
+#include "support/every_isa.h"
 #include "support/values.h"
 #include "support/walls.h"
 
@@ -54,6 +55,20 @@ TEST(Histogram, AgreesWithTheReference) {
       expect_histogram({width, 3}, width % 3, wall, levels[width % 6]);
     expect_histogram({641, 5}, 0, wall, all);
   }
+}
+
+// More pixels than counters of 16 bits count, in one row and in several, of one value.
+TEST(Histogram, CountsManyPixelsOfOneValue) {
+  for (RoiSize roi : {RoiSize{140000, 1}, RoiSize{300, 500}, RoiSize{70000, 2}})
+    for (int padding : {0, 3}) {
+      WalledImage<uint8_t> src(roi, padding, Wall::after);
+      src.fill([] { return uint8_t{77}; });
+      const uint8_t levels[3] = {0, 77, 78};
+      int32_t bins[2] = {-1, -1};
+      ASSERT_EQ(nuqiCalcHist_8u_C1R(src.data(), src.step(), roi, bins, 3, levels), StatusOk);
+      EXPECT_EQ(bins[0], 0);
+      EXPECT_EQ(bins[1], roi.width * roi.height);
+    }
 }
 
 // Oddity: one level makes a bin, too. The level beyond is not read: the list ends at a wall.
@@ -110,10 +125,18 @@ void expect_joint(RoiSize roi, int padding, const Levels& across, const Levels& 
   ASSERT_EQ(expected, std::vector<uint8_t>(hist.data(), hist.data() + size));
 }
 
-TEST(JointHistogram, AgreesWithTheReference) {
-  Levels fine, coarse = {0, 64, 128, 192, 256};
-  for (int i = 0; i <= 256; ++i) fine.push_back(i);
-  for (int width = 1; width <= 40; ++width) {
+class JointHistogram : public EveryIsa {};
+NUQI_FOR_EVERY_ISA(JointHistogram);
+
+Levels every(int step, int until = 256) {
+  Levels levels;
+  for (int i = 0; i <= until; i += step) levels.push_back(i);
+  return levels;
+}
+
+TEST_P(JointHistogram, AgreesWithTheReference) {
+  const Levels fine = every(1), coarse = {0, 64, 128, 192, 256};
+  for (int width = 1; width <= 80; ++width) {
     expect_joint({width, 3}, width % 3, coarse, {10, 20, 240}, 16);
     expect_joint({width, 3}, width % 3, {-1000, 5, 100000}, coarse, 12);
   }
@@ -123,14 +146,50 @@ TEST(JointHistogram, AgreesWithTheReference) {
   expect_joint({300, 20}, 0, {0, 7, 7, 7, 200}, {3, 3, 90, 90}, 20);
   // Levels that descend: the number of those not above a value.
   expect_joint({300, 20}, 0, {0, 90, 30, 60, 256}, {0, 128, 256}, 16);
+  // Levels below 0, and a last level that leaves out the last value.
+  expect_joint({300, 20}, 0, {-9, -3, -3, 60, 255}, {-1, -1, 255}, 16);
+}
+
+// As many bins as small tables hold, one more, and more than a byte numbers.
+TEST_P(JointHistogram, CountsInManyBins) {
+  const Levels repeated(300, 90);
+  for (const Levels& across : {every(8), every(4), every(2), every(2, 250), every(16), repeated})
+    for (const Levels& down : {every(8), every(16), every(32), every(37), Levels{0, 256}, repeated})
+      expect_joint({150, 20}, 1, across, down, static_cast<int32_t>(across.size() - 1) * 4);
+}
+
+TEST_P(JointHistogram, CountsManyPixelsOfOneValue) {
+  for (RoiSize roi : {RoiSize{140000, 1}, RoiSize{300, 500}, RoiSize{70000, 2}}) {
+    WalledImage<uint8_t> src(roi, 2, Wall::after, 2);
+    src.fill([] { return uint8_t{77}; });
+    const int32_t counts[2] = {1, 2}, levels[5] = {0, 256, 0, 77, 256};
+    int32_t bins[6] = {};
+    ASSERT_EQ(nuqiCalcHist_8u_C2R(src.data(), src.step(), roi, bins, 4, counts, levels), StatusOk);
+    EXPECT_EQ(bins[0], 0);
+    EXPECT_EQ(bins[1], roi.width * roi.height);
+  }
+}
+
+// Rows of counters that no pixel belongs to may lie where no memory is.
+TEST_P(JointHistogram, TouchesNoOtherCounters) {
+  const RoiSize roi = {60, 5};
+  WalledImage<uint8_t> src(roi, 0, Wall::after, 2);
+  fill(src, 3);
+  const int32_t counts[2] = {1, 2}, levels[5] = {0, 256, 0, 256, 300};
+  for (int32_t step : {1 << 28, -(1 << 28), INT32_MIN}) {
+    WalledBytes hist(6 * 4, Wall::after);
+    auto* bins = reinterpret_cast<int32_t*>(hist.data());
+    ASSERT_EQ(nuqiCalcHist_8u_C2R(src.data(), src.step(), roi, bins, step, counts, levels),
+              StatusOk);
+    EXPECT_EQ(std::vector<int32_t>(bins, bins + 6), (std::vector<int32_t>{300, 0, 0, 0, 0, 0}));
+  }
 }
 
 // Oddity: (K + 1) * (L + 1) counters from the start are cleared, not the rows.
-TEST(JointHistogram, ClearsByCountNotByRows) {
-  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256},
-               64);                                                // beyond: added to what is there
-  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256}, 0);  // all rows are one
-  expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256}, 6);  // rows that overlap
+TEST_P(JointHistogram, ClearsByCountNotByRows) {
+  // Beyond: added to what is there. All rows are one. Rows that overlap, by counters and by bytes.
+  for (int32_t step : {64, 0, 4, 6})
+    expect_joint({60, 5}, 1, {0, 128, 256}, {0, 100, 200, 256}, step);
 }
 
 TEST(JointHistogramStatus, FirstFailureWinsAndNothingIsWritten) {
