@@ -94,6 +94,7 @@ TEST_P(Copy, AgreesWithTheReference) {
       for (int width = 1; width <= 140; ++width)
         expect_agreement(member, {width, 3}, width % 3, wall);
       expect_agreement(member, {641, 5}, 0, wall);
+      expect_agreement(member, {1531, 600}, 1, wall);  // more than the second cache holds
     }
   });
 }
