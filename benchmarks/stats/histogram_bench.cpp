@@ -1,4 +1,5 @@
-// Benchmarks of the histograms: on noise, and ":constant" on a picture of one value.
+// Benchmarks of the histograms: on noise, ":constant" on a picture of one value, ":two" on one whose
+// pixels have one of two values at random.
 #include <vector>
 
 #include "stats/histogram_plain.h"
@@ -30,21 +31,31 @@ void register_increments(const std::string& name, RoiSize roi) {
   });
 }
 
+enum class Picture { noise, constant, two };
+constexpr struct {
+  Picture picture;
+  const char* suffix;
+} kPictures[] = {{Picture::noise, ""}, {Picture::constant, ":constant"}, {Picture::two, ":two"}};
+
 // Benchmarks call(source, its step).
 template <class Call>
-auto on_picture(bool constant, int channels, RoiSize roi, Call call) {
+auto on_picture(Picture picture, int channels, RoiSize roi, Call call) {
   return [=](const Images& im) {
-    const std::vector<uint8_t> flat(size_t(roi.width) * roi.height * channels, 100);
-    return [=, noise = im.u8.get()] { call(constant ? flat.data() : noise, roi.width * channels); };
+    std::vector<uint8_t> drawn(size_t(roi.width) * roi.height * channels, 100);
+    if (picture == Picture::two)
+      for (size_t i = 0; i < drawn.size(); ++i) drawn[i] = im.mask.get()[i / channels] ? 50 : 200;
+    return [=, noise = im.u8.get()] {
+      call(picture == Picture::noise ? noise : drawn.data(), roi.width * channels);
+    };
   };
 }
 
 // Every value has a bin of its own.
-void register_hist(const std::string& name, RoiSize roi, bool constant) {
+void register_hist(const std::string& name, RoiSize roi, Picture picture) {
   std::vector<uint8_t> levels;
   for (int i = 0; i < 256; ++i) levels.push_back(static_cast<uint8_t>(i));
   const auto run = [=](auto hist) {
-    return on_picture(constant, 1, roi, [=](const uint8_t* src, int32_t step) {
+    return on_picture(picture, 1, roi, [=](const uint8_t* src, int32_t step) {
       hist(src, step, roi, histogram, 256, levels.data());
     });
   };
@@ -58,12 +69,12 @@ void register_hist(const std::string& name, RoiSize roi, bool constant) {
 }
 
 // 32 bins of eight values for each channel.
-void register_joint_hist(const std::string& name, RoiSize roi, bool constant) {
+void register_joint_hist(const std::string& name, RoiSize roi, Picture picture) {
   std::vector<int32_t> levels;
   for (int channel = 0; channel < 2; ++channel)
     for (int i = 0; i <= 32; ++i) levels.push_back(8 * i);
   const auto run = [=](auto hist) {
-    return on_picture(constant, 2, roi, [=](const uint8_t* src, int32_t step) {
+    return on_picture(picture, 2, roi, [=](const uint8_t* src, int32_t step) {
       const int32_t counts[2] = {32, 32};
       hist(src, step, roi, histogram, 32 * 4, counts, levels.data());
     });
@@ -96,10 +107,10 @@ void register_total(const std::string& name, RoiSize roi) {
 
 void register_histogram() {
   for (RoiSize roi : kSizes) {
-    register_hist("nuqiCalcHist_8u_C1R", roi, false);
-    register_hist("nuqiCalcHist_8u_C1R:constant", roi, true);
-    register_joint_hist("nuqiCalcHist_8u_C2R", roi, false);
-    register_joint_hist("nuqiCalcHist_8u_C2R:constant", roi, true);
+    for (const auto& [picture, suffix] : kPictures) {
+      register_hist(std::string("nuqiCalcHist_8u_C1R") + suffix, roi, picture);
+      register_joint_hist(std::string("nuqiCalcHist_8u_C2R") + suffix, roi, picture);
+    }
     register_total("nuqiConvertHist1D_32s32f", roi);
   }
 }

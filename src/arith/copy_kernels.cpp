@@ -6,18 +6,45 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
+// Registers of a plane that follow each other before the next plane's turn: where bytes come from beyond
+// the second cache, prefetchers and fill buffers serve a few long runs better than many short ones.
+template <class T>
+constexpr int kRun = sizeof(T) == 1 ? 8 : 1;
+
+template <class T>
+NUQI_INLINE bool long_runs(RoiSize roi, int channels) {
+  constexpr int64_t kSecondCache = 1 << 21;
+  return kRun<T> > 1 && int64_t{roi.width} * roi.height * channels > kSecondCache;
+}
+
+template <int C, int Run, class T, class Part>
+NUQI_INLINE void split_run(const T* src, T* const* planes, int64_t x, Part part) {
+  constexpr int n = Reg<T>::kLanes;
+  Regs<T, C> out[Run];
+  for_each<Run>([&](int i) NUQI_FORCED {
+    out[i] = deinterleave(load_pixels<C>(src + C * (x + i * n), part));
+  });
+  for_each<4>([&](int k) NUQI_FORCED {
+    if (k < C)
+      for_each<Run>([&](int i) NUQI_FORCED { store(planes[k] + x + i * n, out[i].v[k], part); });
+  });
+}
+
 template <class T, int C>
 void split_pixels(const SplitJob<T>& job) {
+  constexpr int n = Reg<T>::kLanes, run = n * kRun<T>;
+  const bool runs = long_runs<T>(job.roi, C);
   for (int32_t y = 0; y < job.roi.height; ++y) {
     const T* src = row_of(job.src, y);
     T* planes[C];
     for (int k = 0; k < C; ++k) planes[k] = row_of(job.planes[k], y);
 
-    for_blocks<Reg<T>::kLanes>(job.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
-      const auto out = deinterleave(load_pixels<C>(src + C * x, part));
-      for_each<4>([&](int k) NUQI_FORCED {
-        if (k < C) store(planes[k] + x, out.v[k], part);
-      });
+    int64_t begin = 0;
+    if (runs)
+      for (; begin + run <= job.roi.width; begin += run)
+        split_run<C, kRun<T>>(src, planes, begin, Whole{});
+    for_blocks<n>(job.roi.width - begin, [&](int64_t x, auto part) NUQI_FORCED {
+      split_run<C, 1>(src, planes, begin + x, part);
     });
   }
 }
@@ -33,19 +60,33 @@ void extract_channel(const SplitJob<T>& job) {
   }
 }
 
+template <int C, int Run, class T, class Part>
+NUQI_INLINE void join_run(const T* const* planes, T* dst, int64_t x, Part part) {
+  constexpr int n = Reg<T>::kLanes;
+  Regs<T, C> in[Run];
+  for_each<4>([&](int k) NUQI_FORCED {
+    if (k < C)
+      for_each<Run>([&](int i) NUQI_FORCED { in[i].v[k] = load<n>(planes[k] + x + i * n, part); });
+  });
+  for_each<Run>([&](int i)
+                    NUQI_FORCED { store_pixels(dst + C * (x + i * n), interleave(in[i]), part); });
+}
+
 template <class T, int C>
 void join_planes(const JoinJob<T>& job) {
+  constexpr int n = Reg<T>::kLanes, run = n * kRun<T>;
+  const bool runs = long_runs<T>(job.roi, C);
   for (int32_t y = 0; y < job.roi.height; ++y) {
     T* dst = row_of(job.dst, y);
     const T* planes[C];
     for (int k = 0; k < C; ++k) planes[k] = row_of(job.planes[k], y);
 
-    for_blocks<Reg<T>::kLanes>(job.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
-      Regs<T, C> in;
-      for_each<4>([&](int k) NUQI_FORCED {
-        if (k < C) in.v[k] = load<Reg<T>::kLanes>(planes[k] + x, part);
-      });
-      store_pixels(dst + C * x, interleave(in), part);
+    int64_t begin = 0;
+    if (runs)
+      for (; begin + run <= job.roi.width; begin += run)
+        join_run<C, kRun<T>>(planes, dst, begin, Whole{});
+    for_blocks<n>(job.roi.width - begin, [&](int64_t x, auto part) NUQI_FORCED {
+      join_run<C, 1>(planes, dst, begin + x, part);
     });
   }
 }

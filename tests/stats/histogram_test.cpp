@@ -1,10 +1,11 @@
-// Tests of the histograms. They have no kernels: one instruction set is enough.
+// Tests of the histograms. Only the joint one has a kernel.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "stats/histogram_reference.h"
 #include "support/comparison.h"
+#include "support/every_isa.h"
 #include "support/shapes.h"
 
 namespace nuqi::test {
@@ -49,6 +50,20 @@ TEST(Histogram, AgreesWithTheReference) {
                                          {9, 9, 7}, {200, 100, 50, 60}, {255, 0, 255}};
   for_each_case("nuqiCalcHist_8u_C1R", 1,
                 [&](const Case& c) { expect_histogram(c, levels[c.roi.width % 6]); });
+}
+
+// More pixels than counters of 16 bits count, in one row and in several, of one value.
+TEST(Histogram, CountsManyPixelsOfOneValue) {
+  for (RoiSize roi : {RoiSize{140000, 1}, RoiSize{300, 500}, RoiSize{70000, 2}})
+    for (int padding : {0, 3}) {
+      WalledImage<uint8_t> src("source", Case{roi, Wall::after, {padding}});
+      src.fill([] { return uint8_t{77}; });
+      const uint8_t levels[3] = {0, 77, 78};
+      int32_t bins[2] = {-1, -1};
+      ASSERT_EQ(nuqiCalcHist_8u_C1R(src.data(), src.step(), roi, bins, 3, levels), StatusOk);
+      EXPECT_EQ(bins[0], 0);
+      EXPECT_EQ(bins[1], roi.width * roi.height);
+    }
 }
 
 // Oddity: one level makes a bin, too. The level beyond is not read: the list ends at a wall.
@@ -105,25 +120,33 @@ void expect_joint(const Case& c, const Levels& across, const Levels& down, int32
   ASSERT_EQ(expected, std::vector<uint8_t>(hist.data(), hist.data() + size));
 }
 
-TEST(JointHistogram, AgreesWithTheReference) {
-  Levels fine, coarse = {0, 64, 128, 192, 256};
-  for (int i = 0; i <= 256; ++i) fine.push_back(i);
-  const RoiSize roi = {300, 20};
+class JointHistogram : public EveryIsa {};
+NUQI_FOR_EVERY_ISA(JointHistogram);
+
+Levels every(int step, int until = 256) {
+  Levels levels;
+  for (int i = 0; i <= until; i += step) levels.push_back(i);
+  return levels;
+}
+
+TEST_P(JointHistogram, AgreesWithTheReference) {
+  const Levels fine = every(1), coarse = {0, 64, 128, 192, 256};
+  const Case wide = {{300, 20}};
   for_each_case("nuqiCalcHist_8u_C2R", 1, [&](const Case& c) {
     expect_joint(c, coarse, {10, 20, 240}, 16);
     expect_joint(c, {-1000, 5, 100000}, coarse, 12);
   });
-  expect_joint({roi}, fine, fine, 1024);
-  expect_joint({roi}, {50, 60}, {0, 200}, 4);
+  expect_joint(wide, fine, fine, 1024);
+  expect_joint(wide, {50, 60}, {0, 200}, 4);
   // Several levels at one value: the bins between them stay empty.
-  expect_joint({roi}, {0, 7, 7, 7, 200}, {3, 3, 90, 90}, 20);
+  expect_joint(wide, {0, 7, 7, 7, 200}, {3, 3, 90, 90}, 20);
   // Levels that descend: the number of those not above a value.
-  expect_joint({roi}, {0, 90, 30, 60, 256}, {0, 128, 256}, 16);
+  expect_joint(wide, {0, 90, 30, 60, 256}, {0, 128, 256}, 16);
 }
 
 // Levels at and beyond the ends of the bytes, first, last or between: 255 is outside of bins that end
 // there, and counting outside of the histogram would die at its wall.
-TEST(JointHistogram, LevelsAtTheEndsOfBytes) {
+TEST_P(JointHistogram, LevelsAtTheEndsOfBytes) {
   const Levels ends[] = {{0, 256},      {0, 255},        {1, 256},    {0, 100, 255}, {-1, 255},
                          {-9, -5, 256}, {-5, 0, 0, 300}, {-2, -1, 0}, {256, 300},    {0, -7, 256}};
   for (const Levels& across : ends)
@@ -131,15 +154,50 @@ TEST(JointHistogram, LevelsAtTheEndsOfBytes) {
       expect_joint({{300, 20}}, across, down, static_cast<int32_t>(across.size()) * 4);
 }
 
-// Oddity: (K + 1) * (L + 1) counters from the start are cleared, not the rows.
-TEST(JointHistogram, ClearsByCountNotByRows) {
-  const Levels across = {0, 128, 256}, down = {0, 100, 200, 256};
-  expect_joint({{60, 5}}, across, down, 64);  // rows beyond: added to what is there
-  expect_joint({{60, 5}}, across, down, 0);   // all rows are one
-  expect_joint({{60, 5}}, across, down, 6);   // rows that overlap
+// As many bins as small tables hold, one more, and more than a byte numbers.
+TEST_P(JointHistogram, CountsInManyBins) {
+  const Levels repeated(300, 90);
+  for (const Levels& across : {every(8), every(4), every(2), every(2, 250), every(16), repeated})
+    for (const Levels& down : {every(8), every(16), every(32), every(37), Levels{0, 256}, repeated})
+      expect_joint({{150, 20}, Wall::after, {1}}, across, down,
+                   static_cast<int32_t>(across.size() - 1) * 4);
 }
 
-TEST(JointHistogram, RowsOfCountersMayLieFarApart) {
+TEST_P(JointHistogram, CountsManyPixelsOfOneValue) {
+  for (RoiSize roi : {RoiSize{140000, 1}, RoiSize{300, 500}, RoiSize{70000, 2}}) {
+    WalledImage<uint8_t> src("source", Case{roi, Wall::after, {2}}, 0, 2);
+    src.fill([] { return uint8_t{77}; });
+    const int32_t counts[2] = {1, 2}, levels[5] = {0, 256, 0, 77, 256};
+    int32_t bins[6] = {};
+    ASSERT_EQ(nuqiCalcHist_8u_C2R(src.data(), src.step(), roi, bins, 4, counts, levels), StatusOk);
+    EXPECT_EQ(bins[0], 0);
+    EXPECT_EQ(bins[1], roi.width * roi.height);
+  }
+}
+
+// Rows of counters that no pixel belongs to may lie where no memory is.
+TEST_P(JointHistogram, TouchesNoOtherCounters) {
+  const Case c = {{60, 5}};
+  WalledImage<uint8_t> src("source", c, 0, 2);
+  fill(src, 3);
+  const int32_t counts[2] = {1, 2}, levels[5] = {0, 256, 0, 256, 300};
+  for (int32_t step : {1 << 28, -(1 << 28), INT32_MIN}) {
+    WalledBytes hist(6 * 4, Wall::after, "histogram");
+    auto* bins = reinterpret_cast<int32_t*>(hist.data());
+    ASSERT_EQ(nuqiCalcHist_8u_C2R(src.data(), src.step(), c.roi, bins, step, counts, levels),
+              StatusOk);
+    EXPECT_EQ(std::vector<int32_t>(bins, bins + 6), (std::vector<int32_t>{300, 0, 0, 0, 0, 0}));
+  }
+}
+
+// Oddity: (K + 1) * (L + 1) counters from the start are cleared, not the rows.
+TEST_P(JointHistogram, ClearsByCountNotByRows) {
+  // Beyond: added to what is there. All rows are one. Rows that overlap, by counters and by bytes.
+  for (int32_t step : {64, 0, 4, 6})
+    expect_joint({{60, 5}}, {0, 128, 256}, {0, 100, 200, 256}, step);
+}
+
+TEST_P(JointHistogram, RowsOfCountersMayLieFarApart) {
   if (!far_rows_fit()) GTEST_SKIP() << "no room for rows 2^31 bytes apart";
   WalledImage<int32_t> hist("histogram", Case{{2, 4}, Wall::before, {kFarApart}});
   hist.fill([] { return 0; });
