@@ -32,7 +32,7 @@ inline bool far_rows_fit() {
       room = mmap(nullptr, static_cast<size_t>(bytes), PROT_NONE,
                   MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (room != MAP_FAILED) return munmap(room, static_cast<size_t>(bytes)) == 0;
-    std::puts("[  SKIPPED ] rows 2^31 bytes apart: not enough addresses");
+    std::puts("left out: rows 2^31 bytes apart; not enough addresses");
     return false;
   }();
   return fit;
