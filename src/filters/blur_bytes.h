@@ -1,6 +1,6 @@
 // Sums of 3x3, 5x5 or 7x7 bytes. Both passes stay in registers: a block of columns is walked from top to
-// bottom. With a buffer between them a 64x64 image takes three times as long, since its rows are read
-// back across stores that have just been made: stalls, whatever the width.
+// bottom. With an intermediate buffer a 64x64 image takes three times as long: rows are read back across
+// recent stores, whose forwarding fails.
 //
 // Even and odd columns are kept apart: a pair of bytes is a 16-bit lane, so that a load one lane to
 // the left or right gives the neighbours, and the windows of two neighbours share all pixels but one.
@@ -38,19 +38,11 @@ NUQI_INLINE auto sums_along(const Load& load) {
   return Sums{shared + left, shared + right};
 }
 
-#if NUQI_LEVEL == 2
 // Lane i is lane from[i] of a.
 template <class T, int N>
 NUQI_INLINE Vec<T, N> permute_bytes(const Vec<T, N>& a, const Vec<int8_t, N>& from) {
-  using Native = typename Vec<T, N>::Native;
-  if constexpr (N == 64)
-    return {{(Native)_mm512_permutexvar_epi8((__m512i)from.r[0], (__m512i)a.r[0])}};
-  if constexpr (N == 32)
-    return {{(Native)_mm256_permutexvar_epi8((__m256i)from.r[0], (__m256i)a.r[0])}};
-  if constexpr (N == 16)
-    return {{(Native)_mm_permutexvar_epi8((__m128i)from.r[0], (__m128i)a.r[0])}};
+  return {{machine::permute_bytes(a.r[0], as<uint8_t>(from).r[0])}};
 }
-#endif
 
 // The first eight of sixteen columns: one register of results, and no masks where masks are slow.
 struct Eight {};
@@ -99,7 +91,7 @@ NUQI_INLINE void walk_down(const Load& load, int16_t* to, int32_t step, int coun
   }
 }
 
-#if NUQI_LEVEL == 2
+// ---- The ends of rows where bytes permute across the register
 
 // Loads N columns from x on, or all columns if they are fewer, and neighbours of them; beyond the image's
 // ends its first or its last column. Loads stay inside the rows, and lanes move instead.
@@ -144,7 +136,7 @@ __attribute__((noinline)) void only_block(const WindowJob<T, int16_t>& job) {
 }
 
 template <int half, class T>
-NUQI_INLINE void ends(const WindowJob<T, int16_t>& job) {
+NUQI_INLINE void ends_by_permutations(const WindowJob<T, int16_t>& job) {
   const int32_t width = job.roi.width;
   if (width <= 16) return only_block<half, 16>(job);
   if (width <= 32) return only_block<half, 32>(job);
@@ -153,10 +145,10 @@ NUQI_INLINE void ends(const WindowJob<T, int16_t>& job) {
   if (width > 64) end_block<half, 64>(job, width - 64);
 }
 
-#else
+// ---- The ends of rows elsewhere
 
 // Some columns of some rows, and copies of the first and the last column of the image beyond it. All
-// rows are copied before the first is read: a load that spans two recent stores waits for both.
+// rows are copied before the first is read: a load that spans two recent stores fails store forwarding.
 template <class T>
 struct PaddedRows {
   static constexpr int32_t kStep = 128;
@@ -201,7 +193,7 @@ __attribute__((noinline)) void padded_block(const T* from, int16_t* to, int32_t 
 }
 
 template <int half, class T>
-NUQI_INLINE void ends(const WindowJob<T, int16_t>& job) {
+NUQI_INLINE void ends_by_copies(const WindowJob<T, int16_t>& job) {
   constexpr int N = kRegBytes;
   const int32_t width = job.roi.width;
   const int count = job.roi.height, sources = (count + 1) / 2 * 2 + 2 * half;
@@ -226,13 +218,16 @@ NUQI_INLINE void ends(const WindowJob<T, int16_t>& job) {
   block(Vec<T, N>{}, width - N - kReach, width - N, Whole{});
 }
 
-#endif
+// ---- All columns
 
 template <int half, class T>
 void blur(const WindowJob<T, int16_t>& job) {
   constexpr int N = kRegBytes;
   const int32_t width = job.roi.width;
-  ends<half>(job);
+  if constexpr (Machine::kPermutesBytes)
+    ends_by_permutations<half>(job);
+  else
+    ends_by_copies<half>(job);
   if (width <= 64) return;
   for (int32_t left = N; left < width - N; left += N) {
     const int32_t last = width - N - kReach, x = left < last ? left : last;

@@ -4,16 +4,17 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Rows first to last - 1 of the column at x; pixels(at) loads a row's pixels.
-template <Derivative derivative, int Unrolled, class T, class Pixels, class Part>
+// Rows first to last - 1 of the column at x.
+template <Derivative derivative, class T, class Where, class Part>
 NUQI_INLINE void walk_down(const DerivativeJob<T>& job, int64_t x, int32_t first, int32_t last,
-                           const Pixels& pixels, Part part) {
+                           Where where, Part part) {
   const Scale<T> scale(job);
   const int32_t height = job.roi.height;
   Image<const T> src = {row_of(job.src, first) + x, job.src.step};
   auto dst = job.dst;
   dst.data = row_of(job.dst, first) + x;
 
+  const auto pixels = loader_around<T>(where, part);
   const auto term_at = [&](const T* at)
                            NUQI_FORCED { return term_of<derivative>(pixels(at), scale); };
   Term<T> here = term_at(src.data);
@@ -27,55 +28,31 @@ NUQI_INLINE void walk_down(const DerivativeJob<T>& job, int64_t x, int32_t first
     above = here;
     here = below;
   };
-  // Several at a time, so that terms stay where they are and rows share their sums.
+  // Four at a time, so that terms stay where they are and rows share their sums.
   int32_t rest = last - first;
-  if constexpr (Unrolled > 1)
-    for (; rest >= Unrolled; rest -= Unrolled) for_each<Unrolled>(next_row);
+  for (; rest >= 4; rest -= 4) for_each<4>(next_row);
   for (; rest > 0; --rest) next_row(0);
 }
-
-// Rows of whole columns at the ends that are written out: fewer than inside, where most pixels lie.
-constexpr int kRowsAtEnds = NUQI_LEVEL == 2 ? 4 : 2;
 
 // Functions of their own: in one, each loop's constants would be paid for by all.
 #define NUQI_APART __attribute__((noinline))
 
-// Where rows end, bytes of both signs share the code of unsigned ones, which load them with `offset`
-// added: 128 to each of a signed image. It cancels out, since a derivative's weights add up to 0.
-template <class T>
-struct AtEndsOf {
-  using Type = uint8_t;
-};
-template <>
-struct AtEndsOf<float> {
-  using Type = float;
-};
-
-template <class T, class Where, class Part>
-NUQI_INLINE auto offset_loader(Where where, Part part, uint8_t offset) {
-  const auto around = loader_around<T>(where, part);
-  return [=](const T* at) NUQI_FORCED { return add_offset(around(at), offset); };
+template <Derivative derivative, class T>
+NUQI_APART void walk_narrow(const DerivativeJob<T>& job) {
+  walk_down<derivative>(job, 0, 0, job.roi.height, AtEnds{true, true}, First{job.roi.width});
 }
 
 template <Derivative derivative, class T>
-NUQI_APART void walk_narrow(const DerivativeJob<T>& job, uint8_t offset) {
-  const First part = {job.roi.width};
-  walk_down<derivative, 1>(job, 0, 0, job.roi.height,
-                           offset_loader<T>(AtEnds{true, true}, part, offset), part);
-}
-
-template <Derivative derivative, class T>
-NUQI_APART void walk_ends(const DerivativeJob<T>& job, uint8_t offset, int64_t x, int32_t first,
-                          int32_t last, AtEnds ends) {
-  walk_down<derivative, kRowsAtEnds>(job, x, first, last, offset_loader<T>(ends, Whole{}, offset),
-                                     Whole{});
+NUQI_APART void walk_ends(const DerivativeJob<T>& job, int64_t x, int32_t first, int32_t last,
+                          AtEnds ends) {
+  walk_down<derivative>(job, x, first, last, ends, Whole{});
 }
 
 template <Derivative derivative, class T>
 NUQI_APART void walk_inside(const DerivativeJob<T>& job, int64_t begin, int64_t end, int32_t first,
                             int32_t last) {
   for (int64_t x = begin; x < end; x += Column<T>::kLanes)
-    walk_down<derivative, 4>(job, x, first, last, loader_around<T>(Inside{}, Whole{}), Whole{});
+    walk_down<derivative>(job, x, first, last, Inside{}, Whole{});
 }
 
 // Columns are walked in bands of as many rows as the first cache holds, but not fewer than pay for
@@ -87,53 +64,29 @@ NUQI_INLINE int32_t rows_of_band(int32_t width) {
   return width > kCache / kPixel / kFewest ? kFewest : kCache / (width * kPixel) / 4 * 4;
 }
 
-// One derivative's walks.
-template <class T>
-struct Walks {
-  using Ends = typename AtEndsOf<T>::Type;
-  void (*narrow)(const DerivativeJob<Ends>&, uint8_t offset);
-  void (*ends)(const DerivativeJob<Ends>&, uint8_t offset, int64_t x, int32_t first, int32_t last,
-               AtEnds);
-  void (*inside)(const DerivativeJob<T>&, int64_t begin, int64_t end, int32_t first, int32_t last);
-};
-
-template <class T>
-NUQI_APART void walk(const DerivativeJob<T>& job, const Walks<T>& walks) {
-  using Ends = typename Walks<T>::Ends;
+template <Derivative derivative, class T>
+void differentiate(const DerivativeJob<T>& job) {
   constexpr int n = Column<T>::kLanes;
-  constexpr uint8_t offset = sizeof(T) == 1 && kIsSigned<T> ? 128 : 0;
-  const DerivativeJob<Ends> at_ends = {
-      {(const Ends*)job.src.data, job.src.step}, job.dst, job.roi, job.shift, job.scale};
   const auto [width, height] = job.roi;
-  if (width < n) return walks.narrow(at_ends, offset);
+  if (width < n) return walk_narrow<derivative>(job);
 
   const int32_t band = rows_of_band<T>(width);
   for (int64_t first = 0; first < height; first += band) {
     const int32_t last = height - first > band ? first + band : height;
-    walks.ends(at_ends, offset, 0, first, last, AtEnds{true, width == n});
-    walks.inside(job, n, width - n, first, last);
+    walk_ends<derivative>(job, 0, first, last, AtEnds{true, width == n});
+    walk_inside<derivative>(job, n, width - n, first, last);
     // The last column overlaps the one before it rather than being a narrow one.
-    if (width > n) walks.ends(at_ends, offset, width - n, first, last, AtEnds{false, true});
+    if (width > n) walk_ends<derivative>(job, width - n, first, last, AtEnds{false, true});
   }
-}
-
-template <Derivative derivative, class T>
-void differentiate(const DerivativeJob<T>& job) {
-  using Ends = typename Walks<T>::Ends;
-  walk<T>(job,
-          {walk_narrow<derivative, Ends>, walk_ends<derivative, Ends>, walk_inside<derivative, T>});
 }
 
 // Rows of bytes shorter than a register of 32: whole ones of half the length take a third of the time.
 template <Derivative derivative, class T>
 void differentiate_bytes(const DerivativeJob<T>& job) {
-  if constexpr (kRegBytes == 32) {
+  if constexpr (kRegBytes == 32)
     if (job.roi.width < Column<T>::kLanes)
       return base::derivative_kernels.of_type<T>().of[int(derivative)](job);
-    walk<T>(job, {nullptr, walk_ends<derivative, uint8_t>, walk_inside<derivative, T>});
-  } else {
-    differentiate<derivative>(job);
-  }
+  differentiate<derivative>(job);
 }
 
 template <class T>

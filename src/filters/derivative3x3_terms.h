@@ -39,19 +39,6 @@ struct Scale<float> {
   Reg<float> three, ten;
 };
 
-// Adds 0 or 128 to every byte, which wraps.
-NUQI_INLINE Around<uint8_t> add_offset(const Around<uint8_t>& p, uint8_t offset) {
-  const auto all = broadcast<uint8_t, kRegBytes>(offset);
-  return {p.left ^ all, p.centre ^ all, p.right ^ all};
-}
-#if NUQI_LEVEL == 2
-NUQI_INLINE Pairs<uint8_t> add_offset(const Pairs<uint8_t>& p, uint8_t offset) {
-  const auto all = broadcast<uint8_t, 2 * kRegBytes>(offset);
-  return {p.neighbours ^ all, p.centre ^ all};
-}
-#endif
-NUQI_INLINE const Around<float>& add_offset(const Around<float>& p, uint8_t) { return p; }
-
 constexpr bool centre_counts(Derivative d) {
   return d != Derivative::dx && d != Derivative::dxdy && d != Derivative::scharr_dx;
 }

@@ -137,8 +137,8 @@ constexpr int kBlock = 256;    // pixels whose places are found at a time
 bool fits_small_tables(const JointJob& job) {
   const int64_t places = (int64_t{job.across} + 1) * (int64_t{job.down} + 1);
   return job.across < INT8_MAX && job.down <= UINT8_MAX && places <= kPlaces &&
-         // What is counted is worth more than the tables' clearing and adding up.
-         places <= int64_t{job.roi.width} * job.roi.height &&
+         // Clearing the tables and adding them up takes as long as counting five pixels a place.
+         8 * places <= int64_t{job.roi.width} * job.roi.height &&
          // Counters that overlap in part cannot be added up in another order than that of the pixels.
          job.hist.step % int32_t{sizeof(int32_t)} == 0;
 }

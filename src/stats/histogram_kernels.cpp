@@ -6,25 +6,24 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-#if NUQI_LEVEL == 2
-
+// A template, so that machines without such permutations compile nothing of it.
+template <class V>
 void find_places(const uint8_t* pixels, int32_t count, const JointBins& bins, uint16_t* places) {
-  const auto columns = load_table(bins.columns), rows = load_table(bins.rows);
+  const ByteTable<V> columns(bins.columns), rows(bins.rows);
   const int8_t row_length = bins.row_length;
-  for_blocks<64>(int64_t{2} * count, [&](int64_t at, auto part) NUQI_FORCED {
-    const auto found = look_up_pairs(columns, rows, load<64>(pixels + at, part));
+  for_blocks<V::kLanes>(int64_t{2} * count, [&](int64_t at, auto part) NUQI_FORCED {
+    const auto found = look_up_pairs(columns, rows, load<V::kLanes>(pixels + at, part));
     store(places + at / 2, add_multiple(found, row_length));
   });
 }
 
-#endif
+template <class M, bool = M::kPermutesBytes>
+constexpr HistogramKernels kKernels = {find_places<Vec<uint8_t, M::kRegBytes>>};
+template <class M>
+constexpr HistogramKernels kKernels<M, false> = {nullptr};
 
 }  // namespace
 
-#if NUQI_LEVEL == 2
-const HistogramKernels histogram_kernels = {find_places};
-#else
-const HistogramKernels histogram_kernels = {nullptr};
-#endif
+const HistogramKernels histogram_kernels = kKernels<Machine>;
 
 }  // namespace nuqi::NUQI_ISA

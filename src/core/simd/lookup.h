@@ -1,4 +1,4 @@
-// Tables of bytes held in registers.
+// Tables of bytes held in registers, for machines that permute bytes across them.
 #pragma once
 
 #include "core/simd/vec.h"
@@ -6,37 +6,35 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-#if NUQI_LEVEL == 2
-
-// 256 bytes.
+// The entries of all values of a byte.
+template <class V = Reg<uint8_t>>
 struct ByteTable {
-  __m512i of[4];
+  static_assert(V::kLanes == 64);
+  V of[4];
+
+  NUQI_INLINE explicit ByteTable(const uint8_t* from) { __builtin_memcpy(of, from, sizeof of); }
 };
-NUQI_INLINE ByteTable load_table(const uint8_t* from) {
-  return {{_mm512_loadu_si512(from), _mm512_loadu_si512(from + 64), _mm512_loadu_si512(from + 128),
-           _mm512_loadu_si512(from + 192)}};
-}
 
 // The entry of every byte: of those in even places in one table, of those in odd places in the other.
-NUQI_INLINE Reg<uint8_t> look_up_pairs(const ByteTable& even, const ByteTable& odd,
-                                       const Reg<uint8_t>& bytes) {
-  const auto index = (__m512i)bytes.r[0];
-  const auto half = [&](int i) NUQI_FORCED {
-    return _mm512_mask_blend_epi8(0xAAAAAAAAAAAAAAAA,
-                                  _mm512_permutex2var_epi8(even.of[i], index, even.of[i + 1]),
-                                  _mm512_permutex2var_epi8(odd.of[i], index, odd.of[i + 1]));
+template <class V>
+NUQI_INLINE V look_up_pairs(const ByteTable<V>& even, const ByteTable<V>& odd, const V& bytes) {
+  const auto is_odd = as<int8_t>(lanes_as<uint8_t>(broadcast<uint16_t, V::kLanes / 2>(0xFF00)));
+  const auto below_128 = [&](int i) NUQI_FORCED {
+    const auto entry = [&](const ByteTable<V>& table) NUQI_FORCED {
+      return V{{machine::permute_bytes(table.of[i].r[0], table.of[i + 1].r[0], bytes.r[0])}};
+    };
+    return select(is_odd, entry(odd), entry(even));
   };
-  return {
-      {(Reg<uint8_t>::Reg)_mm512_mask_blend_epi8(_mm512_movepi8_mask(index), half(0), half(2))}};
+  return select(as<int8_t>(bytes) < Vec<int8_t, V::kLanes>{}, below_128(2), below_128(0));
 }
 
 // even byte + odd byte * times, in 16 bits.
-NUQI_INLINE Vec<uint16_t, 32> add_multiple(const Reg<uint8_t>& bytes, int8_t times) {
-  const auto weights = _mm512_set1_epi16(static_cast<int16_t>(times * 256 + 1));
-  return {{(Vec<uint16_t, 32>::Reg)_mm512_maddubs_epi16((__m512i)bytes.r[0], weights)}};
+template <int N>
+NUQI_INLINE Vec<uint16_t, N / 2> add_multiple(const Vec<uint8_t, N>& bytes, int8_t times) {
+  const auto weights = broadcast<int16_t, N / 2>(static_cast<int16_t>(times * 256 + 1));
+  using Out = typename Vec<uint16_t, N / 2>::Native;
+  return {{(Out)machine::multiply_add_bytes(bytes.r[0], lanes_as<int8_t>(weights).r[0])}};
 }
-
-#endif
 
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

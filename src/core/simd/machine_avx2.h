@@ -106,6 +106,10 @@ template <bool is_signed, Ymm V>
 NUQI_INLINE V multiply_bytes(const V& a, const V& b) {
   return (V)_mm256_madd_epi16((__m256i)a, (__m256i)(is_signed ? b & 0xFFFF : b));
 }
+template <Xmm U, class S>
+NUQI_INLINE NativeAs<int16_t, U> multiply_add_bytes(U a, S b) {
+  return (NativeAs<int16_t, U>)_mm_maddubs_epi16((__m128i)a, (__m128i)b);
+}
 template <Ymm U, class S>
 NUQI_INLINE NativeAs<int16_t, U> multiply_add_bytes(U a, S b) {
   return (NativeAs<int16_t, U>)_mm256_maddubs_epi16((__m256i)a, (__m256i)b);

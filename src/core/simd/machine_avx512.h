@@ -170,9 +170,18 @@ NUQI_INLINE V add_exact_square(const V& sum, const V& a) {
 
 // ---- Shuffles
 
-template <Zmm V>
+template <AnyRegister V>
 NUQI_INLINE V permute_bytes(V a, NativeAs<uint8_t, V> places) {
-  return (V)_mm512_permutexvar_epi8((__m512i)places, (__m512i)a);
+  if constexpr (sizeof(V) == 64)
+    return (V)_mm512_permutexvar_epi8((__m512i)places, (__m512i)a);
+  else if constexpr (sizeof(V) == 32)
+    return (V)_mm256_permutexvar_epi8((__m256i)places, (__m256i)a);
+  else
+    return (V)_mm_permutexvar_epi8((__m128i)places, (__m128i)a);
+}
+template <Zmm V>
+NUQI_INLINE V permute_bytes(V low, V high, NativeAs<uint8_t, V> places) {
+  return (V)_mm512_permutex2var_epi8((__m512i)low, (__m512i)places, (__m512i)high);
 }
 
 // ---- Predicates

@@ -26,6 +26,8 @@ template <class V>
 V shuffle_bytes(V a, NativeAs<int8_t, V> places);
 template <class V>
 V permute_bytes(V a, NativeAs<uint8_t, V> places);
+template <class V>
+V permute_bytes(V low, V high, NativeAs<uint8_t, V> places);  // of two registers
 template <class U, class S>
 NativeAs<int16_t, U> multiply_add_bytes(U a, S b);
 template <class V, class U, class S>
