@@ -1,255 +1,220 @@
 // Finds the smallest and the largest pixel and the first place of each.
 #include "core/simd/channel.h"
-#include "core/simd/extremes.h"
+#include "core/simd/float_order.h"
 #include "core/simd/selection.h"
 #include "stats/min_max.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Pixels are compared as integers: bytes as they are, floats by their bits. Of floats of one sign the
-// extremes are the smallest and the largest signed integer, and the sign tells which is which. Once
-// both signs have been met, the lowest float is the largest *unsigned* integer: of those with the sign
-// set the one of the largest magnitude. The highest is the largest signed one. A NaN lies beyond the
-// infinity of its sign.
+// Pixels are compared by keys, integers in the order of the pixels.
 template <class T>
-struct BitsOf {
+struct KeyOf {
   using Type = T;
 };
 template <>
-struct BitsOf<float> {
+struct KeyOf<float> {
   using Type = int32_t;
 };
+// SSE2 has minima and maxima of unsigned bytes alone.
+template <>
+struct KeyOf<int8_t> : IfElse<Machine::kOrdersSignedBytes, int8_t, uint8_t> {};
 
-// Pixels of a row. The stretch that brings a new extreme is remembered, and the pixel looked for at the
-// end.
-struct Stretch {
-  int32_t y;
-  int64_t start, end;
-};
-constexpr int kBlocks = 16;  // in a stretch
+// The extremes of the lanes are noted after each chunk of a row, and looked at after each group of
+// chunks: a horizontal reduction takes as long as a chunk. A new extreme is then looked for in the first
+// chunk after which it had been seen.
+constexpr int kChunkBytes = 1024, kChunks = 16;  // in a group
 
 template <int channels, bool masked, class T>
 class Search {
   static constexpr int kLanes = kIsFloat<T> ? 16 : Reg<T>::kLanes;
-  using Bits = typename BitsOf<T>::Type;
-  using V = Vec<Bits, kLanes>;
-  static constexpr int64_t kStretch = kBlocks * kLanes;
+  using Key = typename KeyOf<T>::Type;
+  using Keys = Vec<Key, kLanes>;
+  static constexpr int kUnrolled = channels == 3 ? 1 : Keys::kRegs > 1 ? 2 : 16;  // blocks
+  static constexpr int64_t kChunk = kChunkBytes / int{sizeof(T)}, kGroup = kChunks * kChunk;
+
+  static constexpr Key kFlip = kIsSigned<T> == kIsSigned<Key> ? 0 : 128;  // bytes only
+  static constexpr Key kLowestByte = kIsSigned<Key> ? -128 : 0;
+
+  struct Row {
+    const T* src;
+    const uint8_t* mask;
+  };
+  struct Extremes {
+    Keys low, high;
+  };
+  struct Found {
+    Key key;
+    int64_t place;
+  };
 
  public:
   NUQI_INLINE explicit Search(const MinMaxJob<T>& job) : job_(job) {}
 
   NUQI_INLINE MinMax<T> run() {
-    look();
+    const int64_t first = first_place(), width = job_.roi.width;
+    if (first < 0) return {};
+    Extremes seen;
+    start_with(first, seen);
+    for (int64_t y = first / width; y < job_.roi.height; ++y)
+      for (int64_t x = 0; x < width; x += kGroup) {
+        look(y, x, width - x < kGroup ? width : x + kGroup, seen);
+        // Nothing is beyond the smallest and the largest byte.
+        if (!kIsFloat<T> && low_.key == kLowestByte && high_.key == Key(~kLowestByte))
+          return result();
+      }
     return result();
   }
 
  private:
-  static constexpr Bits kHighest =
-      kIsSigned<Bits> ? (Bits)(~0u >> (33 - 8 * sizeof(Bits))) : (Bits)~0u;
-  static constexpr Bits kLowest = (Bits)~kHighest;
+  // ---- A block of pixels
 
-  // Of floats: the smallest and the largest signed integer or, mixed, the largest of both kinds.
-  struct Pair {
-    V low, high;
-  };
-  struct Extreme {
-    Bits bits;
-    Stretch at;
-  };
+  NUQI_INLINE Row row(int64_t y) const { return {row_of(job_.src, y), row_of(job_.mask, y)}; }
 
-  static NUQI_INLINE V all(Bits value) { return broadcast<Bits, kLanes>(value); }
-
-  // ---- Sixteen pixels, or a register of bytes
-
-  template <class Part>
-  NUQI_INLINE V pixels(int32_t y, int64_t x, Part part) const {
-    return as<Bits>(load_channel<channels, kLanes>(row_of(job_.src, y) + channels * x, part));
+  static NUQI_INLINE auto mask(const Row& row, int64_t x, Whole part) {
+    return load<kLanes>(row.mask + x, part);
   }
-  // Not zero where pixels take part.
-  NUQI_INLINE auto taking_part(int32_t y, int64_t x, Whole part) const {
-    return load<kLanes>(row_of(job_.mask, y) + x, part);
-  }
-  NUQI_INLINE auto taking_part(int32_t y, int64_t x, First part) const {
+  static NUQI_INLINE auto mask(const Row& row, int64_t x, First part) {
     if constexpr (masked)
-      return load<kLanes>(row_of(job_.mask, y) + x, part);
+      return load<kLanes>(row.mask + x, part);
     else
       return first_lanes<kLanes>(part.lanes);
   }
-  static constexpr bool all_take_part(Whole) { return !masked; }
-  static constexpr bool all_take_part(First) { return false; }
-
-  template <bool mixed>
-  static NUQI_INLINE Pair extend(const Pair& seen, const V& low, const V& high) {
-    if constexpr (mixed)
-      return {as<Bits>(max(as<uint32_t>(low), as<uint32_t>(seen.low))), max(high, seen.high)};
+  template <class Part>
+  static NUQI_INLINE Keys all_keys(const Row& row, int64_t x, Part part) {
+    const auto bits = as<Key>(load_channel<channels, kLanes>(row.src + channels * x, part));
+    if constexpr (kIsFloat<T>)
+      return float_order(bits);
     else
-      return {min(low, seen.low), max(high, seen.high)};
+      return bits ^ broadcast<Key, kLanes>(kFlip);
   }
-
-  // ---- One stretch
-
-  // Calls body(x, part) for blocks that cover the stretch, until it returns false. The last block may
-  // overlap the one before it: no harm is done by looking at pixels twice.
-  template <class Body>
-  static NUQI_INLINE void for_stretch(const Stretch& stretch, const Body& body) {
-    int64_t x = stretch.start;
-    for (; x + kLanes <= stretch.end; x += kLanes)
-      if (!body(x, Whole{})) return;
-    if (x == stretch.end) return;
-    if (stretch.end >= kLanes)
-      body(stretch.end - kLanes, Whole{});
+  // Of pixels that do not take part, the first one's key: it changes no extreme.
+  NUQI_INLINE Keys keys(const Row& row, int64_t x, Whole part) const {
+    if constexpr (masked)
+      return choose(mask(row, x, part), all_keys(row, x, part), first_);
     else
-      body(x, First{int(stretch.end - x)});
+      return all_keys(row, x, part);
+  }
+  NUQI_INLINE Keys keys(const Row& row, int64_t x, First part) const {
+    return choose(mask(row, x, part), all_keys(row, x, part), first_);
+  }
+  template <class Part>
+  NUQI_INLINE Extremes extend(const Extremes& seen, const Row& row, int64_t x, Part part) const {
+    const Keys all = keys(row, x, part);
+    return {min(all, seen.low), max(all, seen.high)};
   }
 
-  // Of two blocks without a mask.
-  template <bool mixed>
-  NUQI_INLINE Pair scan_two(int32_t y, int64_t x, const Pair& seen) const {
-    const V a = pixels(y, x, Whole{}), b = pixels(y, x + kLanes, Whole{});
-    if constexpr (mixed) {
-      // One of the two by each way, which take different ports.
-      return extend<true>(seen, as<Bits>(sorted(as<uint32_t>(a), as<uint32_t>(b)).upper),
-                          max(a, b));
-    } else {
-      const auto two = sorted(a, b);
-      return extend<false>(seen, two.lower, two.upper);
-    }
-  }
-  template <bool mixed>
-  NUQI_INLINE Pair scan(const Stretch& stretch, Pair seen) const {
-    const int32_t y = stretch.y;
-    const auto block = [&](int64_t x, auto part) NUQI_FORCED {
-      const V a = pixels(y, x, part);
-      const Pair next = extend<mixed>(seen, a, a);
-      if constexpr (all_take_part(decltype(part){})) {
-        seen = next;
-      } else {
-        const auto selected = taking_part(y, x, part);
-        seen = {choose(selected, next.low, seen.low), choose(selected, next.high, seen.high)};
-      }
+  // ---- A chunk
+
+  NUQI_INLINE Extremes scan(Row row, int64_t x, int64_t to, Extremes seen) const {
+    for (; x + kUnrolled * kLanes <= to; x += kUnrolled * kLanes)
+      for_each<kUnrolled>([&](int i)
+                              NUQI_FORCED { seen = extend(seen, row, x + i * kLanes, Whole{}); });
+    for_blocks_to_end(x, to, [&](int64_t at, auto part) NUQI_FORCED {
+      seen = extend(seen, row, at, part);
       return true;
-    };
-    // Whole stretches without a loop, whose end the processor would foresee too seldom.
-    if (channels == 3 || stretch.end - stretch.start < kStretch)
-      for_stretch(stretch, block);
-    else if constexpr (masked)
-      for_each<kBlocks>([&](int i) NUQI_FORCED { block(stretch.start + i * kLanes, Whole{}); });
-    else
-      for_each<kBlocks / 2>([&](int i) NUQI_FORCED {
-        seen = scan_two<mixed>(y, stretch.start + 2 * i * kLanes, seen);
-      });
+    });
     return seen;
   }
-  NUQI_INLINE Pair scan(const Stretch& stretch, const Pair& seen, bool mixed) const {
-    if constexpr (kIsFloat<T>)
-      if (mixed) return scan<true>(stretch, seen);
-    return scan<false>(stretch, seen);
-  }
-  static NUQI_INLINE bool better(const Pair& seen, const Pair& best, bool mixed) {
-    const uint64_t higher = bits_below(best.high, seen.high);
-    if constexpr (kIsFloat<T>)
-      if (mixed) return (higher | bits_below(as<uint32_t>(best.low), as<uint32_t>(seen.low))) != 0;
-    return (higher | bits_below(seen.low, best.low)) != 0;
+  // Calls body(x, part) for the blocks from `from` to `to` until it returns false. The last one goes
+  // back over pixels before it.
+  template <class Body>
+  static NUQI_INLINE void for_blocks_to_end(int64_t from, int64_t to, const Body& body) {
+    if (to < kLanes && from < to) body(from, First{int(to - from)});
+    if (to < kLanes) return;
+    for (int64_t x = from; x < to; x += kLanes)
+      if (!body(x + kLanes <= to ? x : to - kLanes, Whole{})) return;
   }
 
-  // ---- All stretches
+  // ---- A group
 
-  NUQI_INLINE void look() {
-    Pair seen = {all(kHighest), all(kLowest)}, best = seen;
-    for (int32_t y = 0; y < job_.roi.height; ++y)
-      for (int64_t start = 0; start < job_.roi.width; start += kStretch) {
-        const int64_t rest = job_.roi.width - start;
-        const Stretch stretch = {y, start, start + (rest < kStretch ? rest : kStretch)};
-        seen = scan(stretch, seen, mixed_);
-        if (started_ && !better(seen, best, mixed_)) continue;
-        improve(stretch, seen);
-        best = {all(low_.bits), all(high_.bits)};
-        // Nothing is beyond the lowest and the highest byte.
-        if (!kIsFloat<T> && low_.bits == kLowest && high_.bits == kHighest) return;
-      }
-  }
-  // Takes over what the stretch brought.
-  NUQI_INLINE void improve(const Stretch& stretch, Pair& seen) {
-    const Bits high = reduce_max(seen.high);
-    if (!mixed_) {
-      const Bits low = reduce_min(seen.low);
-      if (!started_) {
-        if (low > high) return;  // nothing has been selected yet
-        started_ = true;
-        low_ = {low, stretch};
-        high_ = {high, stretch};
-      }
-      if (kIsFloat<T> && low < 0 && high >= 0)
-        mix(stretch, seen);
-      else if (low < low_.bits)
-        low_ = {low, stretch};
-    } else {
-      take_magnitude(stretch, seen);
+  NUQI_INLINE void look(int64_t y, int64_t from, int64_t to, Extremes& seen) {
+    Extremes after[kChunks];
+    int chunks = 0;
+    const Row pixels = row(y);
+    for (int64_t x = from; x < to; x += kChunk) {
+      seen = scan(pixels, x, to - x < kChunk ? to : x + kChunk, seen);
+      after[chunks++] = seen;
     }
-    if (high > high_.bits) high_ = {high, stretch};
-  }
-  // The stretch brought the second sign.
-  NUQI_INLINE void mix(const Stretch& stretch, Pair& seen) {
-    if constexpr (kIsFloat<T>) {
-      if (high_.bits < 0)
-        low_ = high_;  // the lowest of those that were all negative
-      else
-        low_.bits = 0;
-      mixed_ = true;
-      seen = scan<true>(stretch, {all(low_.bits), seen.high});
-      take_magnitude(stretch, seen);
+    if ((bits_below(seen.low, best_.low) | bits_below(best_.high, seen.high)) == 0) return;
+    const Key low = reduce_min(seen.low), high = reduce_max(seen.high);
+    best_ = {broadcast<Key, kLanes>(low), broadcast<Key, kLanes>(high)};
+    if (low < low_.key) {
+      int chunk = 0;
+      while (bits_equal(after[chunk].low, best_.low) == 0) ++chunk;
+      low_ = {low, place_of(best_.low, y, from + chunk * kChunk)};
+    }
+    if (high > high_.key) {
+      int chunk = 0;
+      while (bits_equal(after[chunk].high, best_.high) == 0) ++chunk;
+      high_ = {high, place_of(best_.high, y, from + chunk * kChunk)};
     }
   }
-  NUQI_INLINE void take_magnitude(const Stretch& stretch, const Pair& seen) {
-    if constexpr (kIsFloat<T>) {
-      const uint32_t low = reduce_max(as<uint32_t>(seen.low));
-      if (low > (uint32_t)low_.bits) low_ = {(Bits)low, stretch};
-    }
-  }
-
-  // ---- The end
-
-  NUQI_INLINE MinMax<T> result() const {
-    MinMax<T> found;
-    if (!started_) return found;
-    const bool all_negative = kIsFloat<T> && !mixed_ && high_.bits < 0;
-    const Extreme &min = all_negative ? high_ : low_, &max = all_negative ? low_ : high_;
-    // The contract's search starts with the infinities, and is strict.
-    if (!kIsFloat<T> || min.bits < 0x7F800000) found.min_at = locate(min);
-    if (!kIsFloat<T> || (uint32_t)max.bits < 0xFF800000) found.max_at = locate(max);
-    __builtin_memcpy(&found.min, &min.bits, sizeof found.min);
-    __builtin_memcpy(&found.max, &max.bits, sizeof found.max);
-    return found;
-  }
-  // The first pixel that is the extreme.
-  __attribute__((noinline)) int64_t locate(const Extreme& extreme) const {
-    const V value = all(extreme.bits);
-    Stretch rest = extreme.at;
-    const int32_t y = rest.y;
-    const auto here = [&](int64_t x, auto part) NUQI_FORCED {
-      const uint64_t equal = bits_equal(pixels(y, x, part), value);
-      if constexpr (all_take_part(decltype(part){}))
-        return equal;
-      else
-        return equal & ~bits_equal(taking_part(y, x, part), Vec<uint8_t, kLanes>{});
-    };
-    const auto block = [&](int i) NUQI_FORCED { return here(rest.start + i * kLanes, Whole{}); };
-    for (; rest.start + 4 * kLanes <= rest.end; rest.start += 4 * kLanes)
-      if ((block(0) | block(1) | block(2) | block(3)) != 0) break;
+  // Of the first pixel with this key in row y, at x or later.
+  __attribute__((noinline)) int64_t place_of(const Keys& key, int64_t y, int64_t x) const {
     int64_t found = -1;
-    for_stretch(rest, [&](int64_t x, auto part) NUQI_FORCED {
-      const uint64_t bits = here(x, part);
-      if (bits != 0) found = y * int64_t{job_.roi.width} + x + __builtin_ctzll(bits);
-      return bits == 0;
+    for_blocks_to_end(x, job_.roi.width, [&](int64_t at, auto part) NUQI_FORCED {
+      const uint64_t equal = bits_equal(keys(row(y), at, part), key);
+      if (equal != 0) found = y * job_.roi.width + at + __builtin_ctzll(equal);
+      return equal == 0;
     });
     return found;
   }
 
+  // ---- The start and the end
+
+  // Of the first pixel that takes part, or -1.
+  NUQI_INLINE int64_t first_place() const {
+    if constexpr (!masked) return 0;
+    for (int64_t y = 0; y < job_.roi.height; ++y) {
+      int64_t found = -1;
+      for_blocks_to_end(0, job_.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
+        const uint64_t selected = bits_below(Vec<uint8_t, kLanes>{}, mask(row(y), x, part));
+        if (selected != 0) found = y * job_.roi.width + x + __builtin_ctzll(selected);
+        return selected == 0;
+      });
+      if (found >= 0) return found;
+    }
+    return -1;
+  }
+  NUQI_INLINE void start_with(int64_t place, Extremes& seen) {
+    const int64_t width = job_.roi.width;
+    const T* pixel = row_of(job_.src, place / width) + channels * (place % width);
+    Key key;
+    __builtin_memcpy(&key, pixel, sizeof key);
+    key = flipped(key);
+    low_ = high_ = {key, place};
+    first_ = broadcast<Key, kLanes>(key);
+    seen = best_ = {first_, first_};
+  }
+  NUQI_INLINE MinMax<T> result() const {
+    MinMax<T> found = {value_of(low_.key), value_of(high_.key), low_.place, high_.place};
+    if constexpr (kIsFloat<T>) {
+      // The contract's search starts with the infinities, and is strict.
+      constexpr int32_t kInfinity = 0x7F800000;
+      if (low_.key >= kInfinity) found.min_at = -1;
+      if (high_.key <= ~kInfinity) found.max_at = -1;
+    }
+    return found;
+  }
+  // One pixel's bits as a key, or its key as bits.
+  static NUQI_INLINE Key flipped(Key key) {
+    if constexpr (kIsFloat<T>)
+      return float_order(key);
+    else
+      return key ^ kFlip;
+  }
+  static NUQI_INLINE T value_of(Key key) {
+    key = flipped(key);
+    T value;
+    __builtin_memcpy(&value, &key, sizeof value);
+    return value;
+  }
+
   const MinMaxJob<T>& job_;
-  Extreme low_ = {}, high_ = {};
-  bool started_ = false;  // a pixel has been met
-  bool mixed_ = false;    // floats of both signs have been met
+  Keys first_;  // everywhere the key of the first pixel that takes part
+  Extremes best_;
+  Found low_, high_;
 };
 
 template <int channels, bool masked, class T>

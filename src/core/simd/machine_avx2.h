@@ -10,6 +10,7 @@ namespace {
 namespace machine {
 
 struct Avx2 : Sse2 {
+  static constexpr bool kOrdersSignedBytes = true;
   static constexpr int kRegBytes = 32;
   static constexpr bool kShufflesBytes = true;
   static constexpr bool kMultipliesBytes = true;

@@ -253,13 +253,6 @@ NUQI_INLINE V choose(K lanes, const V& a, const V& b, int) {
     return (V)_mm512_mask_mov_epi32((__m512i)b, lanes, (__m512i)a);
 }
 
-// There is one port for minima and maxima: one comparison and two choices on other ports are cheaper.
-template <Zmm V>
-NUQI_INLINE Sorted<V> sorted(const V& a, const V& b) {
-  const auto less = below(a, b);
-  return {choose(less, a, b, 0), choose(less, b, a, 0)};
-}
-
 }  // namespace machine
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

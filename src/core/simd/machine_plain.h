@@ -13,8 +13,9 @@ struct Plain {
   static constexpr int kRegBytes = 16;
   // Bytes move to places that a register gives: within groups of sixteen, or across the register.
   static constexpr bool kShufflesBytes = false, kPermutesBytes = false;
-  static constexpr bool kMultipliesBytes = false;  // multiply_add_bytes
-  static constexpr bool kDotsBytes = false;        // add_dots
+  static constexpr bool kMultipliesBytes = false;    // multiply_add_bytes
+  static constexpr bool kDotsBytes = false;          // add_dots
+  static constexpr bool kOrdersSignedBytes = false;  // min and max have instructions
   // A predicate is an integer, a bit for each lane; loads and stores take one.
   static constexpr bool kMasks = false;
 };
@@ -292,16 +293,6 @@ NUQI_INLINE uint64_t bits(const V& predicate) {
     return gather(found[0]) | gather(found[1]) << 8;
   else
     return gather(found[0] | found[1]);
-}
-
-// The smaller and the larger of each two lanes.
-template <class V>
-struct Sorted {
-  V lower, upper;
-};
-template <class V>
-NUQI_INLINE Sorted<V> sorted(const V& a, const V& b) {
-  return {a < b ? a : b, a > b ? a : b};
 }
 
 // Which lanes mask bytes select, kept as those that they do not: a comparison with zero gives these.

@@ -4,6 +4,7 @@
 
 #include "core/simd/convert.h"
 #include "core/simd/reduce.h"
+#include "core/simd/shuffle.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
@@ -36,6 +37,13 @@ NUQI_INLINE Px<double> load_doubles(const float* from, const Px<uint8_t>& mask, 
   } else {
     return to_doubles(keep_selected(mask, load(from, part)));
   }
+}
+
+// Mask bytes that select the first n pixels.
+template <int N>
+NUQI_INLINE Vec<uint8_t, N> first_lanes(int n) {
+  const auto numbers = lane_numbers<uint8_t>(typename UpTo<N>::Type{});
+  return as<uint8_t>(numbers < broadcast<int8_t, N>((int8_t)n));
 }
 
 // How many are selected.
