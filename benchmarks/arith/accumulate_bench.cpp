@@ -34,7 +34,7 @@ void register_limit_of(const AccumulateMember<T>& member, RoiSize roi) {
     register_limit<Streams<e>, Streams<4>>(member.name, roi);
 }
 
-// The arithmetic of sixteen pixels, over and over: nothing is loaded, nothing waits for another.
+// The arithmetic of sixteen pixels, over and over: no loads, no dependency chain.
 template <class T, AccumulateTerm term, bool masked>
 void arithmetic(int64_t pixels) {
   using namespace native;

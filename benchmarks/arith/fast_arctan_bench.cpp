@@ -6,7 +6,7 @@
 namespace nuqi::bench {
 namespace {
 
-// The divisions of sixteen vectors, over and over: nothing is loaded, nothing waits for another.
+// The divisions of sixteen vectors, over and over: no loads, no dependency chain.
 void divisions(int64_t vectors) {
   using namespace native;
   Px<float> a = broadcast(1.5f), b = broadcast(1.25f), t;

@@ -7,7 +7,7 @@ namespace nuqi::bench {
 namespace {
 
 // What the contract asks for sixteen floats: two additions in double precision, a rounding, two
-// additions in single precision. Nothing waits for another.
+// additions in single precision, without their dependency chains.
 void running_sums(int64_t pixels) {
   using namespace native;
   alignas(64) static const float columns[2][16] = {};

@@ -28,7 +28,7 @@ DerivativeArgs<T> args_of(const Images& im) {
           2};
 }
 
-// The arithmetic of row after row, on pixels that stay in the first cache.
+// The arithmetic of row after row, on pixels that stay in L1.
 template <Derivative derivative, class T>
 void arithmetic(int64_t pixels) {
   using namespace native;
@@ -36,11 +36,11 @@ void arithmetic(int64_t pixels) {
   const T* at = row + 64;
   const Scale<T> scale(DerivativeJob<T>{{}, {}, {}, 2, 0.25f});
   const auto around = loader_around<T>(Inside{}, Whole{});
-  Term<T> above = {}, here = {};
+  RowTerm<T> above = {}, here = {};
 #pragma GCC unroll 8
   for (int64_t x = 0; x < pixels; x += Column<T>::kLanes) {
     __asm__ volatile("" : "+r"(at));
-    const Term<T> below = term_of<derivative>(around(at), scale);
+    const RowTerm<T> below = term_of<derivative>(around(at), scale);
     Column<T> result = finish<derivative>(combine<derivative>(above, here, below), scale);
     opaque(result);
     above = here;

@@ -10,7 +10,7 @@ namespace {
 
 int32_t histogram[33 * 33];  // the images' buffers may be smaller
 
-// An increment in memory for each pixel, at an address known only then. None waits for another.
+// An increment in memory for each pixel, at an address known only then, without a dependency chain.
 void increments(int64_t pixels) {
   static uint32_t counters[4][256];
   uint64_t value = 0;

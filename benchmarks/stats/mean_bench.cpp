@@ -56,7 +56,7 @@ void arithmetic(int64_t pixels) {
   }
 }
 
-// The contract's chains: an addition for every fourth pixel, or for every one.
+// The contract's dependency chains: an addition for every fourth pixel, or for every one.
 template <class V, int pixels_each>
 void chain(int64_t pixels) {
   using namespace native;

@@ -29,7 +29,7 @@ void register_limit_of(const NormMember<T>& member, RoiSize roi) {
     register_limit<Streams<pixel, pixel, 1>>(member.name, roi);
 }
 
-// Sums of floats: the additions to sixteen lanes, which wait for each other.
+// Sums of floats: the dependency chain of additions to sixteen lanes.
 void chain_of_additions(int64_t pixels) {
   using namespace native;
   Vec<float, 8> term = {}, low = {}, high = {};
@@ -43,7 +43,7 @@ void chain_of_additions(int64_t pixels) {
   opaque(high);
 }
 
-// Squares of bytes: nothing is loaded, nothing waits for another.
+// Squares of bytes: no loads, no dependency chain.
 template <class T, NormKind kind>
 void arithmetic_of_squares(int64_t pixels) {
   using namespace native;

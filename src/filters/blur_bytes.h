@@ -94,7 +94,7 @@ NUQI_INLINE void walk_down(const Load& load, int16_t* to, int32_t step, int coun
 // ---- The ends of rows where bytes permute across the register
 
 // Loads N columns from x on, or all columns if they are fewer, and neighbours of them; beyond the image's
-// ends its first or its last column. Loads stay inside the rows, and lanes move instead.
+// ends its first or its last column. Loads stay inside the rows; lanes are permuted instead.
 template <int half, int N, class T, class Part>
 class ClampedLoad {
   static constexpr int far = (half + 1) / 2;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr bool is_size(int32_t size) { return size == 3 || size == 5 || size == 7; }
 
-// A state without kernels; null where there is no memory for it.
+// A state without coefficients; null when out of memory.
 ConvolState* new_state(int32_t width, int32_t size, int buffers, int32_t kind) {
   const int64_t row_bytes = (4 * int64_t{width} + 31) / 32 * 32;
   const int64_t bytes = int64_t{sizeof(ConvolState)} + buffers * row_bytes;
@@ -28,7 +28,7 @@ ConvolState* new_state(int32_t width, int32_t size, int buffers, int32_t kind) {
 }
 
 template <class C>
-void store_kernel(const int32_t* c, int32_t size, uint8_t* table) {
+void store_coefficients(const int32_t* c, int32_t size, uint8_t* table) {
   for (int i = 0; i <= size; ++i) {
     const C value = static_cast<C>(c[i]);
     for (int copy = 0; copy < 4; ++copy)
@@ -37,7 +37,7 @@ void store_kernel(const int32_t* c, int32_t size, uint8_t* table) {
 }
 
 // The derivative of the given order, smoothed to the size by [1 1].
-void build_kernel(int32_t order, int32_t size, bool flip, int32_t type, uint8_t* table) {
+void build_coefficients(int32_t order, int32_t size, bool flip, int32_t type, uint8_t* table) {
   int32_t c[8] = {1};
   const auto convolve = [&](int32_t sign) {
     for (int i = size - 1; i > 0; --i) c[i] = c[i - 1] + sign * c[i];
@@ -48,9 +48,9 @@ void build_kernel(int32_t order, int32_t size, bool flip, int32_t type, uint8_t*
   if (flip && order % 2 == 1)
     for (int i = 0; i < size; ++i) c[i] = -c[i];
   if (type == k32f)
-    store_kernel<float>(c, size, table);
+    store_coefficients<float>(c, size, table);
   else
-    store_kernel<int16_t>(c, size, table);
+    store_coefficients<int16_t>(c, size, table);
 }
 
 }  // namespace
@@ -74,8 +74,8 @@ StatusCode nuqiSobelInitAlloc(int32_t roiWidth, int32_t dataType, int32_t apertu
   const int32_t kind = apertureSize * 8 + bottomUp * 4 + yOrder % 2 * 2 + xOrder % 2;
   ConvolState* made = new_state(roiWidth, apertureSize, apertureSize, kind);
   if (made == nullptr) return StatusNoMemory;
-  build_kernel(xOrder, apertureSize, false, dataType, made->xKernel);
-  build_kernel(yOrder, apertureSize, bottomUp == 1, dataType, made->yKernel);
+  build_coefficients(xOrder, apertureSize, false, dataType, made->xKernel);
+  build_coefficients(yOrder, apertureSize, bottomUp == 1, dataType, made->yKernel);
   *state = made;
   return StatusOk;
 }
@@ -104,8 +104,8 @@ StatusCode nuqiLaplaceInitAlloc(int32_t roiWidth, int32_t dataType, int32_t mask
 
   ConvolState* made = new_state(roiWidth, maskSize, 2 * maskSize, maskSize * 8);
   if (made == nullptr) return StatusNoMemory;
-  build_kernel(2, maskSize, false, dataType, made->xKernel);
-  build_kernel(0, maskSize, false, dataType, made->yKernel);
+  build_coefficients(2, maskSize, false, dataType, made->xKernel);
+  build_coefficients(0, maskSize, false, dataType, made->yKernel);
   *state = made;
   return StatusOk;
 }

@@ -39,10 +39,10 @@ C coefficient(const uint8_t (&table)[256], int i) {
   return value;
 }
 
-// Every kernel's coefficient 0 is 1 or -1; an unset table, or one in the other format, reads as
+// Coefficient 0 of every filter is 1 or -1; an unset table, or one in the other format, reads as
 // something else.
 template <class C>
-bool holds_kernels(const ConvolState& state) {
+bool holds_coefficients(const ConvolState& state) {
   const C c = coefficient<C>(state.xKernel, 0);
   return c == 1 || c == -1;
 }

@@ -1,4 +1,4 @@
-// Walks the fixed 3x3 derivatives down columns of pixels, keeping the terms of rows in registers.
+// Walks the fixed 3x3 derivatives down columns of pixels, keeping the row terms in registers.
 #include "filters/derivative3x3_terms.h"
 
 namespace nuqi::NUQI_ISA {
@@ -17,24 +17,24 @@ NUQI_INLINE void walk_down(const DerivativeJob<T>& job, int64_t x, int32_t first
   const auto pixels = loader_around<T>(where, part);
   const auto term_at = [&](const T* at)
                            NUQI_FORCED { return term_of<derivative>(pixels(at), scale); };
-  Term<T> here = term_at(src.data);
-  Term<T> above = first > 0 ? term_at(row_of(src, -1)) : here;
+  RowTerm<T> here = term_at(src.data);
+  RowTerm<T> above = first > 0 ? term_at(row_of(src, -1)) : here;
   int32_t y = first;
   const auto next_row = [&](int) NUQI_FORCED {
     if (++y < height) src.data = row_of(src, 1);
-    const Term<T> below = term_at(src.data);
+    const RowTerm<T> below = term_at(src.data);
     store(dst.data, finish<derivative>(combine<derivative>(above, here, below), scale), part);
     dst.data = row_of(dst, 1);
     above = here;
     here = below;
   };
-  // Four at a time, so that terms stay where they are and rows share their sums.
+  // Unrolled by four: no terms are moved between registers, and rows share their sums.
   int32_t rest = last - first;
   for (; rest >= 4; rest -= 4) for_each<4>(next_row);
   for (; rest > 0; --rest) next_row(0);
 }
 
-// Functions of their own: in one, each loop's constants would be paid for by all.
+// Not inlined: in one function every loop would pay for the constants of all.
 #define NUQI_APART __attribute__((noinline))
 
 template <Derivative derivative, class T>
@@ -55,8 +55,8 @@ NUQI_APART void walk_inside(const DerivativeJob<T>& job, int64_t begin, int64_t 
     walk_down<derivative>(job, x, first, last, Inside{}, Whole{});
 }
 
-// Columns are walked in bands of as many rows as the first cache holds, but not fewer than pay for
-// the terms of the two rows around them. More rows at once are more than the prefetchers follow.
+// Columns are walked in bands of as many rows as L1 holds, but not so few that the terms of the two rows
+// around a band weigh. More rows at once are more streams than the prefetchers follow.
 template <class T>
 NUQI_INLINE int32_t rows_of_band(int32_t width) {
   constexpr int32_t kCache = 32768, kFewest = sizeof(T) == 1 ? 16 : 8;
@@ -75,12 +75,12 @@ void differentiate(const DerivativeJob<T>& job) {
     const int32_t last = height - first > band ? first + band : height;
     walk_ends<derivative>(job, 0, first, last, AtEnds{true, width == n});
     walk_inside<derivative>(job, n, width - n, first, last);
-    // The last column overlaps the one before it rather than being a narrow one.
+    // Instead of a tail, the last column of blocks overlaps the one before it.
     if (width > n) walk_ends<derivative>(job, width - n, first, last, AtEnds{false, true});
   }
 }
 
-// Rows of bytes shorter than a register of 32: whole ones of half the length take a third of the time.
+// Rows of bytes shorter than a 32-byte register: whole registers of 16 take a third of the time.
 template <Derivative derivative, class T>
 void differentiate_bytes(const DerivativeJob<T>& job) {
   if constexpr (kRegBytes == 32)

@@ -19,9 +19,9 @@ struct ColumnOf<float> {
 template <class T>
 using Column = typename ColumnOf<T>::Type;
 
-// What a row adds to its neighbours' results and, in Scharr Dx, to its own.
+// A row's horizontal term: what it adds to its neighbours' results and, in Scharr Dx, to its own.
 template <class T>
-struct Term {
+struct RowTerm {
   Column<T> outer, own;
 };
 
@@ -45,7 +45,7 @@ constexpr bool centre_counts(Derivative d) {
 
 // Of bytes.
 template <Derivative derivative, class T, class Pixels>
-NUQI_INLINE Term<T> term_of(const Pixels& p, const Scale<T>&) {
+NUQI_INLINE RowTerm<T> term_of(const Pixels& p, const Scale<T>&) {
   using enum Derivative;
   if constexpr (derivative == dx || derivative == dxdy)
     return {weigh<-1, 0, 1>(p), {}};
@@ -61,7 +61,7 @@ NUQI_INLINE Term<T> term_of(const Pixels& p, const Scale<T>&) {
 
 // Of floats. They are weighted before they are added: a small factor keeps large values finite.
 template <Derivative derivative>
-NUQI_INLINE Term<float> term_of(const Around<float>& p, const Scale<float>& scale) {
+NUQI_INLINE RowTerm<float> term_of(const Around<float>& p, const Scale<float>& scale) {
   using enum Derivative;
   if constexpr (derivative == dx)
     return {p.right - p.left, {}};
@@ -75,7 +75,8 @@ NUQI_INLINE Term<float> term_of(const Around<float>& p, const Scale<float>& scal
 
 // A row's results. Going down a column, a sum or difference of two rows serves the results of both.
 template <Derivative derivative, class T>
-NUQI_INLINE Column<T> combine(const Term<T>& above, const Term<T>& here, const Term<T>& below) {
+NUQI_INLINE Column<T> combine(const RowTerm<T>& above, const RowTerm<T>& here,
+                              const RowTerm<T>& below) {
   using enum Derivative;
   if constexpr (derivative == dx || derivative == d2x)
     return (above.outer + here.outer) + (here.outer + below.outer);

@@ -20,15 +20,15 @@ struct StripeCall {
   int32_t phase;
 };
 
-// The state must have as many row buffers as its size asks for, and kernels of C unless C is void.
+// The state must have as many row buffers as its size asks for, and coefficients of type C unless C is void.
 template <class C, class T>
 StatusCode check(const StripeCall<T>& call, int (*buffers_for)(int size)) {
   const auto& [src, dst, roi, state, phase] = call;
-  const auto lacks_kernels = [](const ConvolState& s) {
+  const auto lacks_coefficients = [](const ConvolState& s) {
     if constexpr (std::is_void_v<C>)
       return (void)s, false;
     else
-      return !holds_kernels<C>(s);
+      return !holds_coefficients<C>(s);
   };
   // clang-format off
   if (any_null(src.data, dst.data, state, roi))                    return StatusNullPtr;
@@ -39,7 +39,7 @@ StatusCode check(const StripeCall<T>& call, int (*buffers_for)(int size)) {
   if (state->pending != 0 && !starts_image(phase))                 return StatusUnsupported;
   if (4 * int64_t{roi->width} > row_pitch(*state))                 return StatusBadSize;
   if (row_buffers(*state) < buffers_for(size_of(*state)))          return StatusBadContext;
-  if (lacks_kernels(*state))                                       return StatusBadContext;
+  if (lacks_coefficients(*state))                                       return StatusBadContext;
   // clang-format on
   return StatusOk;
 }

@@ -31,8 +31,8 @@ void for_parts(RoiSize roi, Count count) {
 
 // ---- One channel
 
-// Neighbours count in tables of their own: an increment waits for an earlier one of the same counter
-// until store forwarding has brought its result. Counters of 16 bits keep the tables small.
+// Neighbouring pixels count in different tables: equal ones would form a dependency chain through store
+// forwarding. Counters of 16 bits keep the tables small.
 constexpr int kTables = 8;
 struct ByteCounts {
   uint16_t of[kTables][256];
@@ -70,7 +70,7 @@ StatusCode calc_hist(Image<const uint8_t> src, RoiSize roi, int32_t* hist, int32
     for (int32_t i = 0; i < part.height; ++i)
       count_bytes(row_of(src, y + i) + x, part.width, counts);
     const auto& t = counts.of;
-    for (int v = 0; v < 256; ++v)  // written out, or else GCC 12 takes it one by one
+    for (int v = 0; v < 256; ++v)  // written out: GCC 12 does not vectorise a loop over tables
       pixels[v] += static_cast<uint16_t>(t[0][v] + t[1][v] + t[2][v] + t[3][v] + t[4][v] + t[5][v] +
                                          t[6][v] + t[7][v]);
   });
@@ -129,8 +129,8 @@ inline void increment(void* counter, uint32_t by = 1) {
   __builtin_memcpy(counter, &count, sizeof count);
 }
 
-// Small tables: neighbours count in tables of their own, with a column and a row for the values that
-// lie in no bin.
+// Small tables: neighbouring pixels count in different ones, which have a column and a row more, for values
+// that lie in no bin.
 constexpr int kPlaces = 1120;  // 32 x 32 bins, 64 x 16, and the additional ones
 constexpr int kBlock = 256;    // pixels whose places are found at a time
 

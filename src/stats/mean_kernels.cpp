@@ -42,7 +42,7 @@ void sum_bytes(const MeanJob<T>& job, MeanSums& result) {
   if (masked) result.count = static_cast<int32_t>(count.total());
 }
 
-// Floats, in doubles: a row's sixteen sums are folded into one when it ends.
+// Floats, in doubles. A row's sixteen partial sums are reduced at its end.
 template <int channels, bool masked>
 void sum_floats(const MeanJob<float>& job, MeanSums& result) {
   SelectedCount<16> count;
@@ -73,8 +73,8 @@ void sum_floats(const MeanJob<float>& job, MeanSums& result) {
   if (masked) result.count = static_cast<int32_t>(count.total());
 }
 
-// The next two kernels wait for one addition after the other. These take two cycles each, but four
-// while 64-byte registers are in use: the pixels are made ready in eights.
+// The next two kernels are bound by the latency of their dependency chain of additions: 2 cycles each, but
+// 4 while 64-byte registers are in use. So pixels are selected in blocks of eight.
 template <int channels>
 NUQI_INLINE void store_selected(float* to, const float* from, const uint8_t* mask, Whole whole) {
   for_each<2>([&](int half) NUQI_FORCED {
@@ -124,7 +124,7 @@ void sum_in_raster_order(const MeanJob<float>& job, MeanSums& result) {
       count.add(load(mask + x, part));
       float selected[16];
       store_selected<3>(selected, src + 3 * x, mask + x, part);
-      // Without this GCC takes the lanes out of registers one by one, which takes twice as long.
+      // Keeps GCC from extracting the lanes from registers one by one, which takes twice as long.
       __asm__("" : "+m"(selected));
       for_each<16>([&](int i) NUQI_FORCED { sum += double{selected[i]}; });
     });

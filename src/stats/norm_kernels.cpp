@@ -1,5 +1,5 @@
-// Folds the selected pixels of one or two images into their largest magnitude, the sum of their
-// magnitudes or the sum of their squares.
+// Reduces the selected pixels of one or two images to their largest magnitude, the sum of their magnitudes
+// or the sum of their squares.
 #include "core/simd/arithmetic.h"
 #include "core/simd/channel.h"
 #include "core/simd/reduce.h"
@@ -61,8 +61,8 @@ class Total {  // of bytes
   Sums sums_;
 };
 
-// Sums of floats have sixteen lanes. On AVX-512 additions of eight follow each other sooner than those
-// of sixteen, which saves a fifth of the time where little else is to be done.
+// Sums of floats have sixteen lanes. On AVX-512, 256-bit additions have a lower latency than 512-bit ones:
+// where little but the dependency chain binds, accumulators of eight lanes save a fifth of the time.
 template <NormOf of, Norm norm, int channels>
 class Total<of, norm, channels, float> {
   static constexpr bool kEights = norm != Norm::inf && channels == 1 && of == NormOf::image;
@@ -102,8 +102,8 @@ NUQI_INLINE auto load_mask(const uint8_t* from, Part part) {
     return load<N>(from, part);
 }
 
-// Calls body(x, part, turn) for a row's blocks of N. Those of eight take turns in their last sixteen
-// pixels too: a lane is a column mod 16.
+// Calls body(x, part, turn) for a row's blocks of N. Blocks of eight alternate between two accumulators, in
+// the tail too: a lane is a column mod 16.
 template <int N, int turns, class Body>
 NUQI_INLINE void for_row(int64_t width, const Body& body) {
   if constexpr (N == 8)

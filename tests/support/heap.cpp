@@ -1,4 +1,4 @@
-// Stands between the library and the heap; the test program is linked with --wrap.
+// The interposed malloc and free.
 #include "support/heap.h"
 
 #include <cstring>

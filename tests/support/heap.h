@@ -1,4 +1,4 @@
-// The library's heap, as a test wants it: the linker leads its calls of malloc and free here.
+// Interposes malloc and free (linker option --wrap): counts blocks, fills them, or refuses them.
 #pragma once
 
 #include <cstddef>

@@ -41,8 +41,8 @@ V load_doubles(const float* from, K lanes, int i);
 // ---- Memory
 
 // Sixteen bytes, of which the first `bytes` come from memory. Shorter than that they are read in two
-// pieces that overlap: bytes that went through the stack would stall the load that follows them, since
-// stores are forwarded to loads of the same bytes only. Not inlined, since tails are many, and short.
+// pieces that overlap: a copy through the stack would fail store forwarding, since the load spans several
+// stores. Not inlined, since tails are many, and short.
 typedef uint64_t Few __attribute__((vector_size(16)));
 
 __attribute__((noinline, unused)) Few load_few(const char* from, int64_t bytes) {

@@ -98,7 +98,7 @@ struct Pairs {
 
 // Permutes bytes into pairs. The lower half of the pixels is found in a load that begins one pixel
 // before them, the upper half in one that begins one pixel after; at an end of the row both loads
-// stay inside it, and the lanes move instead.
+// stay inside it, and lanes are permuted instead.
 template <class T, class Part>
 class PairLoader {
   static constexpr int n = Reg<T>::kLanes;
