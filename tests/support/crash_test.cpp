@@ -51,8 +51,9 @@ TEST_P(CrashDeathTestOf, ACallIsNamedWithShapeAndLevel) {
     nuqiAbsDiffC_8u_C1R(image.data(), 17, dst, 17, roi, 1);
   };
   call({17, 2});
+  // Which byte is touched first is the compiler's choice.
   EXPECT_DEATH(call({17, 3}), std::string(": nuqiAbsDiffC_8u_C1R 17x3, level ") + name_of(isa()) +
-                                  ", (read|touched) byte 1 after source\n");
+                                  ", (read|touched) byte [0-9]+ after source\n");
 }
 
 }  // namespace
