@@ -36,18 +36,16 @@ struct Band {
   static constexpr int32_t step_for(int32_t width) {
     return (width + kLeft + kRight + kLine - 1) / kLine * kLine;
   }
+  static constexpr int32_t step = step_for(kMostColumns) / kLine % 2 ? step_for(kMostColumns) : step_for(kMostColumns) + kLine;
+  static constexpr int kMostRows = 32 / kPlanes;
   static constexpr int32_t rows_for(int32_t width) {
     constexpr int32_t kFits = kBytes / int{sizeof(V)} / kPlanes / kAtOnce;
     const int32_t times = kFits / step_for(width);
-    return times > 1 ? times * kAtOnce : kAtOnce;
+    return times > 1 ? times * kAtOnce < kMostRows ? times * kAtOnce : kMostRows : kAtOnce;
   }
-  static constexpr int32_t kPlaneSize = [] {
-    const int32_t narrow = kBytes / int{sizeof(V)} / kPlanes,
-                  wide = kAtOnce * step_for(kMostColumns);
-    return narrow > wide ? narrow : wide;
-  }();
+  static constexpr int32_t kPlaneSize = kMostRows * step;
 
-  int32_t step, rows;
+  int32_t rows;
   alignas(64) V values[kPlanes][kLine + kPlaneSize];
 
   NUQI_INLINE V* at(int row, int64_t x, int plane = 0) {
@@ -119,7 +117,6 @@ NUQI_INLINE void for_bands(const WindowJob<T, V>& job, int half, int beyond, con
     columns = right <= Band::kMostColumns ? right : Band::kWidth;
     const Columns range = {x, x > 0 ? -half : 0, right < columns + half ? right : columns + half,
                            columns};
-    band.step = Band::step_for(columns);
     const int32_t most = Band::rows_for(columns);
     for (int32_t y = 0; y < height; y += most) {
       band.rows = height - y < most ? height - y : most;
