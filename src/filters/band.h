@@ -46,10 +46,10 @@ struct Band {
   static constexpr int32_t kPlaneSize = kMostRows * step;
 
   int32_t rows;
-  alignas(64) V values[kPlanes][kLine + kPlaneSize];
+  alignas(64) V values[kLine + kPlanes * kPlaneSize];
 
   NUQI_INLINE V* at(int row, int64_t x, int plane = 0) {
-    return values[plane] + kLine + int64_t{row} * step + x;
+    return values + kLine + plane * kPlaneSize + int64_t{row} * step + x;
   }
 
   // Repeats the first of the columns from `from` to `to` to the left, and the last one `beyond` times, a
@@ -72,6 +72,18 @@ struct Columns {
   int32_t from, to;  // what the first pass computes
   int32_t width;     // what the second pass writes
 };
+
+// Rows from column `left` on: copies, which no store can change.
+template <int count, class T>
+struct RowsAt {
+  const T* row[count];
+};
+template <int count, class T>
+NUQI_INLINE RowsAt<count, T> rows_at(const T* const* rows, int64_t left) {
+  RowsAt<count, T> result;
+  for_each<count>([&](int i) NUQI_FORCED { result.row[i] = rows[i] + left; });
+  return result;
+}
 
 // Rows shorter than a block, copied to some of its length, the last pixel as often as that takes; or the
 // image itself.

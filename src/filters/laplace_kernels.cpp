@@ -22,19 +22,20 @@ template <int half, class T, class V>
 NUQI_PASS void down(const T* const* rows, LaplaceBand<V>& band, const Columns& columns) {
   constexpr int N = kBlock<V>, kAtOnce = LaplaceBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
   for (int first = 0; first < band.rows; first += kAtOnce) {
+    const auto from = rows_at<kRows>(rows + first, columns.left);
+    V* const to = band.at(first, 0);
     for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
       Vec<V, N> m[kRows];
-      for_each<kRows>([&](int i) NUQI_FORCED {
-        m[i] = convert<V>(load<N>(rows[first + i] + columns.left + x));
-      });
+      for_each<kRows>([&](int i) NUQI_FORCED { m[i] = convert<V>(load<N>(from.row[i] + x)); });
       if constexpr (half > 1) {
         for_each<2 * half - 2>([&](int) NUQI_FORCED {
           for_each<kRows - 1>([&](int i) NUQI_FORCED { m[i] = m[i] + m[i + 1]; });
         });
       }
       for_each<kAtOnce>([&](int i) NUQI_FORCED {
-        store(band.at(first + i, x, kAboveAndBelow), m[i] + m[i + 2]);
-        store(band.at(first + i, x, kFourfold), m[i + 1] * broadcast<V, N>(4));
+        V* const at = to + i * band.step + x;
+        store(at + kAboveAndBelow * band.kPlaneSize, m[i] + m[i + 2]);
+        store(at + kFourfold * band.kPlaneSize, m[i + 1] * broadcast<V, N>(4));
       });
     });
   }

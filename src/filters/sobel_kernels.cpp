@@ -46,18 +46,18 @@ NUQI_INLINE V fold(const At& at, const V (&weights)[4]) {
 template <int half, bool odd, class T, class V>
 NUQI_PASS void down(const T* const* rows, const V (&y)[4], SobelBand<V>& band,
                     const Columns& columns) {
-  constexpr int N = kBlock<V>, kAtOnce = SobelBand<V>::kAtOnce;
+  constexpr int N = kBlock<V>, kAtOnce = SobelBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
   const Vec<V, N> weights[4] = {broadcast<V, N>(y[0]), broadcast<V, N>(y[1]), broadcast<V, N>(y[2]),
                                 broadcast<V, N>(y[3])};
   for (int first = 0; first < band.rows; first += kAtOnce) {
+    const auto from = rows_at<kRows>(rows + first, columns.left);
+    V* const to = band.at(first, 0);
     for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
-      Vec<V, N> row[kAtOnce + 2 * half];
-      for_each<kAtOnce + 2 * half>([&](int i) NUQI_FORCED {
-        row[i] = convert<V>(load<N>(rows[first + i] + columns.left + x));
-      });
+      Vec<V, N> row[kRows];
+      for_each<kRows>([&](int i) NUQI_FORCED { row[i] = convert<V>(load<N>(from.row[i] + x)); });
       for_each<kAtOnce>([&](int i) NUQI_FORCED {
         const auto at = [&](int k) NUQI_FORCED { return row[i + half + k]; };
-        store(band.at(first + i, x), fold<half, odd>(at, weights));
+        store(to + i * band.step + x, fold<half, odd>(at, weights));
       });
     });
   }
