@@ -11,7 +11,7 @@ namespace {
 // A block: lanes that fill a register with values of V, but sixteen at least, so that their bytes fill
 // one too. Passes compute whole blocks only.
 template <class V>
-constexpr int kBlock = kRegBytes / int{sizeof(V)} > 16 ? kRegBytes / int{sizeof(V)} : 16;
+constexpr int kBlock = kRegBytes / int{sizeof(V)} > 32 / int{sizeof(V)} ? kRegBytes / int{sizeof(V)} : 32 / int{sizeof(V)};
 
 // Walks columns, N or more, in blocks: body(x). The last one goes back over columns already done.
 template <int N, class Body>
@@ -43,13 +43,14 @@ struct Band {
     const int32_t times = kFits / step_for(width);
     return times > 1 ? times * kAtOnce < kMostRows ? times * kAtOnce : kMostRows : kAtOnce;
   }
-  static constexpr int32_t kPlaneSize = kMostRows * step;
-
   int32_t rows;
-  alignas(64) V values[kLine + kPlanes * kPlaneSize];
+  alignas(64) V values[kLine + kMostRows * kPlanes * step];
 
+  static constexpr int64_t offset(int row, int plane = 0) {
+    return (int64_t{row} * kPlanes + plane) * step;
+  }
   NUQI_INLINE V* at(int row, int64_t x, int plane = 0) {
-    return values + kLine + plane * kPlaneSize + int64_t{row} * step + x;
+    return values + kLine + offset(row, plane) + x;
   }
 
   // Repeats the first of the columns from `from` to `to` to the left, and the last one `beyond` times, a

@@ -33,9 +33,8 @@ NUQI_PASS void down(const T* const* rows, LaplaceBand<V>& band, const Columns& c
         });
       }
       for_each<kAtOnce>([&](int i) NUQI_FORCED {
-        V* const at = to + i * band.step + x;
-        store(at + kAboveAndBelow * band.kPlaneSize, m[i] + m[i + 2]);
-        store(at + kFourfold * band.kPlaneSize, m[i + 1] * broadcast<V, N>(4));
+        store(to + band.offset(i, kAboveAndBelow) + x, m[i] + m[i + 2]);
+        store(to + band.offset(i, kFourfold) + x, m[i + 1] * broadcast<V, N>(4));
       });
     });
   }

@@ -57,7 +57,7 @@ NUQI_PASS void down(const T* const* rows, const V (&y)[4], SobelBand<V>& band,
       for_each<kRows>([&](int i) NUQI_FORCED { row[i] = convert<V>(load<N>(from.row[i] + x)); });
       for_each<kAtOnce>([&](int i) NUQI_FORCED {
         const auto at = [&](int k) NUQI_FORCED { return row[i + half + k]; };
-        store(to + i * band.step + x, fold<half, odd>(at, weights));
+        store(to + band.offset(i) + x, fold<half, odd>(at, weights));
       });
     });
   }
