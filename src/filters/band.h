@@ -3,7 +3,7 @@
 #pragma once
 
 #include "core/simd/memory.h"
-#include "filters/tile.h"
+#include "filters/window.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
@@ -20,50 +20,65 @@ NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
   body(to - N);
 }
 
-// As many rows as make kBytes, so that the second pass finds them in the cache and not in the store
-// buffer: its loads straddle the first pass's stores, which ends store forwarding. Four or eight rows at
-// a time took up to 1.6 times as long at 32 columns.
+// Wide images have kRowsAtOnce rows in it, narrow ones several such groups side by side, up to kBytes:
+// so the second pass finds them in the cache and not in the store buffer, whose entries its loads would
+// straddle, which ends store forwarding. One group at a time took up to 1.6 times as long at 32 columns.
 template <class V, int kRowsAtOnce, int kPlanes = 1>
 struct Band {
   static constexpr int kAtOnce = kRowsAtOnce;  // rows that the first pass computes together
   static constexpr int kBytes = 16384;
-  static constexpr int kWidth = kTileWidth<V>;
+  // Narrower ones make the prefetchers find the rows again too often, wider ones leave the first cache.
+  static constexpr int kWidth = 4096 / int{sizeof(V)};
   static constexpr int kMostColumns = kWidth + kBlock<V>;
   // Columns beyond the edges that extend() may fill.
   static constexpr int kLeft = 8, kRight = kPlanes == 1 ? 8 : kBlock<V> + 8;
   static constexpr int kLine = 64 / int{sizeof(V)};
 
-  static constexpr int32_t step_for(int32_t width) {
+  static constexpr int32_t padded(int32_t width) {
     return (width + kLeft + kRight + kLine - 1) / kLine * kLine;
   }
-  static constexpr int32_t step = step_for(kMostColumns) / kLine % 2 ? step_for(kMostColumns) : step_for(kMostColumns) + kLine;
-  static constexpr int kMostRows = 32 / kPlanes;
-  static constexpr int32_t rows_for(int32_t width) {
-    constexpr int32_t kFits = kBytes / int{sizeof(V)} / kPlanes / kAtOnce;
-    const int32_t times = kFits / step_for(width);
-    return times > 1 ? times * kAtOnce < kMostRows ? times * kAtOnce : kMostRows : kAtOnce;
-  }
-  int32_t rows;
-  alignas(64) V values[kLine + kMostRows * kPlanes * step];
+  // From row to row, known to the compiler: stores of the first pass have constant displacements.
+  static constexpr int64_t kStep = padded(kMostColumns) + 3 * kLine;
 
-  static constexpr int64_t offset(int row, int plane = 0) {
-    return (int64_t{row} * kPlanes + plane) * step;
+  int32_t rows, group;  // `group` columns from group to group
+  alignas(64) V values[kLine + kAtOnce * kPlanes * kStep];
+
+  // As many rows as fit.
+  NUQI_INLINE int32_t rows_for(int32_t width) {
+    group = padded(width);
+    const int32_t most = kBytes / int{sizeof(V)} / kPlanes / kAtOnce;
+    const int32_t fits = (most < kStep ? most : int32_t{kStep}) / group;
+    return fits > 1 ? fits * kAtOnce : kAtOnce;
   }
-  NUQI_INLINE V* at(int row, int64_t x, int plane = 0) {
-    return values + kLine + offset(row, plane) + x;
+  // From a group's first row to its row `row`.
+  static constexpr int64_t offset(int row, int plane = 0) {
+    return (int64_t{row} * kPlanes + plane) * kStep;
+  }
+  // The first row of the group that begins with row `first`.
+  NUQI_INLINE V* group_at(int first) { return values + kLine + first / kAtOnce * group; }
+
+  // body(y, row) for each row
+  template <class Body>
+  NUQI_INLINE void for_rows(const Body& body) {
+    for (int first = 0; first < rows; first += kAtOnce) {
+      V* row = group_at(first);
+      const int end = rows < first + kAtOnce ? rows : first + kAtOnce;
+      for (int y = first; y < end; ++y, row += offset(1)) body(y, row);
+    }
   }
 
   // Repeats the first of the columns from `from` to `to` to the left, and the last one `beyond` times, a
   // multiple of 8, to the right: as far as the second pass may read, so that no garbage raises
   // floating-point exceptions.
   NUQI_INLINE void extend(int32_t from, int32_t to, int beyond) {
-    for (int plane = 0; plane < kPlanes; ++plane)
-      for (int row = 0; row < rows; ++row) {
-        V *first = at(row, from, plane), *end = at(row, to, plane);
+    for_rows([&](int, V* row) NUQI_FORCED {
+      for (int plane = 0; plane < kPlanes; ++plane) {
+        V *first = row + offset(0, plane) + from, *end = row + offset(0, plane) + to;
         store(first - kLeft, broadcast<V, kLeft>(first[0]));
         const auto right = broadcast<V, 8>(end[-1]);
         for (int i = 0; i < beyond; i += 8) store(end + i, right);
       }
+    });
   }
 };
 
@@ -130,7 +145,7 @@ NUQI_INLINE void for_bands(const WindowJob<T, V>& job, int half, int beyond, con
     columns = right <= Band::kMostColumns ? right : Band::kWidth;
     const Columns range = {x, x > 0 ? -half : 0, right < columns + half ? right : columns + half,
                            columns};
-    const int32_t most = Band::rows_for(columns);
+    const int32_t most = band.rows_for(columns);
     for (int32_t y = 0; y < height; y += most) {
       band.rows = height - y < most ? height - y : most;
       down(band, blocks.job.rows + y, range);

@@ -23,7 +23,7 @@ NUQI_PASS void down(const T* const* rows, LaplaceBand<V>& band, const Columns& c
   constexpr int N = kBlock<V>, kAtOnce = LaplaceBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
   for (int first = 0; first < band.rows; first += kAtOnce) {
     const auto from = rows_at<kRows>(rows + first, columns.left);
-    V* const to = band.at(first, 0);
+    V* const to = band.group_at(first);
     for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
       Vec<V, N> m[kRows];
       for_each<kRows>([&](int i) NUQI_FORCED { m[i] = convert<V>(load<N>(from.row[i] + x)); });
@@ -49,21 +49,19 @@ NUQI_INLINE auto bracket(const V* diagonal, const V* middle) {
 // All rows' brackets before the sums of any: their loads lie between the stores of these.
 template <class V>
 NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int32_t width) {
-  for (int y = 0; y < band.rows; ++y) {
-    const V* diagonal = band.at(y, 0, kAboveAndBelow);
-    V* middle = band.at(y, 0, kFourfold);
+  band.for_rows([&](int, V* diagonal) NUQI_FORCED {
+    V* middle = diagonal + band.offset(0, kFourfold);
     for (int64_t x = -4; x < width + 2; x += kBlock<V>)
       store(middle + x, bracket(diagonal + x, middle + x));
-  }
+  });
 }
 
 template <int half, class V>
 NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
   constexpr int N = kBlock<V>;
   if constexpr (half > 1) store_brackets(band, width);
-  for (int y = 0; y < band.rows; ++y) {
-    const V* diagonal = band.at(y, 0, kAboveAndBelow);
-    const V* brackets = band.at(y, 0, kBrackets);
+  band.for_rows([&](int y, const V* diagonal) NUQI_FORCED {
+    const V* brackets = diagonal + band.offset(0, kBrackets);
     V* to = row_of(dst, y);
     for_whole_blocks<N>(0, width, [&](int64_t x) NUQI_FORCED {
       const auto z = [&](int k) NUQI_FORCED { return load<N>(brackets + x + k); };
@@ -84,7 +82,7 @@ NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
         store(to + x, sum + sum);
       }
     });
-  }
+  });
 }
 
 template <class T, class V>

@@ -51,7 +51,7 @@ NUQI_PASS void down(const T* const* rows, const V (&y)[4], SobelBand<V>& band,
                                 broadcast<V, N>(y[3])};
   for (int first = 0; first < band.rows; first += kAtOnce) {
     const auto from = rows_at<kRows>(rows + first, columns.left);
-    V* const to = band.at(first, 0);
+    V* const to = band.group_at(first);
     for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
       Vec<V, N> row[kRows];
       for_each<kRows>([&](int i) NUQI_FORCED { row[i] = convert<V>(load<N>(from.row[i] + x)); });
@@ -69,8 +69,7 @@ NUQI_PASS void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, i
   const Vec<V, N> weights[4] = {broadcast<V, N>(x[0]), broadcast<V, N>(x[1]), broadcast<V, N>(x[2]),
                                 broadcast<V, N>(x[3])};
   const V x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3];  // or else read again after every store
-  for (int y = 0; y < band.rows; ++y) {
-    const V* from = band.at(y, 0);
+  band.for_rows([&](int y, const V* from) NUQI_FORCED {
     V* to = row_of(dst, y);
     for_whole_blocks<N>(0, width, [&](int64_t column) NUQI_FORCED {
       const auto at = [&](int k) NUQI_FORCED { return load<N>(from + column + k); };
@@ -83,7 +82,7 @@ NUQI_PASS void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, i
         store(to + column, fold<half, odd>(at, weights));
       }
     });
-  }
+  });
 }
 
 // One walk for all filters of a type: inlined into each of the 36 it would be two thirds of the code.
