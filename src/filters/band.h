@@ -40,31 +40,26 @@ struct Band {
   // From row to row, known to the compiler: stores of the first pass have constant displacements.
   static constexpr int64_t kStep = padded(kMostColumns) + 3 * kLine;
 
-  int32_t rows, group;  // `group` columns from group to group
-  alignas(64) V values[kLine + kAtOnce * kPlanes * kStep];
+  static constexpr int32_t kMostRows = 32 / kPlanes;
 
-  // As many rows as fit.
-  NUQI_INLINE int32_t rows_for(int32_t width) {
-    group = padded(width);
-    const int32_t most = kBytes / int{sizeof(V)} / kPlanes / kAtOnce;
-    const int32_t fits = (most < kStep ? most : int32_t{kStep}) / group;
-    return fits > 1 ? fits * kAtOnce : kAtOnce;
+  int32_t rows;
+  alignas(64) V values[kLine + kMostRows * kPlanes * kStep];
+
+  static constexpr int32_t rows_for(int32_t width) {
+    const int32_t fits = kBytes / int{sizeof(V)} / kPlanes / padded(width) / kAtOnce * kAtOnce;
+    return fits < kAtOnce ? kAtOnce : fits < kMostRows ? fits : kMostRows;
   }
-  // From a group's first row to its row `row`.
+  // From row 0 to row `row`.
   static constexpr int64_t offset(int row, int plane = 0) {
     return (int64_t{row} * kPlanes + plane) * kStep;
   }
-  // The first row of the group that begins with row `first`.
-  NUQI_INLINE V* group_at(int first) { return values + kLine + first / kAtOnce * group; }
+  NUQI_INLINE V* row_at(int row) { return values + kLine + offset(row); }
 
   // body(y, row) for each row
   template <class Body>
   NUQI_INLINE void for_rows(const Body& body) {
-    for (int first = 0; first < rows; first += kAtOnce) {
-      V* row = group_at(first);
-      const int end = rows < first + kAtOnce ? rows : first + kAtOnce;
-      for (int y = first; y < end; ++y, row += offset(1)) body(y, row);
-    }
+    V* row = row_at(0);
+    for (int y = 0; y < rows; ++y, row += offset(1)) body(y, row);
   }
 
   // Repeats the first of the columns from `from` to `to` to the left, and the last one `beyond` times, a
@@ -145,7 +140,7 @@ NUQI_INLINE void for_bands(const WindowJob<T, V>& job, int half, int beyond, con
     columns = right <= Band::kMostColumns ? right : Band::kWidth;
     const Columns range = {x, x > 0 ? -half : 0, right < columns + half ? right : columns + half,
                            columns};
-    const int32_t most = band.rows_for(columns);
+    const int32_t most = Band::rows_for(columns);
     for (int32_t y = 0; y < height; y += most) {
       band.rows = height - y < most ? height - y : most;
       down(band, blocks.job.rows + y, range);

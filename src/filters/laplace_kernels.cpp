@@ -23,7 +23,7 @@ NUQI_PASS void down(const T* const* rows, LaplaceBand<V>& band, const Columns& c
   constexpr int N = kBlock<V>, kAtOnce = LaplaceBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
   for (int first = 0; first < band.rows; first += kAtOnce) {
     const auto from = rows_at<kRows>(rows + first, columns.left);
-    V* const to = band.group_at(first);
+    V* const to = band.row_at(first);
     for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
       Vec<V, N> m[kRows];
       for_each<kRows>([&](int i) NUQI_FORCED { m[i] = convert<V>(load<N>(from.row[i] + x)); });

@@ -51,7 +51,7 @@ NUQI_PASS void down(const T* const* rows, const V (&y)[4], SobelBand<V>& band,
                                 broadcast<V, N>(y[3])};
   for (int first = 0; first < band.rows; first += kAtOnce) {
     const auto from = rows_at<kRows>(rows + first, columns.left);
-    V* const to = band.group_at(first);
+    V* const to = band.row_at(first);
     for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
       Vec<V, N> row[kRows];
       for_each<kRows>([&](int i) NUQI_FORCED { row[i] = convert<V>(load<N>(from.row[i] + x)); });
