@@ -33,7 +33,7 @@ struct Band {
   static constexpr int kWidth = 4096 / int{sizeof(V)};
   static constexpr int kMostColumns = kWidth + kBlock<V>;
   // Columns beyond the edges that extend() may fill.
-  static constexpr int kLeft = 8, kRight = kPlanes == 1 ? 8 : kBlock<V> + 8;
+  static constexpr int kLeft = kPlanes == 1 ? 8 : 16, kRight = kPlanes == 1 ? 8 : kBlock<V> + 8;
   static constexpr int kLine = 64 / int{sizeof(V)};
   // From row to row, for narrow images too: a constant, or each store of the first pass needs an address
   // of its own, which took up to 1.4 times as long. Sixteen rows begin in sixteen sets of the cache.
@@ -41,7 +41,7 @@ struct Band {
   static_assert(kLeft + kMostColumns + kRight <= kStep && kAtOnce <= kMostRows);
 
   int32_t rows;
-  alignas(64) V values[kLine + kMostRows * kPlanes * kStep];
+  alignas(64) V values[2 * kLine + kMostRows * kPlanes * kStep];
 
   static constexpr int32_t rows_for(int32_t width) {
     constexpr int32_t kGroup = kPlanes * kAtOnce * int32_t{sizeof(V)};  // bytes of a column
@@ -52,7 +52,7 @@ struct Band {
   static constexpr int64_t offset(int row, int plane = 0) {
     return (int64_t{row} * kPlanes + plane) * kStep;
   }
-  NUQI_INLINE V* row_at(int row) { return values + kLine + offset(row); }
+  NUQI_INLINE V* row_at(int row) { return values + 2 * kLine + offset(row); }
 
   // body(y, row) for each row, of the first plane
   template <class Body>

@@ -40,9 +40,8 @@ NUQI_PASS void down(const T* const* rows, LaplaceBand<V>& band, const Columns& c
   }
 }
 
-template <class V>
+template <int N, class V>
 NUQI_INLINE auto bracket(const V* diagonal, const V* middle) {
-  constexpr int N = kBlock<V>;
   return load<N>(diagonal - 1) + load<N>(diagonal + 1) - load<N>(middle);
 }
 
@@ -51,8 +50,9 @@ template <class V>
 NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int32_t width) {
   band.for_rows([&](int, V* diagonal) NUQI_FORCED {
     V* middle = diagonal + band.offset(0, kFourfold);
-    for (int64_t x = -4; x < width + 2; x += kBlock<V>)
-      store(middle + x, bracket(diagonal + x, middle + x));
+    store(middle - 8, bracket<8>(diagonal - 8, middle - 8));
+    for (int64_t x = 0; x < width + 2; x += kBlock<V>)
+      store(middle + x, bracket<kBlock<V>>(diagonal + x, middle + x));
   });
 }
 
@@ -66,7 +66,7 @@ NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
     for_whole_blocks<N>(0, width, [&](int64_t x) NUQI_FORCED {
       const auto z = [&](int k) NUQI_FORCED { return load<N>(brackets + x + k); };
       if constexpr (half == 1) {
-        const auto sum = bracket(diagonal + x, brackets + x);
+        const auto sum = bracket<N>(diagonal + x, brackets + x);
         store(to + x, sum + sum);
       } else if constexpr (half == 2) {
         const auto sum = (z(-1) + z(1)) + (z(0) + z(0));
