@@ -54,18 +54,18 @@ struct Band {
   }
   NUQI_INLINE V* row_at(int row) { return values + 2 * kLine + offset(row); }
 
-  // body(y, row) for each row, of the first plane
+  // body(y, row) for some rows, of the first plane
   template <class Body>
-  NUQI_INLINE void for_rows(const Body& body) {
-    V* row = row_at(0);
-    for (int y = 0; y < rows; ++y, row += offset(1)) body(y, row);
+  NUQI_INLINE void for_rows(int first, int end, const Body& body) {
+    V* row = row_at(first);
+    for (int y = first; y < end; ++y, row += offset(1)) body(y, row);
   }
 
   // Repeats the first of the columns from `from` to `to` to the left, and the last one `beyond` times, a
   // multiple of 8, to the right: as far as the second pass may read, so that no garbage raises
   // floating-point exceptions.
   NUQI_INLINE void extend(int32_t from, int32_t to, int beyond) {
-    for_rows([&](int, V* row) NUQI_FORCED {
+    for_rows(0, rows, [&](int, V* row) NUQI_FORCED {
       for (int plane = 0; plane < kPlanes; ++plane) {
         V *first = row + offset(0, plane) + from, *end = row + offset(0, plane) + to;
         store(first - kLeft, broadcast<V, kLeft>(first[0]));

@@ -45,10 +45,10 @@ NUQI_INLINE auto bracket(const V* diagonal, const V* middle) {
   return load<N>(diagonal - 1) + load<N>(diagonal + 1) - load<N>(middle);
 }
 
-// All rows' brackets before the sums of any: their loads lie between the stores of these.
+// The brackets from column -2 to width + 2, and some beyond; aligned where the image is.
 template <class V>
-NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int32_t width) {
-  band.for_rows([&](int, V* diagonal) NUQI_FORCED {
+NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int first, int end, int32_t width) {
+  band.for_rows(first, end, [&](int, V* diagonal) NUQI_FORCED {
     V* middle = diagonal + band.offset(0, kFourfold);
     store(middle - 8, bracket<8>(diagonal - 8, middle - 8));
     for (int64_t x = 0; x < width + 2; x += kBlock<V>)
@@ -59,8 +59,12 @@ NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int32_t width) {
 template <int half, class V>
 NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
   constexpr int N = kBlock<V>;
-  if constexpr (half > 1) store_brackets(band, width);
-  band.for_rows([&](int y, const V* diagonal) NUQI_FORCED {
+  // The sums' loads lie between the stores of the brackets, which ends store forwarding: hence all rows'
+  // brackets first, as long as they stay in the first cache.
+  const bool long_rows = width > 1024;
+  if (half > 1 && !long_rows) store_brackets(band, 0, band.rows, width);
+  band.for_rows(0, band.rows, [&](int y, const V* diagonal) NUQI_FORCED {
+    if (half > 1 && long_rows) store_brackets(band, y, y + 1, width);
     const V* brackets = diagonal + band.offset(0, kBrackets);
     V* to = row_of(dst, y);
     for_whole_blocks<N>(0, width, [&](int64_t x) NUQI_FORCED {

@@ -69,7 +69,7 @@ NUQI_PASS void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, i
   const Vec<V, N> weights[4] = {broadcast<V, N>(x[0]), broadcast<V, N>(x[1]), broadcast<V, N>(x[2]),
                                 broadcast<V, N>(x[3])};
   const V x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3];  // or else read again after every store
-  band.for_rows([&](int y, const V* from) NUQI_FORCED {
+  band.for_rows(0, band.rows, [&](int y, const V* from) NUQI_FORCED {
     V* to = row_of(dst, y);
     for_whole_blocks<N>(0, width, [&](int64_t column) NUQI_FORCED {
       const auto at = [&](int k) NUQI_FORCED { return load<N>(from + column + k); };
