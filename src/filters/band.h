@@ -3,15 +3,15 @@
 #pragma once
 
 #include "core/simd/memory.h"
-#include "filters/tile.h"
+#include "filters/window.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// A block: lanes that fill a register with values of V, but sixteen at least, so that their bytes fill
-// one too. Passes compute whole blocks only.
+// A block: lanes that fill a register with values of V, and 32 bytes at least, so that 16-bit values
+// come of a register of bytes. Passes compute whole blocks only. Sixteen floats on SSE2 spill registers.
 template <class V>
-constexpr int kBlock = kRegBytes / int{sizeof(V)} > 16 ? kRegBytes / int{sizeof(V)} : 16;
+constexpr int kBlock = (kRegBytes > 32 ? kRegBytes : 32) / int{sizeof(V)};
 
 // Walks columns, N or more, in blocks: body(x). The last one goes back over columns already done.
 template <int N, class Body>
@@ -20,51 +20,60 @@ NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
   body(to - N);
 }
 
-// As many rows as make kBytes, so that the second pass finds them in the cache and not in the store
-// buffer: its loads straddle the first pass's stores, which ends store forwarding. Four or eight rows at
-// a time took up to 1.6 times as long at 32 columns.
+// The first pass computes kRowsAtOnce rows together. Narrow images have more of them in the band, up to
+// kBytes, so that the second pass finds them in the cache and not in the store buffer: its loads straddle
+// the first pass's stores, which ends store forwarding.
 template <class V, int kRowsAtOnce, int kPlanes = 1>
 struct Band {
-  static constexpr int kAtOnce = kRowsAtOnce;  // rows that the first pass computes together
+  static constexpr int kAtOnce = kRowsAtOnce;
   static constexpr int kBytes = 16384;
-  static constexpr int kWidth = kTileWidth<V>;
+  // 68 KB of stack for 16-bit values, half for floats, which gain nothing from more.
+  static constexpr int kMostRows = 32 / int{sizeof(V)} / kPlanes;
+  // Narrower bands make the prefetchers find the source rows again too often: 1024 columns of 16 bits
+  // took up to 1.15 times as long at 1920 columns.
+  static constexpr int kWidth = 4096 / int{sizeof(V)};
   static constexpr int kMostColumns = kWidth + kBlock<V>;
   // Columns beyond the edges that extend() may fill.
-  static constexpr int kLeft = 8, kRight = kPlanes == 1 ? 8 : kBlock<V> + 8;
+  static constexpr int kLeft = kPlanes == 1 ? 8 : 16, kRight = kPlanes == 1 ? 8 : kBlock<V> + 8;
   static constexpr int kLine = 64 / int{sizeof(V)};
+  // From row to row, for narrow images too: a constant, or each store of the first pass needs an address
+  // of its own, which took up to 1.4 times as long. Sixteen rows begin in sixteen sets of the cache.
+  static constexpr int64_t kStep = kWidth + 4 * kLine;
+  static_assert(kLeft + kMostColumns + kRight <= kStep && kAtOnce <= kMostRows);
 
-  static constexpr int32_t step_for(int32_t width) {
-    return (width + kLeft + kRight + kLine - 1) / kLine * kLine;
-  }
+  int32_t rows;
+  alignas(64) V values[2 * kLine + kMostRows * kPlanes * kStep];
+
   static constexpr int32_t rows_for(int32_t width) {
-    constexpr int32_t kFits = kBytes / int{sizeof(V)} / kPlanes / kAtOnce;
-    const int32_t times = kFits / step_for(width);
-    return times > 1 ? times * kAtOnce : kAtOnce;
+    constexpr int32_t kGroup = kPlanes * kAtOnce * int32_t{sizeof(V)};  // bytes of a column
+    const int32_t fits = kBytes / (kGroup * width) * kAtOnce;
+    return fits < kAtOnce ? kAtOnce : fits < kMostRows ? fits : kMostRows;
   }
-  static constexpr int32_t kPlaneSize = [] {
-    const int32_t narrow = kBytes / int{sizeof(V)} / kPlanes,
-                  wide = kAtOnce * step_for(kMostColumns);
-    return narrow > wide ? narrow : wide;
-  }();
+  // From row 0 to row `row`.
+  static constexpr int64_t offset(int row, int plane = 0) {
+    return (int64_t{row} * kPlanes + plane) * kStep;
+  }
+  NUQI_INLINE V* row_at(int row) { return values + 2 * kLine + offset(row); }
 
-  int32_t step, rows;
-  alignas(64) V values[kPlanes][kLine + kPlaneSize];
-
-  NUQI_INLINE V* at(int row, int64_t x, int plane = 0) {
-    return values[plane] + kLine + int64_t{row} * step + x;
+  // body(y, row) for some rows, of the first plane
+  template <class Body>
+  NUQI_INLINE void for_rows(int first, int end, const Body& body) {
+    V* row = row_at(first);
+    for (int y = first; y < end; ++y, row += offset(1)) body(y, row);
   }
 
   // Repeats the first of the columns from `from` to `to` to the left, and the last one `beyond` times, a
   // multiple of 8, to the right: as far as the second pass may read, so that no garbage raises
   // floating-point exceptions.
   NUQI_INLINE void extend(int32_t from, int32_t to, int beyond) {
-    for (int plane = 0; plane < kPlanes; ++plane)
-      for (int row = 0; row < rows; ++row) {
-        V *first = at(row, from, plane), *end = at(row, to, plane);
+    for_rows(0, rows, [&](int, V* row) NUQI_FORCED {
+      for (int plane = 0; plane < kPlanes; ++plane) {
+        V *first = row + offset(0, plane) + from, *end = row + offset(0, plane) + to;
         store(first - kLeft, broadcast<V, kLeft>(first[0]));
         const auto right = broadcast<V, 8>(end[-1]);
         for (int i = 0; i < beyond; i += 8) store(end + i, right);
       }
+    });
   }
 };
 
@@ -74,6 +83,18 @@ struct Columns {
   int32_t from, to;  // what the first pass computes
   int32_t width;     // what the second pass writes
 };
+
+// Rows from column `left` on: copies, which no store can change.
+template <int count, class T>
+struct RowsAt {
+  const T* row[count];
+};
+template <int count, class T>
+NUQI_INLINE RowsAt<count, T> rows_at(const T* const* rows, int64_t left) {
+  RowsAt<count, T> result;
+  for_each<count>([&](int i) NUQI_FORCED { result.row[i] = rows[i] + left; });
+  return result;
+}
 
 // Rows shorter than a block, copied to some of its length, the last pixel as often as that takes; or the
 // image itself.
@@ -119,7 +140,6 @@ NUQI_INLINE void for_bands(const WindowJob<T, V>& job, int half, int beyond, con
     columns = right <= Band::kMostColumns ? right : Band::kWidth;
     const Columns range = {x, x > 0 ? -half : 0, right < columns + half ? right : columns + half,
                            columns};
-    band.step = Band::step_for(columns);
     const int32_t most = Band::rows_for(columns);
     for (int32_t y = 0; y < height; y += most) {
       band.rows = height - y < most ? height - y : most;

@@ -22,53 +22,55 @@ template <int half, class T, class V>
 NUQI_PASS void down(const T* const* rows, LaplaceBand<V>& band, const Columns& columns) {
   constexpr int N = kBlock<V>, kAtOnce = LaplaceBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
   for (int first = 0; first < band.rows; first += kAtOnce) {
+    const auto from = rows_at<kRows>(rows + first, columns.left);
+    V* const to = band.row_at(first);
     for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
       Vec<V, N> m[kRows];
-      for_each<kRows>([&](int i) NUQI_FORCED {
-        m[i] = convert<V>(load<N>(rows[first + i] + columns.left + x));
-      });
+      for_each<kRows>([&](int i) NUQI_FORCED { m[i] = convert<V>(load<N>(from.row[i] + x)); });
       if constexpr (half > 1) {
         for_each<2 * half - 2>([&](int) NUQI_FORCED {
           for_each<kRows - 1>([&](int i) NUQI_FORCED { m[i] = m[i] + m[i + 1]; });
         });
       }
       for_each<kAtOnce>([&](int i) NUQI_FORCED {
-        store(band.at(first + i, x, kAboveAndBelow), m[i] + m[i + 2]);
-        store(band.at(first + i, x, kFourfold), m[i + 1] * broadcast<V, N>(4));
+        store(to + band.offset(i, kAboveAndBelow) + x, m[i] + m[i + 2]);
+        store(to + band.offset(i, kFourfold) + x, m[i + 1] * broadcast<V, N>(4));
       });
     });
   }
 }
 
-template <class V>
+template <int N, class V>
 NUQI_INLINE auto bracket(const V* diagonal, const V* middle) {
-  constexpr int N = kBlock<V>;
   return load<N>(diagonal - 1) + load<N>(diagonal + 1) - load<N>(middle);
 }
 
-// All rows' brackets before the sums of any: their loads lie between the stores of these.
+// The brackets from column -2 to width + 2, and some beyond; aligned where the image is.
 template <class V>
-NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int32_t width) {
-  for (int y = 0; y < band.rows; ++y) {
-    const V* diagonal = band.at(y, 0, kAboveAndBelow);
-    V* middle = band.at(y, 0, kFourfold);
-    for (int64_t x = -4; x < width + 2; x += kBlock<V>)
-      store(middle + x, bracket(diagonal + x, middle + x));
-  }
+NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int first, int end, int32_t width) {
+  band.for_rows(first, end, [&](int, V* diagonal) NUQI_FORCED {
+    V* middle = diagonal + band.offset(0, kFourfold);
+    store(middle - 8, bracket<8>(diagonal - 8, middle - 8));
+    for (int64_t x = 0; x < width + 2; x += kBlock<V>)
+      store(middle + x, bracket<kBlock<V>>(diagonal + x, middle + x));
+  });
 }
 
 template <int half, class V>
 NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
   constexpr int N = kBlock<V>;
-  if constexpr (half > 1) store_brackets(band, width);
-  for (int y = 0; y < band.rows; ++y) {
-    const V* diagonal = band.at(y, 0, kAboveAndBelow);
-    const V* brackets = band.at(y, 0, kBrackets);
+  // The sums' loads lie between the stores of the brackets, which ends store forwarding: hence all rows'
+  // brackets first, as long as they stay in the first cache.
+  const bool long_rows = width > 1024;
+  if (half > 1 && !long_rows) store_brackets(band, 0, band.rows, width);
+  band.for_rows(0, band.rows, [&](int y, const V* diagonal) NUQI_FORCED {
+    if (half > 1 && long_rows) store_brackets(band, y, y + 1, width);
+    const V* brackets = diagonal + band.offset(0, kBrackets);
     V* to = row_of(dst, y);
     for_whole_blocks<N>(0, width, [&](int64_t x) NUQI_FORCED {
       const auto z = [&](int k) NUQI_FORCED { return load<N>(brackets + x + k); };
       if constexpr (half == 1) {
-        const auto sum = bracket(diagonal + x, brackets + x);
+        const auto sum = bracket<N>(diagonal + x, brackets + x);
         store(to + x, sum + sum);
       } else if constexpr (half == 2) {
         const auto sum = (z(-1) + z(1)) + (z(0) + z(0));
@@ -84,7 +86,7 @@ NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
         store(to + x, sum + sum);
       }
     });
-  }
+  });
 }
 
 template <class T, class V>

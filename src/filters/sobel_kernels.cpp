@@ -46,18 +46,18 @@ NUQI_INLINE V fold(const At& at, const V (&weights)[4]) {
 template <int half, bool odd, class T, class V>
 NUQI_PASS void down(const T* const* rows, const V (&y)[4], SobelBand<V>& band,
                     const Columns& columns) {
-  constexpr int N = kBlock<V>, kAtOnce = SobelBand<V>::kAtOnce;
+  constexpr int N = kBlock<V>, kAtOnce = SobelBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
   const Vec<V, N> weights[4] = {broadcast<V, N>(y[0]), broadcast<V, N>(y[1]), broadcast<V, N>(y[2]),
                                 broadcast<V, N>(y[3])};
   for (int first = 0; first < band.rows; first += kAtOnce) {
+    const auto from = rows_at<kRows>(rows + first, columns.left);
+    V* const to = band.row_at(first);
     for_whole_blocks<N>(columns.from, columns.to, [&](int64_t x) NUQI_FORCED {
-      Vec<V, N> row[kAtOnce + 2 * half];
-      for_each<kAtOnce + 2 * half>([&](int i) NUQI_FORCED {
-        row[i] = convert<V>(load<N>(rows[first + i] + columns.left + x));
-      });
+      Vec<V, N> row[kRows];
+      for_each<kRows>([&](int i) NUQI_FORCED { row[i] = convert<V>(load<N>(from.row[i] + x)); });
       for_each<kAtOnce>([&](int i) NUQI_FORCED {
         const auto at = [&](int k) NUQI_FORCED { return row[i + half + k]; };
-        store(band.at(first + i, x), fold<half, odd>(at, weights));
+        store(to + band.offset(i) + x, fold<half, odd>(at, weights));
       });
     });
   }
@@ -69,8 +69,7 @@ NUQI_PASS void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, i
   const Vec<V, N> weights[4] = {broadcast<V, N>(x[0]), broadcast<V, N>(x[1]), broadcast<V, N>(x[2]),
                                 broadcast<V, N>(x[3])};
   const V x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3];  // or else read again after every store
-  for (int y = 0; y < band.rows; ++y) {
-    const V* from = band.at(y, 0);
+  band.for_rows(0, band.rows, [&](int y, const V* from) NUQI_FORCED {
     V* to = row_of(dst, y);
     for_whole_blocks<N>(0, width, [&](int64_t column) NUQI_FORCED {
       const auto at = [&](int k) NUQI_FORCED { return load<N>(from + column + k); };
@@ -83,7 +82,7 @@ NUQI_PASS void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, i
         store(to + column, fold<half, odd>(at, weights));
       }
     });
-  }
+  });
 }
 
 // One walk for all filters of a type: inlined into each of the 36 it would be two thirds of the code.
