@@ -30,7 +30,6 @@ budget() {
     *:derivative3x3) echo 114 ;; # seven derivatives times three walks, unrolled by four rows
     *:norm) echo 88 ;;           # 54 functions
     base:sobel) echo 50 ;;       # without byte shuffles, pixels and their neighbours widen one by one
-    base:min_max) echo 48 ;;     # every third byte by zips, signed order by comparisons
     *) echo 40 ;;
   esac
 }
@@ -50,4 +49,4 @@ library=$1/src/libnuqi.so
 dynamic=$(readelf -dW "$library") && grep -q '(SONAME)' <<<"$dynamic" || fail "$library is no shared library"
 needed=$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" | grep -vE '^(libc\.so\.6|ld-linux.*)$' || true)
 [ -z "$needed" ] || fail "libnuqi.so needs $needed"
-echo "$kernels kernel objects: tables alone; $sizes of them within their budgets; nothing runs at load; only the C library is needed"
+echo "$kernels kernel objects: tables alone; $sizes sizes checked; nothing runs at load; only the C library is needed"
