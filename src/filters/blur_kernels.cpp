@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kRows = RunningBlurJob::kRows;
 static_assert(kRows == 16);
+constexpr int kMostRepeats = 3;
 
 // The last source columns, sixteen rows each.
 struct Columns {
@@ -54,16 +55,16 @@ NUQI_INLINE void sum_rows(Columns& columns, int half, int64_t x, Px<double>& sum
 }
 
 // The sums along the rows of sixteen columns, sums[i] those of row i, become results. Row i leaves the
-// window as row i + 2 * half + 1 enters: until then those of earlier rows do, which the ring holds.
+// window as row i + 2 * half + 1 enters it; the first to leave are rows of the ring.
 template <class Part>
-NUQI_INLINE void sum_columns(const RunningBlurJob& job, const float (&sums)[kRows][16], int64_t x,
-                             Part part) {
-  const int size = 2 * job.half + 1;
+NUQI_INLINE void sum_columns(const RunningBlurJob& job,
+                             const float (&sums)[kRows + kMostRepeats][16], int64_t x, Part part) {
+  const int size = 2 * job.half + 1, count = job.count + job.repeats;
   const auto ring = [&](int i) NUQI_FORCED { return static_cast<float*>(job.ring[i]) + x; };
   const auto result = [&](int i) NUQI_FORCED { return row_of(job.dst, i - job.skipped) + x; };
   Px<float> sum;
   if (job.first) {
-    // The first row counts half + 1 times: those before it are as it is, but for the oldest.
+    // The first row counts half + 1 times; nothing leaves before it does.
     const auto top = load(sums[0]);
     for (int k = 0; k < size; ++k) store(ring(k), k <= job.half ? Px<float>{} : top, part);
     sum = top * broadcast(static_cast<float>(job.half + 1));
@@ -75,11 +76,11 @@ NUQI_INLINE void sum_columns(const RunningBlurJob& job, const float (&sums)[kRow
     if (i >= job.skipped) store(result(i), sum, part);
   };
   int i = job.first;
-  for (; i < size && i < job.count; ++i) advance(i, load(ring(i), part));
-  for (; i < job.count; ++i) advance(i, load(sums[i - size]));
+  for (; i < size && i < count; ++i) advance(i, load(ring(i), part));
+  for (; i < count; ++i) advance(i, load(sums[i - size]));
   store(ring(size), sum, part);
   for (int k = 0; k < size; ++k) {
-    const int kept = job.count - size + k;
+    const int kept = count - size + k;
     store(ring(k), kept < 0 ? load(ring(size + kept), part) : load(sums[kept]), part);
   }
 }
@@ -96,10 +97,11 @@ void running_blur(const RunningBlurJob& job) {
   auto sum = load_doubles(columns.at(0)) * broadcast(static_cast<double>(half + 1));
   for (int k = 1; k < half; ++k) sum = sum + load_doubles(columns.at(k));
 
-  alignas(64) float sums[kRows][16];
+  alignas(64) float sums[kRows + kMostRepeats][16];
   for (int64_t x = 0; x < job.width; x += 16) {
     read_block(job, x + 16, columns);
     sum_rows(columns, half, x, sum, sums[0]);
+    for (int i = 0; i < job.repeats; ++i) store(sums[job.count + i], load(sums[job.count - 1]));
     if (job.width - x >= 16)
       sum_columns(job, sums, x, Whole{});
     else
