@@ -20,13 +20,16 @@ void blur_stripe(const StripeCall<float>& call) {
   job.dst = call.dst;
   job.width = call.roi->width;
   job.ring = call.state->rows;
-  for (int64_t y = 0; y < stripe.end(); y += job.kRows) {
-    job.count = static_cast<int>(std::min<int64_t>(job.kRows, stripe.end() - y));
+  for (int64_t y = 0; y < stripe.height; y += job.kRows) {
+    job.count = static_cast<int>(std::min<int64_t>(job.kRows, stripe.height - y));
+    job.repeats =
+        y + job.count == stripe.height ? static_cast<int>(stripe.end() - y - job.count) : 0;
+    const int summed = job.count + job.repeats;
     for (int i = 0; i < job.kRows; ++i) job.rows[i] = source[y + i];
     job.first = stripe.first && y == 0;
-    job.skipped = job.first ? std::min(job.half, job.count) : 0;
+    job.skipped = job.first ? std::min(job.half, summed) : 0;
     blur_kernels().of_type<float>().running(job);
-    job.dst.data = row_of(job.dst, job.count - job.skipped);
+    job.dst.data = row_of(job.dst, summed - job.skipped);
   }
   report(call, stripe);
 }

@@ -12,6 +12,7 @@ struct RunningBlurJob {
   static constexpr int kRows = 16;
   const float* rows[kRows];  // those from `count` on are readable too
   int count;
+  int repeats;  // copies of the last row below an image: their sums are its own
   int half;
   bool first;        // rows[0] is an image's first row
   int skipped;       // rows before the first that completes a window

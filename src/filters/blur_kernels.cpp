@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kRows = RunningBlurJob::kRows;
 static_assert(kRows == 16);
+constexpr int kMostRepeats = 3;
 
 // The last source columns, sixteen rows each.
 struct Columns {
@@ -22,7 +23,8 @@ struct Columns {
   NUQI_INLINE void set(int64_t x, const Px<float>& column) { store(at(x), column); }
 };
 
-// Reads the block of columns from x on, and repeats the last one where the rows end.
+// Reads the block of columns from x on. Where the rows end, the last column is repeated as far as a
+// window around the block reaches.
 NUQI_INLINE void read_block(const RunningBlurJob& job, int64_t x, Columns& columns) {
   const int64_t rest = job.width - x;
   if (rest <= 0) return;
@@ -34,43 +36,59 @@ NUQI_INLINE void read_block(const RunningBlurJob& job, int64_t x, Columns& colum
       store(rows[row], load(job.rows[row] + x, First{int(rest)}));
     transpose([&](int row) NUQI_FORCED { return rows[row]; }, columns.at(x));
   }
-  if (rest <= 16)
-    for (int i = 0; i < job.half; ++i) columns.set(job.width + i, load(columns.at(job.width - 1)));
+  if (rest <= 16) {
+    const auto last = load(columns.at(job.width - 1));
+    for (int64_t i = rest; i < 16 + job.half; ++i) columns.set(x + i, last);
+  }
 }
 
-// The sums along the rows of sixteen columns become results. sums[2 * half + 1 + i] is row i's, and
-// what stands at sums[i] leaves the window when it enters.
+// The sums along the rows of sixteen columns from x on become rows at `to`. Unrolled, they stay in
+// registers up to their transpose.
+NUQI_INLINE void sum_rows(Columns& columns, int half, int64_t x, Px<double>& sum, float* to) {
+  Px<float> along[16];
+  for_each<16>([&](int i) NUQI_FORCED {
+    const auto enters = columns.at(x + i + half), leaves = columns.at(x + i - half - 1);
+    sum = (sum + load_doubles(enters)) - load_doubles(leaves);
+    along[i] = round_to_floats(sum);
+  });
+  transpose(along, to);
+}
+
+// The sums along the rows of sixteen columns, sums[i] those of row i, become results. Row i leaves the
+// window as row i + 2 * half + 1 enters it; the first to leave are rows of the ring.
 template <class Part>
-NUQI_INLINE void sum_columns(const RunningBlurJob& job, float (&sums)[7 + kRows][16], int64_t x,
-                             Part part) {
-  const int size = 2 * job.half + 1;
+NUQI_INLINE void sum_columns(const RunningBlurJob& job,
+                             const float (&sums)[kRows + kMostRepeats][16], int64_t x, Part part) {
+  const int size = 2 * job.half + 1, count = job.count + job.repeats;
   const auto ring = [&](int i) NUQI_FORCED { return static_cast<float*>(job.ring[i]) + x; };
   const auto result = [&](int i) NUQI_FORCED { return row_of(job.dst, i - job.skipped) + x; };
   Px<float> sum;
-  int i = 0;
   if (job.first) {
     // The first row counts half + 1 times; nothing leaves before it does.
-    const auto top = load(sums[size]);
-    for (int k = 1; k < size; ++k) store(sums[k], k <= job.half ? Px<float>{} : top);
+    const auto top = load(sums[0]);
+    for (int k = 0; k < size; ++k) store(ring(k), k <= job.half ? Px<float>{} : top, part);
     sum = top * broadcast(static_cast<float>(job.half + 1));
-    i = 1;
   } else {
-    for (int k = 0; k < size; ++k) store(sums[k], load(ring(k), part));
     sum = load(ring(size), part);
   }
-  for (; i < job.count; ++i) {
-    sum = sum + (load(sums[size + i]) - load(sums[i]));
+  const auto advance = [&](int i, const Px<float>& leaving) NUQI_FORCED {
+    sum = sum + (load(sums[i]) - leaving);
     if (i >= job.skipped) store(result(i), sum, part);
-  }
-  for (int k = 0; k < size; ++k) store(ring(k), load(sums[job.count + k]), part);
+  };
+  int i = job.first;
+  for (; i < size && i < count; ++i) advance(i, load(ring(i), part));
+  for (; i < count; ++i) advance(i, load(sums[i - size]));
   store(ring(size), sum, part);
+  for (int k = 0; k < size; ++k) {
+    const int kept = count - size + k;
+    store(ring(k), kept < 0 ? load(ring(size + kept), part) : load(sums[kept]), part);
+  }
 }
 
 void running_blur(const RunningBlurJob& job) {
   const int half = job.half;
   Columns columns;
   read_block(job, 0, columns);
-  read_block(job, 16, columns);
   const auto first = load(columns.at(0));
   for (int k = 1; k <= half; ++k) columns.set(-k, first);
   columns.set(-half - 1, Px<float>{});  // nothing leaves the first sum
@@ -79,20 +97,15 @@ void running_blur(const RunningBlurJob& job) {
   auto sum = load_doubles(columns.at(0)) * broadcast(static_cast<double>(half + 1));
   for (int k = 1; k < half; ++k) sum = sum + load_doubles(columns.at(k));
 
-  alignas(64) float along[16][kRows] = {};  // the last block may fill it in part
-  alignas(64) float sums[7 + kRows][16];
-  for (int64_t begin = 0; begin < job.width; begin += 16) {
-    if (begin > 0) read_block(job, begin + 16, columns);
-    const int64_t end = begin + 16 < job.width ? begin + 16 : job.width;
-    for (int64_t x = begin; x < end; ++x) {
-      sum = (sum + load_doubles(columns.at(x + half))) - load_doubles(columns.at(x - half - 1));
-      store(along[x - begin], round_to_floats(sum));
-    }
-    transpose([&](int column) NUQI_FORCED { return along[column]; }, sums[2 * half + 1]);
-    if (end - begin == 16)
-      sum_columns(job, sums, begin, Whole{});
+  alignas(64) float sums[kRows + kMostRepeats][16];
+  for (int64_t x = 0; x < job.width; x += 16) {
+    read_block(job, x + 16, columns);
+    sum_rows(columns, half, x, sum, sums[0]);
+    for (int i = 0; i < job.repeats; ++i) store(sums[job.count + i], load(sums[job.count - 1]));
+    if (job.width - x >= 16)
+      sum_columns(job, sums, x, Whole{});
     else
-      sum_columns(job, sums, begin, First{int(end - begin)});
+      sum_columns(job, sums, x, First{int(job.width - x)});
   }
 }
 

@@ -62,5 +62,18 @@ NUQI_INLINE void transpose(const Row& row, float* to) {
     }
 }
 
+// The same of rows in registers.
+NUQI_INLINE void transpose(const Px<float> (&rows)[16], float* to) {
+  constexpr int n = Reg<float>::kLanes;
+  for_each<16 / n>([&](int y) NUQI_FORCED {
+    for_each<16 / n>([&](int x) NUQI_FORCED {
+      Reg<float> square[n];
+      for_each<n>([&](int i) NUQI_FORCED { square[i].r[0] = rows[n * y + i].r[x]; });
+      transpose_square(square);
+      for_each<n>([&](int i) NUQI_FORCED { store(to + 16 * (n * x + i) + n * y, square[i]); });
+    });
+  });
+}
+
 }  // namespace
 }  // namespace nuqi::NUQI_ISA
