@@ -29,7 +29,6 @@ budget() {
   case $1 in
     *:derivative3x3) echo 114 ;; # seven derivatives times three walks, unrolled by four rows
     *:norm) echo 88 ;;           # 54 functions
-    base:sobel) echo 50 ;;       # without byte shuffles, pixels and their neighbours widen one by one
     *) echo 40 ;;
   esac
 }

@@ -108,14 +108,5 @@ NUQI_INLINE void for_blocks_in_turns(int64_t width, const Body& body) {
   if (x < width) body(x, First{int(width - x)}, 0);
 }
 
-// Walks the pixels from `from` to `to` for a body that may compute a pixel twice: instead of a tail, the
-// last block overlaps the one before it. body(x, First{...}) where all together are fewer than N.
-template <int N = 16, class Body>
-NUQI_INLINE void for_blocks_overlapping(int64_t from, int64_t to, const Body& body) {
-  if (to - from < N) return body(from, First{int(to - from)});
-  for (; from + N <= to; from += N) body(from, Whole{});
-  if (from < to) body(to - N, Whole{});
-}
-
 }  // namespace
 }  // namespace nuqi::NUQI_ISA
