@@ -806,7 +806,7 @@ NUQI_API StatusCode nuqiScharr_Dy_32f_C1R(const float* src, int32_t srcStep, flo
  *             a state of any type.
  * Memory      4 * roiWidth bytes, rounded up to a multiple of 32, for each of size (Sobel), size + 1
  *             (blur) or 2 * size (Laplace) rows, and about 700 bytes more. A filter call takes up to
- *             80 KB of the caller's stack.
+ *             84 KB of the caller's stack.
  * Free        nuqiConvolFree ends a state's use, and by contract leaves its memory allocated until
  *             the program ends. So do not make a state for every image: keep one and reuse it.
  * Threads     One state serves one sequence of calls at a time.

@@ -24,9 +24,8 @@ NUQI_INLINE void split_run(const T* src, T* const* planes, int64_t x, Part part)
   for_each<Run>([&](int i) NUQI_FORCED {
     out[i] = deinterleave(load_pixels<C>(src + C * (x + i * n), part));
   });
-  for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C)
-      for_each<Run>([&](int i) NUQI_FORCED { store(planes[k] + x + i * n, out[i].v[k], part); });
+  for_each<C>([&](int k) NUQI_FORCED {
+    for_each<Run>([&](int i) NUQI_FORCED { store(planes[k] + x + i * n, out[i].v[k], part); });
   });
 }
 
@@ -64,9 +63,8 @@ template <int C, int Run, class T, class Part>
 NUQI_INLINE void join_run(const T* const* planes, T* dst, int64_t x, Part part) {
   constexpr int n = Reg<T>::kLanes;
   Regs<T, C> in[Run];
-  for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C)
-      for_each<Run>([&](int i) NUQI_FORCED { in[i].v[k] = load<n>(planes[k] + x + i * n, part); });
+  for_each<C>([&](int k) NUQI_FORCED {
+    for_each<Run>([&](int i) NUQI_FORCED { in[i].v[k] = load<n>(planes[k] + x + i * n, part); });
   });
   for_each<Run>([&](int i)
                     NUQI_FORCED { store_pixels(dst + C * (x + i * n), interleave(in[i]), part); });

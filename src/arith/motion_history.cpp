@@ -3,6 +3,7 @@
 
 #include <bit>
 
+#include "core/float_order.h"
 #include "core/validate.h"
 
 namespace nuqi {
@@ -45,7 +46,7 @@ StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette, int32_t
       .history = seen,
       .roi = roi,
       .timestamp = std::bit_cast<int32_t>(timestamp),
-      .threshold = threshold_of(timestamp, duration),
+      .threshold = float_order(threshold_of(timestamp, duration)),
   };
   motion_history_kernels().update(job);
   return StatusOk;

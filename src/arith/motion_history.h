@@ -10,7 +10,8 @@ struct MotionHistoryJob {
   Image<const uint8_t> silhouette;
   Image<int32_t> history;  // bits of floats: they are copied, compared and set as integers
   RoiSize roi;
-  int32_t timestamp, threshold;  // bits of floats
+  int32_t timestamp;  // bits of a float
+  int32_t threshold;  // a key: float_order() of a float's bits
 };
 
 struct MotionHistoryKernels {

@@ -1,20 +1,16 @@
 // Stamps the pixels that move, and clears those whose motion is too old.
 #include "arith/motion_history.h"
-#include "core/simd/convert.h"
 #include "core/simd/memory.h"
 #include "core/simd/selection.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Whether floats are below the threshold, by their bits: as signed integers where its sign is clear;
-// where it is set, the other way round as unsigned ones, those with a clear sign being the smallest.
+// The float_order() of floats of the threshold's sign. Floats of the other sign get a key of their own
+// sign, which is on the right side of the threshold too.
 template <bool negative>
-NUQI_INLINE Mask<int32_t, 16> below(const Px<int32_t>& bits, const Px<int32_t>& threshold) {
-  if constexpr (negative)
-    return as<uint32_t>(bits) > as<uint32_t>(threshold);
-  else
-    return bits < threshold;
+NUQI_INLINE Px<int32_t> keys_of(const Px<int32_t>& bits) {
+  return negative ? bits ^ broadcast<int32_t>(0x7FFFFFFF) : bits;
 }
 
 template <bool negative>
@@ -26,7 +22,7 @@ void update(const MotionHistoryJob& job) {
 
     for_blocks(job.roi.width, [&](int64_t x, auto part) NUQI_FORCED {
       const auto seen = load(history + x, part);
-      const auto kept = select(below<negative>(seen, threshold), Px<int32_t>{}, seen);
+      const auto kept = select(keys_of<negative>(seen) < threshold, Px<int32_t>{}, seen);
       store(history + x, choose(load(silhouette + x, part), timestamp, kept), part);
     });
   }

@@ -18,32 +18,28 @@ template <int C, class T>
 NUQI_INLINE Regs<T, C> load_pixels(const T* from, Whole = {}) {
   constexpr int n = Reg<T>::kLanes;
   Regs<T, C> in;
-  for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C) in.v[k] = load<n>(from + k * n);
-  });
+  for_each<C>([&](int k) NUQI_FORCED { in.v[k] = load<n>(from + k * n); });
   return in;
 }
 template <class T, int C>
 NUQI_INLINE void store_pixels(T* to, const Regs<T, C>& out, Whole = {}) {
-  for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C) store(to + k * Reg<T>::kLanes, out.v[k]);
-  });
+  for_each<C>([&](int k) NUQI_FORCED { store(to + k * Reg<T>::kLanes, out.v[k]); });
 }
 
 template <int C, class T>
 NUQI_INLINE Regs<T, C> load_pixels(const T* from, First part) {
   constexpr int n = Reg<T>::kLanes;
   Regs<T, C> in;
-  for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C) in.v[k] = load<n>(from + k * n, part_from<n>(First{C * part.lanes}, k * n));
+  for_each<C>([&](int k) NUQI_FORCED {
+    in.v[k] = load<n>(from + k * n, part_from<n>(First{C * part.lanes}, k * n));
   });
   return in;
 }
 template <class T, int C>
 NUQI_INLINE void store_pixels(T* to, const Regs<T, C>& out, First part) {
   constexpr int n = Reg<T>::kLanes;
-  for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C) store(to + k * n, out.v[k], part_from<n>(First{C * part.lanes}, k * n));
+  for_each<C>([&](int k) NUQI_FORCED {
+    store(to + k * n, out.v[k], part_from<n>(First{C * part.lanes}, k * n));
   });
 }
 
@@ -53,9 +49,7 @@ NUQI_INLINE void store_pixels(T* to, const Regs<T, C>& out, First part) {
 template <class T, class S, int C>
 NUQI_INLINE Regs<T, C> recast(const Regs<S, C>& a) {
   Regs<T, C> out;
-  for_each<4>([&](int k) NUQI_FORCED {
-    if (k < C) out.v[k] = lanes_as<T>(a.v[k]);
-  });
+  for_each<C>([&](int k) NUQI_FORCED { out.v[k] = lanes_as<T>(a.v[k]); });
   return out;
 }
 
