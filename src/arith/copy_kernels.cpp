@@ -7,14 +7,14 @@ namespace nuqi::NUQI_ISA {
 namespace {
 
 // Registers of a plane that follow each other before the next plane's turn: where bytes come from beyond
-// the second cache, prefetchers and fill buffers serve a few long runs better than many short ones.
+// L2, prefetchers and fill buffers serve a few long runs better than many short ones.
 template <class T>
 constexpr int kRun = sizeof(T) == 1 ? 8 : 1;
 
 template <class T>
 NUQI_INLINE bool long_runs(RoiSize roi, int channels) {
-  constexpr int64_t kSecondCache = 1 << 21;
-  return kRun<T> > 1 && int64_t{roi.width} * roi.height * channels > kSecondCache;
+  constexpr int64_t kL2 = 1 << 21;
+  return kRun<T> > 1 && int64_t{roi.width} * roi.height * channels > kL2;
 }
 
 template <int C, int Run, class T, class Part>

@@ -1,8 +1,6 @@
 // Predicates of argument validation. Each family states its rules with them, one `if` a line.
 #pragma once
 
-#include <type_traits>
-
 #include "core/image.h"
 
 namespace nuqi {
@@ -33,12 +31,5 @@ constexpr bool bad_channel(int32_t coi) { return coi < 1 || coi > 3; }
 // The codes that tell a size query, or the maker of a state, an element type.
 constexpr int32_t k8u = 1, k8s = 2, k32f = 9;
 constexpr bool bad_data_type(int32_t type) { return type != k8u && type != k8s && type != k32f; }
-constexpr int32_t element_bytes(int32_t type) { return type == k32f ? 4 : 1; }
-template <class T>
-constexpr int32_t data_type_of() {
-  constexpr bool is_8u = std::is_same_v<T, uint8_t>, is_8s = std::is_same_v<T, int8_t>;
-  static_assert(is_8u || is_8s || std::is_same_v<T, float>);
-  return is_8u ? k8u : is_8s ? k8s : k32f;
-}
 
 }  // namespace nuqi

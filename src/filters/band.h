@@ -1,5 +1,5 @@
 // The intermediate buffer of a separable filter: a band of rows, filtered down the columns and not yet
-// along the rows, small enough to stay in the first cache.
+// along the rows, small enough to stay in L1.
 #pragma once
 
 #include "core/simd/memory.h"
@@ -13,7 +13,7 @@ namespace {
 template <class V>
 constexpr int kBlock = (kRegBytes > 32 ? kRegBytes : 32) / int{sizeof(V)};
 
-// Walks columns, N or more, in blocks: body(x). The last one goes back over columns already done.
+// Walks columns, N or more, in blocks: body(x). The last one overlaps the one before it.
 template <int N, class Body>
 NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
   for (; from < to - N; from += N) body(from);
@@ -115,7 +115,7 @@ struct Blocks {
       store(from[i], load<N>(all.rows[i], First{width}));
       store(from[i] + width, broadcast<T, N>(load_one(all.rows[i] + width - 1)));
     }
-    job = {rows, {to[0], sizeof to[0]}, {N, height}};
+    job = {.rows = rows, .dst = {to[0], sizeof to[0]}, .roi = {N, height}};
   }
   // Copies the results back.
   NUQI_INLINE void finish(const WindowJob<T, V>& all) const {

@@ -6,7 +6,7 @@
 // the left or right gives the neighbours, and the windows of two neighbours share all pixels but one.
 #pragma once
 
-#include "core/simd/byte_pairs.h"
+#include "core/simd/arithmetic.h"
 #include "core/simd/shuffle.h"
 #include "filters/blur.h"
 
@@ -124,12 +124,12 @@ class ClampedLoad {
 
 // A block that touches an end of the rows, or both.
 template <int half, int N, class T>
-__attribute__((noinline)) void end_block(const WindowJob<T, int16_t>& job, int32_t x) {
+NUQI_NOINLINE void end_block(const WindowJob<T, int16_t>& job, int32_t x) {
   walk_down<half>(ClampedLoad<half, N, T, Whole>(job.rows, x, job.roi.width, Whole{}),
                   job.dst.data + x, job.dst.step, job.roi.height, Whole{});
 }
 template <int half, int N, class T>
-__attribute__((noinline)) void only_block(const WindowJob<T, int16_t>& job) {
+NUQI_NOINLINE void only_block(const WindowJob<T, int16_t>& job) {
   const First all = {job.roi.width};
   walk_down<half>(ClampedLoad<half, N, T, First>(job.rows, 0, all.lanes, all), job.dst.data,
                   job.dst.step, job.roi.height, all);
@@ -174,8 +174,8 @@ struct PaddedRows {
       if (end == width) repeat(to + n, from[n - 1]);
     }
   }
-  __attribute__((noinline)) void fill(const T* const* rows, int count, int32_t begin, int32_t end,
-                                      int32_t width) {
+  NUQI_NOINLINE void fill(const T* const* rows, int count, int32_t begin, int32_t end,
+                          int32_t width) {
     const int32_t n = end - begin;
     if (n >= kRegBytes) return copy<Reg<T> >(rows, count, begin, end, width);
     if (n >= 16) return copy<Vec<T, 16> >(rows, count, begin, end, width);
@@ -185,8 +185,7 @@ struct PaddedRows {
 };
 
 template <int half, int N, class T, class Part>
-__attribute__((noinline)) void padded_block(const T* from, int16_t* to, int32_t step, int count,
-                                            Part part) {
+NUQI_NOINLINE void padded_block(const T* from, int16_t* to, int32_t step, int count, Part part) {
   walk_down<half>([&](int y, int k)
                       NUQI_FORCED { return load<N>(from + y * PaddedRows<T>::kStep + 2 * k); },
                   to, step, count, part);

@@ -35,22 +35,20 @@ NUQI_INLINE void walk_down(const DerivativeJob<T>& job, int64_t x, int32_t first
 }
 
 // Not inlined: in one function every loop would pay for the constants of all.
-#define NUQI_APART __attribute__((noinline))
-
 template <Derivative derivative, class T>
-NUQI_APART void walk_narrow(const DerivativeJob<T>& job) {
+NUQI_NOINLINE void walk_narrow(const DerivativeJob<T>& job) {
   walk_down<derivative>(job, 0, 0, job.roi.height, AtEnds{true, true}, First{job.roi.width});
 }
 
 template <Derivative derivative, class T>
-NUQI_APART void walk_ends(const DerivativeJob<T>& job, int64_t x, int32_t first, int32_t last,
-                          AtEnds ends) {
+NUQI_NOINLINE void walk_ends(const DerivativeJob<T>& job, int64_t x, int32_t first, int32_t last,
+                             AtEnds ends) {
   walk_down<derivative>(job, x, first, last, ends, Whole{});
 }
 
 template <Derivative derivative, class T>
-NUQI_APART void walk_inside(const DerivativeJob<T>& job, int64_t begin, int64_t end, int32_t first,
-                            int32_t last) {
+NUQI_NOINLINE void walk_inside(const DerivativeJob<T>& job, int64_t begin, int64_t end,
+                               int32_t first, int32_t last) {
   for (int64_t x = begin; x < end; x += Column<T>::kLanes)
     walk_down<derivative>(job, x, first, last, Inside{}, Whole{});
 }
@@ -59,7 +57,7 @@ NUQI_APART void walk_inside(const DerivativeJob<T>& job, int64_t begin, int64_t 
 // around a band weigh. More rows at once are more streams than the prefetchers follow.
 template <class T>
 NUQI_INLINE int32_t rows_of_band(int32_t width) {
-  constexpr int32_t kCache = 32768, kFewest = sizeof(T) == 1 ? 16 : 8;
+  constexpr int32_t kCache = 32768, kFewest = kIsFloat<T> ? 8 : 16;
   constexpr int32_t kPixel = sizeof(T) + sizeof(FilterResult<T>);
   return width > kCache / kPixel / kFewest ? kFewest : kCache / (width * kPixel) / 4 * 4;
 }

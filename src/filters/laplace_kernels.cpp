@@ -13,13 +13,11 @@ namespace {
 // two the bracket above.
 enum Plane { kAboveAndBelow, kFourfold, kBrackets = kFourfold };
 template <class V>
-using LaplaceBand = Band<V, sizeof(V) == 2 ? 8 : 4, 2>;
+using LaplaceBand = Band<V, kIsFloat<V> ? 4 : 8, 2>;
 
-// Functions of their own: signed and unsigned bytes share the second pass, all sizes the walk.
-#define NUQI_PASS __attribute__((noinline))
-
+// Passes are not inlined: signed and unsigned bytes share the second one, all sizes the walk.
 template <int half, class T, class V>
-NUQI_PASS void down(const T* const* rows, LaplaceBand<V>& band, const Columns& columns) {
+NUQI_NOINLINE void down(const T* const* rows, LaplaceBand<V>& band, const Columns& columns) {
   constexpr int N = kBlock<V>, kAtOnce = LaplaceBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
   for (int first = 0; first < band.rows; first += kAtOnce) {
     const auto from = rows_at<kRows>(rows + first, columns.left);
@@ -57,10 +55,10 @@ NUQI_INLINE void store_brackets(LaplaceBand<V>& band, int first, int end, int32_
 }
 
 template <int half, class V>
-NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
+NUQI_NOINLINE void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
   constexpr int N = kBlock<V>;
   // The sums' loads lie between the stores of the brackets, which ends store forwarding: hence all rows'
-  // brackets first, as long as they stay in the first cache.
+  // brackets first, as long as they stay in L1.
   const bool long_rows = width > 1024;
   if (half > 1 && !long_rows) store_brackets(band, 0, band.rows, width);
   band.for_rows(0, band.rows, [&](int y, const V* diagonal) NUQI_FORCED {
@@ -75,7 +73,7 @@ NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
       } else if constexpr (half == 2) {
         const auto sum = (z(-1) + z(1)) + (z(0) + z(0));
         store(to + x, sum + sum);
-      } else if constexpr (sizeof(V) == 2) {
+      } else if constexpr (!kIsFloat<V>) {
         auto sum = add_neighbours<N>({}, brackets + x - 2, 2, 8);
         sum = add_neighbours(sum, brackets + x, 12, 8);
         sum = add_neighbours(sum, brackets + x + 2, 2, 0);
@@ -90,8 +88,8 @@ NUQI_PASS void along(LaplaceBand<V>& band, const Image<V>& dst, int32_t width) {
 }
 
 template <class T, class V>
-NUQI_PASS void walk(const WindowJob<T, V>& job, int half, decltype(down<1, T, V>)* down_rows,
-                    decltype(along<1, V>)* along_rows) {
+NUQI_NOINLINE void walk(const WindowJob<T, V>& job, int half, decltype(down<1, T, V>)* down_rows,
+                        decltype(along<1, V>)* along_rows) {
   using Band = LaplaceBand<V>;
   for_bands<Band>(
       job, half, half == 1 ? 8 : Band::kRight,

@@ -10,9 +10,6 @@ namespace {
 template <class V>
 using SobelBand = Band<V, 4>;
 
-// The two passes are functions of their own: 18 and 12 of them make the 36 filters.
-#define NUQI_PASS __attribute__((noinline))
-
 template <int N>
 NUQI_INLINE Vec<int16_t, N> plus(const Vec<int16_t, N>& a, const Vec<int16_t, N>& b) {
   return add_saturated(a, b);
@@ -43,9 +40,10 @@ NUQI_INLINE V fold(const At& at, const V (&weights)[4]) {
   return sum;
 }
 
+// The two passes are not inlined: 18 and 12 of them make the 36 filters.
 template <int half, bool odd, class T, class V>
-NUQI_PASS void down(const T* const* rows, const V (&y)[4], SobelBand<V>& band,
-                    const Columns& columns) {
+NUQI_NOINLINE void down(const T* const* rows, const V (&y)[4], SobelBand<V>& band,
+                        const Columns& columns) {
   constexpr int N = kBlock<V>, kAtOnce = SobelBand<V>::kAtOnce, kRows = kAtOnce + 2 * half;
   const Vec<V, N> weights[4] = {broadcast<V, N>(y[0]), broadcast<V, N>(y[1]), broadcast<V, N>(y[2]),
                                 broadcast<V, N>(y[3])};
@@ -64,7 +62,7 @@ NUQI_PASS void down(const T* const* rows, const V (&y)[4], SobelBand<V>& band,
 }
 
 template <int half, bool odd, class V>
-NUQI_PASS void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, int32_t width) {
+NUQI_NOINLINE void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, int32_t width) {
   constexpr int N = kBlock<V>;
   const Vec<V, N> weights[4] = {broadcast<V, N>(x[0]), broadcast<V, N>(x[1]), broadcast<V, N>(x[2]),
                                 broadcast<V, N>(x[3])};
@@ -73,7 +71,7 @@ NUQI_PASS void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, i
     V* to = row_of(dst, y);
     for_whole_blocks<N>(0, width, [&](int64_t column) NUQI_FORCED {
       const auto at = [&](int k) NUQI_FORCED { return load<N>(from + column + k); };
-      if constexpr (half == 3 && sizeof(V) == 2) {
+      if constexpr (half == 3 && !kIsFloat<V>) {
         // Only the pairs fit 16 bits.
         auto sum = add_pairs({}, pair<odd>(at, 3), pair<odd>(at, 2), x3, x2);
         sum = add_pairs(sum, pair<odd>(at, 1), at(0), x1, x0);
@@ -87,9 +85,9 @@ NUQI_PASS void along(SobelBand<V>& band, const V (&x)[4], const Image<V>& dst, i
 
 // One walk for all filters of a type: inlined into each of the 36 it would be two thirds of the code.
 template <class T, class V>
-NUQI_PASS void walk(const WindowJob<T, V>& job, const SobelWeights<V>& weights, int half,
-                    decltype(down<1, true, T, V>)* down_rows,
-                    decltype(along<1, true, V>)* along_rows) {
+NUQI_NOINLINE void walk(const WindowJob<T, V>& job, const SobelWeights<V>& weights, int half,
+                        decltype(down<1, true, T, V>)* down_rows,
+                        decltype(along<1, true, V>)* along_rows) {
   for_bands<SobelBand<V>>(
       job, half, SobelBand<V>::kRight,
       [&](SobelBand<V>& band, const T* const* rows, const Columns& columns)

@@ -39,7 +39,7 @@ StatusCode check(const StripeCall<T>& call, int (*buffers_for)(int size)) {
   if (state->pending != 0 && !starts_image(phase))                 return StatusUnsupported;
   if (4 * int64_t{roi->width} > row_pitch(*state))                 return StatusBadSize;
   if (row_buffers(*state) < buffers_for(size_of(*state)))          return StatusBadContext;
-  if (lacks_coefficients(*state))                                       return StatusBadContext;
+  if (lacks_coefficients(*state))                                  return StatusBadContext;
   // clang-format on
   return StatusOk;
 }

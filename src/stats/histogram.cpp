@@ -1,5 +1,6 @@
 // The histograms: nuqiCalcHist, nuqiConvertHist1D.
 #include "stats/histogram.h"
+
 #include "core/validate.h"
 
 namespace nuqi {
@@ -137,7 +138,7 @@ constexpr int kBlock = 256;    // pixels whose places are found at a time
 bool fits_small_tables(const JointJob& job) {
   const int64_t places = (int64_t{job.across} + 1) * (int64_t{job.down} + 1);
   return job.across < INT8_MAX && job.down <= UINT8_MAX && places <= kPlaces &&
-         // Clearing the tables and adding them up takes as long as counting five pixels a place.
+         // Clearing the tables and adding them up pays from about six pixels a place on.
          8 * places <= int64_t{job.roi.width} * job.roi.height &&
          // Counters that overlap in part cannot be added up in another order than that of the pixels.
          job.hist.step % int32_t{sizeof(int32_t)} == 0;

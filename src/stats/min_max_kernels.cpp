@@ -62,7 +62,7 @@ class Best {
   // Whether floats of both signs have been met.
   NUQI_INLINE bool mixed() const { return kIsFloat<T> && mixed_; }
   // Whether they have just been.
-  NUQI_INLINE bool turn(const Extremes& seen) {
+  NUQI_INLINE bool becomes_mixed(const Extremes& seen) {
     if (!kIsFloat<T> || mixed_ || bits_below(seen.low ^ seen.high, Keys{}) == 0) return false;
     return mixed_ = true;
   }
@@ -75,7 +75,7 @@ class Best {
   struct New {
     bool low, high;
   };
-  __attribute__((noinline)) New take(const Extremes* after, int chunks) {
+  NUQI_NOINLINE New take(const Extremes* after, int chunks) {
     const Extremes& seen = after[chunks - 1];
     const Key old_low = low.key, old_high = high.key;
     low.key = reduce_min(seen.low);
@@ -130,7 +130,7 @@ NUQI_INLINE void for_blocks_to_end(int64_t from, int64_t to, const Body& body) {
 
 // The place of the first pixel that is selected, or -1. Not inlined: all types share it.
 template <int kLanes>
-__attribute__((noinline)) int64_t first_selected(const Image<const uint8_t>& mask, RoiSize roi) {
+NUQI_NOINLINE int64_t first_selected(const Image<const uint8_t>& mask, RoiSize roi) {
   for (int64_t y = 0; y < roi.height; ++y) {
     int64_t found = -1;
     for_blocks_to_end<kLanes>(0, roi.width, [&](int64_t x, auto part) NUQI_FORCED {
@@ -203,7 +203,7 @@ class Search {
       return all_pixels(row, x, part);
   }
   // Narrow images alone have such blocks.
-  __attribute__((noinline)) Keys pixels(const Row& row, int64_t x, First part) const {
+  NUQI_NOINLINE Keys pixels(const Row& row, int64_t x, First part) const {
     return choose(mask(row, x, part), all_pixels(row, x, part), Best<T>::all(first_));
   }
   template <bool mixed, class Part>
@@ -246,7 +246,7 @@ class Search {
       const Extremes before = seen;
       const int64_t next = to - x < kChunk ? to : x + kChunk;
       seen = best_.mixed() ? scan<true>(pixels, x, next, seen) : scan<false>(pixels, x, next, seen);
-      if (best_.turn(seen)) {
+      if (best_.becomes_mixed(seen)) {
         seen = before;
         continue;
       }
@@ -264,7 +264,7 @@ class Search {
     found.place = place_of(found.key, y, from + found.place * kChunk);
   }
   // Of the first pixel with this key in row y, at x or later.
-  __attribute__((noinline)) int64_t place_of(Key key, int64_t y, int64_t x) const {
+  NUQI_NOINLINE int64_t place_of(Key key, int64_t y, int64_t x) const {
     const Keys pixel = Best<T>::all(Best<T>::flipped(key));
     int64_t found = -1;
     for_blocks_to_end<kLanes>(x, job_.roi.width, [&](int64_t at, auto part) NUQI_FORCED {

@@ -54,6 +54,15 @@ NUQI_INLINE Vec<int16_t, N / 2> multiply_pairs(const Vec<T, N>& a) {
   });
 }
 
+// even + odd of every two bytes.
+template <class T, int N>
+NUQI_INLINE Vec<int16_t, N / 2> pair_sums(const Vec<T, N>& a) {
+  if constexpr (Machine::kMultipliesBytes)
+    return multiply_pairs<1, 1>(a);
+  else
+    return even_bytes(a) + odd_bytes(a);
+}
+
 // sum + a * a, where the square is exact: then a fused operation is the same and saves one.
 template <class T, int N>
 NUQI_INLINE Vec<T, N> add_exact_square(const Vec<T, N>& sum, const Vec<T, N>& a) {

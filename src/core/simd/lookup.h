@@ -1,4 +1,5 @@
-// Tables of bytes held in registers, for machines that permute bytes across them.
+// Tables of bytes held in registers, and sums of their entries, for machines that permute bytes across
+// registers.
 #pragma once
 
 #include "core/simd/vec.h"

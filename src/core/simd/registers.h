@@ -6,8 +6,9 @@
 
 #include <stdint.h>
 
-#define NUQI_FORCED __attribute__((always_inline))
-#define NUQI_INLINE NUQI_FORCED inline
+#define NUQI_NOINLINE __attribute__((noinline))
+#define NUQI_FORCED   __attribute__((always_inline))
+#define NUQI_INLINE   NUQI_FORCED inline
 
 namespace nuqi::NUQI_ISA {
 namespace {

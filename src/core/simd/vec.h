@@ -30,10 +30,6 @@ using Px = Vec<T, 16>;
 template <class T>
 using Reg = Vec<T, kRegBytes / int{sizeof(T)}>;
 
-// Vectors of T as long as V.
-template <class T, class V>
-using Like = Vec<T, V::kLanes>;
-
 // What comparing vectors of T gives: lanes with all bits set, or none.
 template <class T, int N>
 using Mask = Vec<typename IntOf<sizeof(T)>::Type, N>;
