@@ -197,6 +197,26 @@ TEST_P(JointHistogram, ClearsByCountNotByRows) {
     expect_joint({{60, 5}}, {0, 128, 256}, {0, 100, 200, 256}, step);
 }
 
+// Where counters overlap, the order of pixels shows as soon as one overflows: the upper half of counter
+// (1, 0) is the lower half of counter (0, 1) here.
+TEST_P(JointHistogram, OverlappingCountersCountInTheOrderOfPixels) {
+  const std::vector<uint8_t> lower = {50, 150}, upper = {200, 50}, other = {50, 220};
+  std::vector<uint8_t> src;
+  const auto add = [&](int count, const std::vector<uint8_t>& pixel) {
+    for (int i = 0; i < count; ++i) src.insert(src.end(), pixel.begin(), pixel.end());
+  };
+  add(65534, lower), add(65535, upper), add(1, other), add(1, lower), add(1, upper);
+  const Levels across = {0, 128, 256}, down = {0, 100, 200, 256};
+  const int32_t counts[2] = {2, 3}, levels[7] = {0, 128, 256, 0, 100, 200, 256};
+  const int width = static_cast<int>(src.size() / 2);
+  std::vector<uint8_t> hist(48, 0x11), expected = hist;
+  joint_histogram_reference(src, across, down, 6, expected);
+  ASSERT_EQ(nuqiCalcHist_8u_C2R(src.data(), 2 * width, {width, 1},
+                                reinterpret_cast<int32_t*>(hist.data()), 6, counts, levels),
+            StatusOk);
+  EXPECT_EQ(expected, hist);
+}
+
 TEST_P(JointHistogram, RowsOfCountersMayLieFarApart) {
   if (!far_rows_fit()) GTEST_SKIP() << "no room for rows 2^31 bytes apart";
   WalledImage<int32_t> hist("histogram", Case{{2, 4}, Wall::before, {kFarApart}});
