@@ -977,6 +977,80 @@ NUQI_API StatusCode nuqiCanny_16s8u_C1R(const int16_t* dx, int32_t dxStep, const
                                         int32_t dyStep, uint8_t* dst, int32_t dstStep, RoiSize roi,
                                         float low, float high, void* buffer);
 
+/* ---- Corners ---------------------------------------------------------------------------------
+ *
+ * How much a picture changes around each pixel, and in which directions. dx and dy being its first
+ * derivatives, the sums of their products over a window make a matrix
+ *
+ *   [ Sxx Sxy ]      Sxx = sum of dx * dx,  Sxy = sum of dx * dy,  Syy = sum of dy * dy
+ *   [ Sxy Syy ]
+ *
+ * whose eigenvalues tell flat regions (both small) from edges (one large) and corners (both large).
+ * MinEigenVal gives the smaller one, a corner's strength; EigenValsVecs both and their directions.
+ *
+ * Shapes      8u, 8s or 32f, one channel; dst 32f. MinEigenVal: one float a pixel, and dstStep at least
+ *             4 * width. EigenValsVecs: six floats a pixel, l1 l2 x1 y1 x2 y2, the eigenvalues and
+ *             the unit eigenvectors (x1, y1) of l1 and (x2, y2) of l2; dstStep at least 24 * width.
+ *             srcStep, in bytes, need not be a multiple of the element size. Pixels beyond an edge
+ *             equal the edge pixel, and so do derivatives.
+ * Sizes       apertureSize is that of the Sobel kernels, blockSize that of the window: 3, 5 or 7.
+ *             nuqiMinEigenVal_8u32f_C1R and _8s32f_C1R sum over a window of apertureSize, while their
+ *             scale is that of blockSize.
+ * Scale       All results are multiplied by 1 / (2^(2 * (apertureSize - 1)) * 255 * blockSize^2),
+ *             floats' too: scale pictures of floats to 0..255. Of pictures in 0..1
+ *             nuqiEigenValsVecs_32f_C1R gives 0 nearly everywhere.
+ * Arithmetic  Bit for bit that of nuqiSobel_* with orders (1, 0) and (0, 1) and of nuqiBlur_32f_C1R:
+ *             derivatives of bytes saturate where they exceed 16 bits, each product is rounded to a
+ *             float, and the sums run, so that what large values leave in them stays in the column's
+ *             later rows. A NaN or an infinity in a 32f source spoils the results near it and to their
+ *             right and below. Then, in double precision, every operation rounding once and the
+ *             result once more to a float:
+ *               MinEigenVal      a = 0.5 * Sxx, b = Sxy, c = 0.5 * Syy
+ *                                ((a + c) - sqrt(b * b + (a - c) * (a - c))) * scale
+ *                                It is not clamped: rounding can leave it slightly below 0.
+ *               EigenValsVecs    a = Sxx * scale, b = Sxy * scale, c = Syy * scale, M = max(a, c)
+ *                                1. min(a, c) < 0.01 * M: six zeros.
+ *                                2. |b| < 0.01 * M: a c 1 0 0 1, in this order even where a < c.
+ *                                3. d = a * c - b * b; d < 0.01 * M: six zeros. A product is held
+ *                                   against a single value here: that is why floats in 0..1 fail.
+ *                                4. t = a + c, D = sqrt(t * t - 4 * d), l1 = (t + D) * 0.5 and
+ *                                   l2 = (t - D) * 0.5; for each l, n = sqrt(b * b + (l - a) * (l - a)),
+ *                                   or 2^-23 where that is 0, and the vector is (b / n, (l - a) / n).
+ * Buffer      nuqiMinEigenValGetSize and nuqiEigenValsVecsGetSize, two names of one function, give its
+ *             size in bytes: 96 * roiWidth, whatever the sizes. It needs no alignment and no initial
+ *             content. Nothing else is allocated.
+ * Overlap     Source, destination and buffer must not overlap.
+ * Statuses    Size queries: 1. StatusBadSize: roiWidth below 1 or above 22369621, or a size that is
+ *                not 3, 5 or 7.
+ *                2. StatusNullPtr: the size pointer is null.
+ *             Others: 1. StatusNullPtr: source, destination or buffer is null.
+ *                2. StatusBadSize: width or height below 1, a step below its row's bytes, dstStep not a
+ *                   multiple of 4, a size that is not 3, 5 or 7.
+ * Method      J. Shi and C. Tomasi, "Good features to track", CVPR 1994.
+ */
+NUQI_API StatusCode nuqiMinEigenValGetSize(int32_t roiWidth, int32_t apertureSize,
+                                           int32_t blockSize, int32_t* size);
+NUQI_API StatusCode nuqiEigenValsVecsGetSize(int32_t roiWidth, int32_t apertureSize,
+                                             int32_t blockSize, int32_t* size);
+NUQI_API StatusCode nuqiMinEigenVal_8u32f_C1R(const uint8_t* src, int32_t srcStep, float* dst,
+                                              int32_t dstStep, RoiSize roi, int32_t apertureSize,
+                                              int32_t blockSize, void* buffer);
+NUQI_API StatusCode nuqiMinEigenVal_8s32f_C1R(const int8_t* src, int32_t srcStep, float* dst,
+                                              int32_t dstStep, RoiSize roi, int32_t apertureSize,
+                                              int32_t blockSize, void* buffer);
+NUQI_API StatusCode nuqiMinEigenVal_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                            int32_t dstStep, RoiSize roi, int32_t apertureSize,
+                                            int32_t blockSize, void* buffer);
+NUQI_API StatusCode nuqiEigenValsVecs_8u32f_C1R(const uint8_t* src, int32_t srcStep, float* dst,
+                                                int32_t dstStep, RoiSize roi, int32_t apertureSize,
+                                                int32_t blockSize, void* buffer);
+NUQI_API StatusCode nuqiEigenValsVecs_8s32f_C1R(const int8_t* src, int32_t srcStep, float* dst,
+                                                int32_t dstStep, RoiSize roi, int32_t apertureSize,
+                                                int32_t blockSize, void* buffer);
+NUQI_API StatusCode nuqiEigenValsVecs_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                              int32_t dstStep, RoiSize roi, int32_t apertureSize,
+                                              int32_t blockSize, void* buffer);
+
 #ifdef __cplusplus
 }
 #endif

@@ -3,8 +3,9 @@
 
 namespace nuqi {
 
-// Without optimisation GCC calls sqrt(), which would make the library need libm.
-inline double square_root(double x) {
+// Without optimisation GCC calls sqrt(), which would make the library need libm. Forced inline, since
+// kernels call it: see row_of.
+__attribute__((always_inline)) inline double square_root(double x) {
   double root;
 #if defined(__SSE2__)
   __asm__("sqrtsd %1, %0" : "=x"(root) : "x"(x));

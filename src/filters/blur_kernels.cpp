@@ -1,31 +1,20 @@
 // Sums of 3x3, 5x5 or 7x7 pixels.
-#include "core/simd/convert.h"
-#include "core/simd/transpose.h"
 #include "filters/blur.h"
 #include "filters/blur_bytes.h"
+#include "filters/running_sums.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// ---- Floats. A sum along a row is a chain of additions by contract: sixteen rows walk in step, a lane
-// each, and are turned back into rows sixteen columns at a time.
+// ---- Floats
 
 constexpr int kRows = RunningBlurJob::kRows;
 static_assert(kRows == 16);
 constexpr int kMostRepeats = 3;
 
-// The last source columns, sixteen rows each.
-struct Columns {
-  static constexpr int kCount = 64;  // those of three blocks are in use at once
-  alignas(64) float values[kCount][kRows];
-
-  NUQI_INLINE float* at(int64_t x) { return values[x & (kCount - 1)]; }
-  NUQI_INLINE void set(int64_t x, const Px<float>& column) { store(at(x), column); }
-};
-
 // Reads the block of columns from x on. Where the rows end, the last column is repeated as far as a
 // window around the block reaches.
-NUQI_INLINE void read_block(const RunningBlurJob& job, int64_t x, Columns& columns) {
+NUQI_INLINE void read_block(const RunningBlurJob& job, int64_t x, const RunningColumns& columns) {
   const int64_t rest = job.width - x;
   if (rest <= 0) return;
   if (rest >= 16) {
@@ -40,18 +29,6 @@ NUQI_INLINE void read_block(const RunningBlurJob& job, int64_t x, Columns& colum
     const auto last = load(columns.at(job.width - 1));
     for (int64_t i = rest; i < 16 + job.half; ++i) columns.set(x + i, last);
   }
-}
-
-// The sums along the rows of sixteen columns from x on become rows at `to`. Unrolled, they stay in
-// registers up to their transpose.
-NUQI_INLINE void sum_rows(Columns& columns, int half, int64_t x, Px<double>& sum, float* to) {
-  Px<float> along[16];
-  for_each<16>([&](int i) NUQI_FORCED {
-    const auto enters = columns.at(x + i + half), leaves = columns.at(x + i - half - 1);
-    sum = (sum + load_doubles(enters)) - load_doubles(leaves);
-    along[i] = round_to_floats(sum);
-  });
-  transpose(along, to);
 }
 
 // The sums along the rows of sixteen columns, sums[i] those of row i, become results. Row i leaves the
@@ -87,16 +64,10 @@ NUQI_INLINE void sum_columns(const RunningBlurJob& job,
 
 void running_blur(const RunningBlurJob& job) {
   const int half = job.half;
-  Columns columns;
+  alignas(64) float values[RunningColumns::kCount][kRows];
+  const RunningColumns columns = {values};
   read_block(job, 0, columns);
-  const auto first = load(columns.at(0));
-  for (int k = 1; k <= half; ++k) columns.set(-k, first);
-  columns.set(-half - 1, Px<float>{});  // nothing leaves the first sum
-
-  // The first sum but for its last column.
-  auto sum = load_doubles(columns.at(0)) * broadcast(static_cast<double>(half + 1));
-  for (int k = 1; k < half; ++k) sum = sum + load_doubles(columns.at(k));
-
+  auto sum = columns.start(half);
   alignas(64) float sums[kRows + kMostRepeats][16];
   for (int64_t x = 0; x < job.width; x += 16) {
     read_block(job, x + 16, columns);

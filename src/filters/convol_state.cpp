@@ -9,8 +9,6 @@
 namespace nuqi {
 namespace {
 
-constexpr bool is_size(int32_t size) { return size == 3 || size == 5 || size == 7; }
-
 // A state without coefficients; null when out of memory.
 ConvolState* new_state(int32_t width, int32_t size, int buffers, int32_t kind) {
   const int64_t row_bytes = (4 * int64_t{width} + 31) / 32 * 32;

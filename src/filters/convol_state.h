@@ -18,6 +18,8 @@ static_assert(sizeof(void*) != 4 || sizeof(ConvolState) == 588);
 
 namespace nuqi {
 
+constexpr bool is_size(int32_t size) { return size == 3 || size == 5 || size == 7; }
+
 inline int size_of(const ConvolState& state) { return state.kind / 8; }
 
 inline int row_buffers(const ConvolState& state) {

@@ -63,6 +63,12 @@ NUQI_INLINE Vec<int16_t, N / 2> pair_sums(const Vec<T, N>& a) {
     return even_bytes(a) + odd_bytes(a);
 }
 
+// Correctly rounded; NaN below zero.
+template <int N>
+NUQI_INLINE Vec<double, N> square_root(const Vec<double, N>& a) {
+  return generate<Vec<double, N>>([&](int i) NUQI_FORCED { return machine::square_root(a.r[i]); });
+}
+
 // sum + a * a, where the square is exact: then a fused operation is the same and saves one.
 template <class T, int N>
 NUQI_INLINE Vec<T, N> add_exact_square(const Vec<T, N>& sum, const Vec<T, N>& a) {

@@ -84,8 +84,9 @@ NUQI_INLINE Px<double> to_doubles(const Px<float>& a) {
 }
 
 // Rounds to floats.
-NUQI_INLINE Px<float> round_to_floats(const Px<double>& a) {
-  return generate<Px<float>>(
+template <int N>
+NUQI_INLINE Vec<float, N> round_to_floats(const Vec<double, N>& a) {
+  return generate<Vec<float, N>>(
       [&](int i) NUQI_FORCED { return machine::round_to_floats(a.r[2 * i], a.r[2 * i + 1]); });
 }
 
@@ -93,10 +94,11 @@ NUQI_INLINE Px<float> round_to_floats(const Px<double>& a) {
 NUQI_INLINE Px<double> load_doubles(const float* from, First part) {
   return to_doubles(load(from, part));
 }
-NUQI_INLINE Px<double> load_doubles(const float* from, Whole = {}) {
-  using Out = Px<double>;
+template <int N = 16>
+NUQI_INLINE Vec<double, N> load_doubles(const float* from, Whole = {}) {
+  using Out = Vec<double, N>;
   return generate<Out>([&](int i) NUQI_FORCED {
-    return machine::load_doubles<Out::Native>(from + i * Out::kLanesPerReg);
+    return machine::load_doubles<typename Out::Native>(from + i * Out::kLanesPerReg);
   });
 }
 

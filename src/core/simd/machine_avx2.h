@@ -124,6 +124,11 @@ NUQI_INLINE auto sum_eights(const V& a) {
   return (NativeAs<uint64_t, V>)_mm256_sad_epu8((__m256i)a, __m256i{});
 }
 
+template <Ymm V>
+NUQI_INLINE V square_root(const V& a) {
+  return (V)_mm256_sqrt_pd((__m256d)a);
+}
+
 // ---- Shuffles
 
 template <Ymm V>

@@ -168,6 +168,11 @@ NUQI_INLINE V add_exact_square(const V& sum, const V& a) {
     return (V)_mm512_fmadd_pd((__m512d)a, (__m512d)a, (__m512d)sum);
 }
 
+template <Zmm V>
+NUQI_INLINE V square_root(const V& a) {
+  return (V)_mm512_maskz_sqrt_pd(0xFF, (__m512d)a);  // see round_to_floats
+}
+
 // ---- Shuffles
 
 template <AnyRegister V>

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/simd/registers.h"
+#include "core/square_root.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
@@ -248,6 +249,12 @@ NUQI_INLINE auto sum_eights(const V& a) {
 template <class V>
 NUQI_INLINE V clear_sign(const V& a) {
   return (V)((NativeAs<int32_t, V>)a & 0x7FFFFFFF);
+}
+
+// Of doubles.
+template <class V>
+NUQI_INLINE V square_root(const V& a) {
+  return V{nuqi::square_root(a[0]), nuqi::square_root(a[1])};
 }
 
 // sum + a * a where squares are exact, so that a fused operation gives the same.

@@ -67,6 +67,11 @@ NUQI_INLINE auto sum_eights(const V& a) {
   return (NativeAs<uint64_t, V>)_mm_sad_epu8((__m128i)a, __m128i{});
 }
 
+template <Xmm V>
+NUQI_INLINE V square_root(const V& a) {
+  return (V)_mm_sqrt_pd((__m128d)a);
+}
+
 // ---- Predicates
 
 template <Xmm V>

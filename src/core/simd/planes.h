@@ -1,4 +1,4 @@
-// Pixels of three or four channels: interleaved as they lie, or a register for each channel.
+// Pixels of three, four or six channels: interleaved as they lie, or a register for each channel.
 #pragma once
 
 #include "core/simd/memory.h"
@@ -296,6 +296,36 @@ NUQI_INLINE Regs<T, C> interleave(const Regs<T, C>& planes) {
     return interleave_by_shuffles(planes);
   else
     return interleave_by_zips(planes);
+}
+
+// ---- Six floats a pixel
+
+// Of three registers of 64-bit lanes, register k of the lanes a0 b0 c0 a1 b1 c1 ...
+template <int k, class Native, int... I>
+NUQI_INLINE Native interleave_at(const Native& a, const Native& b, const Native& c, Indices<I...>) {
+  constexpr int n = sizeof...(I);
+  constexpr auto channel = [](int lane) { return (k * n + lane) % 3; };
+  constexpr auto pixel = [](int lane) { return (k * n + lane) / 3; };
+  const auto ab = __builtin_shufflevector(a, b, (pixel(I) + (channel(I) == 1 ? n : 0))...);
+  return __builtin_shufflevector(ab, c, (channel(I) == 2 ? n + pixel(I) : I)...);
+}
+
+// Pixels of six floats, value i of all of them in a[i].
+NUQI_INLINE void store_six(float* to, const Reg<float> (&a)[6]) {
+  constexpr int n = Reg<float>::kLanes;
+  const typename UpTo<n>::Type lanes;
+  const typename UpTo<n / 2>::Type pairs;
+  const auto pair = [&](int first, int half) NUQI_FORCED {
+    const auto &x = a[first].r[0], &y = a[first + 1].r[0];
+    return (Reg<double>::Native)(half == 0 ? zip_low(x, y, lanes) : zip_high(x, y, lanes));
+  };
+  for_each<2>([&](int half) NUQI_FORCED {
+    const auto x = pair(0, half), y = pair(2, half), z = pair(4, half);
+    double* const at = (double*)(to + 3 * n * half);
+    store(at, Reg<double>{{interleave_at<0>(x, y, z, pairs)}});
+    store(at + n / 2, Reg<double>{{interleave_at<1>(x, y, z, pairs)}});
+    store(at + n, Reg<double>{{interleave_at<2>(x, y, z, pairs)}});
+  });
 }
 
 }  // namespace
