@@ -1051,6 +1051,51 @@ NUQI_API StatusCode nuqiEigenValsVecs_32f_C1R(const float* src, int32_t srcStep,
                                               int32_t dstStep, RoiSize roi, int32_t apertureSize,
                                               int32_t blockSize, void* buffer);
 
+/* ---- Distance transforms ---------------------------------------------------------------------
+ *
+ * The distance of every pixel to the nearest pixel that is 0, by chamfer steps: each step to a
+ * neighbour has a weight, and the distance is the least sum on a way of steps. Two passes find it,
+ * down the rows from left to right and up from right to left; a pixel takes the least of its own value
+ * and, for every neighbour below that the pass has come by, of the neighbour's plus the step's weight:
+ *
+ *   3x3   metrics[0] along rows and columns, metrics[1] along diagonals
+ *   5x5   these, and metrics[2] for the knight's moves, (1, 2) and (2, 1) pixels away
+ *
+ * Beyond the ROI there are no neighbours: one column measures along itself.
+ *
+ * Shapes      src 8u, where 0 is a feature and all else is measured; dst 32f, in pixels if a step to
+ *             the next pixel weighs 1. metrics are two floats, or three for 5x5, of any alignment.
+ * Arithmetic  32-bit integers in units of 2^-18, which the last pass rounds to floats. Weights are
+ *             rounded to whole units, ties to even: 1.3693 counts as 1.3693008422851562. Pixels start
+ *             from 0 or from 2^30 - 1, so that no distance exceeds 4096.0, which is also what pixels
+ *             get that reach no feature: farther distances cannot be told from it.
+ * Weights     From 0 to 4096. Others give some distances all the same.
+ * Overlap     Source and destination must not overlap. The destination is the only working storage.
+ * Statuses    1. StatusNullPtr: a pointer is null.
+ *             2. StatusBadSize: width or height below 0, a step below its row's bytes, or a
+ *                destination step that is not a multiple of 4.
+ *             An empty ROI is then StatusOk, and nothing is written.
+ * Method      G. Borgefors, "Distance transformations in digital images", Computer Vision, Graphics,
+ *             and Image Processing 34(3), 1986.
+ */
+NUQI_API StatusCode nuqiDistanceTransform_3x3_8u32f_C1R(const uint8_t* src, int32_t srcStep,
+                                                        float* dst, int32_t dstStep, RoiSize roi,
+                                                        const float* metrics);
+NUQI_API StatusCode nuqiDistanceTransform_5x5_8u32f_C1R(const uint8_t* src, int32_t srcStep,
+                                                        float* dst, int32_t dstStep, RoiSize roi,
+                                                        const float* metrics);
+
+/* Weights for them: two for 30 to 32, three for 52. No other type is known.
+ *
+ *   30   3x3, largest of |dx| and |dy| (chessboard)   1, 1
+ *   31   3x3, |dx| + |dy| (city block)                1, 2
+ *   32   3x3, nearly Euclidean                        0.955, 1.3693
+ *   52   5x5, nearly Euclidean                        1, 1.4, 2.1969
+ *
+ * Statuses    1. StatusNullPtr: the array is null.  2. StatusBadArg: another type.
+ */
+NUQI_API StatusCode nuqiGetDistanceTransformMask(int32_t maskType, float* metrics);
+
 #ifdef __cplusplus
 }
 #endif

@@ -9,6 +9,7 @@
 #include "arith/copy_members.h"
 #include "arith/sample_line_members.h"
 #include "features/canny_members.h"
+#include "features/distance_transform_members.h"
 #include "filters/blur_members.h"
 #include "filters/derivative3x3_members.h"
 #include "filters/laplace_members.h"
@@ -152,6 +153,10 @@ TEST_P(EmptyRoi, Features) {
     return call_canny({image<int16_t>(), kStep, image<int16_t>(), kStep, image<uint8_t>(), kStep,
                        roi, 1, 2, image<void>()});
   });
+  for (const DistanceMember& member : kDistanceTransforms)
+    expect_both(member.name, StatusOk, StatusOk, [&](RoiSize roi) {
+      return member.call({image<uint8_t>(), kStep, image<float>(), kStep, roi, image<float>()});
+    });
 }
 
 }  // namespace

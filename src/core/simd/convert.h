@@ -26,6 +26,11 @@ NUQI_INLINE Px<int32_t> widen_bytes(const Px<From>& a) {
                            NUQI_FORCED { return machine::widen_bytes<Out::Native>(a.r[0], i); });
 }
 
+// A register of 32-bit integers from as many signed bytes in memory.
+NUQI_INLINE Reg<int32_t> load_widened(const int8_t* from) {
+  return {{machine::load_widened<Reg<int32_t>::Native>(from)}};
+}
+
 // The lanes as To: wider integers, or floats.
 template <class To, class From, int N>
 NUQI_INLINE Vec<To, N> convert(const Vec<From, N>& a) {

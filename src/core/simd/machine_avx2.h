@@ -51,6 +51,10 @@ NUQI_INLINE Out widen_bytes(const V& a, int i) {
   const __m128i all = (__m128i)a, in = i == 0 ? all : _mm_unpackhi_epi64(all, all);
   return (Out)(kIsSigned<LaneOf<V>> ? _mm256_cvtepi8_epi32(in) : _mm256_cvtepu8_epi32(in));
 }
+template <Ymm Out>
+NUQI_INLINE Out load_widened(const int8_t* from) {
+  return (Out)_mm256_cvtepi8_epi32(_mm_loadl_epi64((const __m128i*)from));
+}
 
 template <Ymm V>
 NUQI_INLINE auto to_doubles(const V& a, int half) {

@@ -69,6 +69,10 @@ NUQI_INLINE Out widen_bytes(const V& a, int) {
   const __m128i in = (__m128i)a;
   return (Out)(kIsSigned<LaneOf<V>> ? _mm512_cvtepi8_epi32(in) : _mm512_cvtepu8_epi32(in));
 }
+template <Zmm Out>
+NUQI_INLINE Out load_widened(const int8_t* from) {
+  return (Out)_mm512_cvtepi8_epi32(_mm_loadu_si128((const __m128i*)from));
+}
 
 template <Zmm V>
 NUQI_INLINE auto to_doubles(const V& a, int half) {

@@ -143,6 +143,13 @@ NUQI_INLINE Out widen_bytes(const V& a, int i) {
   const auto half = i / 2 == 0 ? widen_low<int16_t>(a) : widen_high<int16_t>(a);
   return i % 2 == 0 ? widen_low<int32_t>(half) : widen_high<int32_t>(half);
 }
+// As many signed bytes as Out has lanes, from memory.
+template <class Out>
+NUQI_INLINE Out load_widened(const int8_t* from) {
+  int32_t four;
+  __builtin_memcpy(&four, from, sizeof four);
+  return widen_low<int32_t>(widen_low<int16_t>((NativeAs<int8_t, Out>)Out{four}));
+}
 
 // Half a register of floats as doubles; two registers of doubles rounded to floats.
 template <class V>

@@ -40,6 +40,22 @@ NUQI_INLINE Vec<T, N> repeat_last(const Vec<T, N>& a, int n) {
   return select(lane_numbers<T>(lanes) == last, a, Vec<T, N>{{one_down(a.r[0], lanes)}});
 }
 
+// k lanes up, or down: the last, or the first, k lanes of `in` come in at the other end.
+template <int k, class Native, int... I>
+NUQI_INLINE Native lanes_moved(const Native& a, const Native& b, Indices<I...>) {
+  return __builtin_shufflevector(a, b, (k + I)...);
+}
+template <int k, class T, int N>
+NUQI_INLINE Vec<T, N> lanes_up(const Vec<T, N>& a, const Vec<T, N>& in) {
+  static_assert(Vec<T, N>::kRegs == 1);
+  return {{lanes_moved<N - k>(in.r[0], a.r[0], typename UpTo<N>::Type{})}};
+}
+template <int k, class T, int N>
+NUQI_INLINE Vec<T, N> lanes_down(const Vec<T, N>& a, const Vec<T, N>& in) {
+  static_assert(Vec<T, N>::kRegs == 1);
+  return {{lanes_moved<k>(a.r[0], in.r[0], typename UpTo<N>::Type{})}};
+}
+
 // Two vectors of one register as one of two.
 template <class T, int N>
 NUQI_INLINE Vec<T, 2 * N> concat(const Vec<T, N>& a, const Vec<T, N>& b) {
