@@ -1295,6 +1295,77 @@ NUQI_API StatusCode nuqiDilateStrip_32f_C4R(const float* src, int32_t srcStep, f
                                             int32_t dstStep, RoiSize* roi, MorphState* state,
                                             int32_t border);
 
+/* ---- Gaussian pyramid ------------------------------------------------------------------------
+ *
+ * One level of a pyramid, down to half the size or up to twice, by the weights w = 1 4 6 4 1 of both
+ * directions. Down smooths by w / 16 and keeps the even columns and rows. Up puts zeros between the
+ * pixels and smooths by w / 8, which leaves 1 6 1 for even columns and rows, 4 4 for odd ones:
+ *
+ *   down      h(j)     = s(2j-2) + 4 * (s(2j-1) + s(2j+1)) + 6 * s(2j) + s(2j+2)
+ *             first      2 * (3 * s(0) + 4 * s(1) + s(2))
+ *             last       s(w-4) + 4 * (s(w-3) + s(w-1)) + 7 * s(w-2)
+ *             only       8 * (s(0) + s(1)), where w is 2
+ *   up        h(2i)    = s(i-1) + 6 * s(i) + s(i+1)
+ *             h(2i+1)  = 4 * (s(i) + s(i+1))
+ *             first      2 * (3 * s(0) + s(1)) for h(0)
+ *             last       s(w-2) + 7 * s(w-1) for h(2w-2), 8 * s(w-1) for h(2w-1)
+ *             only       8 * s(0) for both, where w is 1
+ *
+ * Rows are summed that way, then columns of the rows' sums; the result is the sum / 256 down, / 64 up.
+ * So down mirrors at all four edges without repeating the edge pixel, and up mirrors at the left and
+ * the top and repeats the last pixel at the right and the bottom.
+ *
+ * Shapes      8u, 8s or 32f; one channel or three. srcRoi is the source's size; the destination has
+ *             half its width and height (both are even), or twice.
+ * Arithmetic  8u, 8s: exact, rounded to nearest, halves upwards: (sum + 128) >> 8, (sum + 32) >> 6.
+ *             No sum leaves the range of the type. 32f: every operation above is one of single
+ *             precision, each sum taken from left to right as it is written: rows, columns, then
+ *             * 0.00390625f down, * 0.015625f up.
+ * Buffer      bufferSize bytes for a source roiWidth pixels wide, of any alignment. dataType is 1 for
+ *             8u, 2 for 8s, 9 for 32f, channels 1 or 3. With x rounded up to 16 by up16(x), in 64 bits:
+ *               down, 8u and 8s   6 * up16(channels * (roiWidth + 48))
+ *               down, 32f         6 * up16(channels * (roiWidth * 2 + 96))
+ *               up                3 * up16(channels * (roiWidth * 8 + 96))
+ * Overlap     None: source, destination and buffer are apart.
+ * Statuses    Levels: 1. StatusNullPtr: a pointer is null.
+ *             2. StatusBadSize: width or height below 0; a step below its row's bytes; a 32f step not
+ *                a multiple of 4; down: an odd width or height.
+ *             StatusOk otherwise; a width or height of 0 touches no memory.
+ *             Queries: 1. StatusNullPtr: bufferSize is null. All other failures store 0 there.
+ *             2. StatusBadSize: roiWidth below 0; down: odd.   3. StatusBadChannels.
+ *             4. StatusBadDataType.   5. StatusBadSize: a size above 2^31 - 1.
+ * Method      P. Burt and E. Adelson, "The Laplacian pyramid as a compact image code", IEEE Trans. on
+ *             Communications 31(4), 1983.
+ */
+NUQI_API StatusCode nuqiPyrDown_Gauss5x5_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrDown_Gauss5x5_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrDown_Gauss5x5_8s_C1R(const int8_t* src, int32_t srcStep, int8_t* dst,
+                                                int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrDown_Gauss5x5_8s_C3R(const int8_t* src, int32_t srcStep, int8_t* dst,
+                                                int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrDown_Gauss5x5_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                                 int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrDown_Gauss5x5_32f_C3R(const float* src, int32_t srcStep, float* dst,
+                                                 int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrUp_Gauss5x5_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                              int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrUp_Gauss5x5_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                              int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrUp_Gauss5x5_8s_C1R(const int8_t* src, int32_t srcStep, int8_t* dst,
+                                              int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrUp_Gauss5x5_8s_C3R(const int8_t* src, int32_t srcStep, int8_t* dst,
+                                              int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrUp_Gauss5x5_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                               int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrUp_Gauss5x5_32f_C3R(const float* src, int32_t srcStep, float* dst,
+                                               int32_t dstStep, RoiSize srcRoi, void* buffer);
+NUQI_API StatusCode nuqiPyrDownGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dataType,
+                                                   int32_t channels, int32_t* bufferSize);
+NUQI_API StatusCode nuqiPyrUpGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dataType,
+                                                 int32_t channels, int32_t* bufferSize);
+
 #ifdef __cplusplus
 }
 #endif

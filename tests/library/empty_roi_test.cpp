@@ -14,6 +14,7 @@
 #include "filters/derivative3x3_members.h"
 #include "filters/laplace_members.h"
 #include "filters/sobel_members.h"
+#include "pyramid/pyramid_members.h"
 #include "stats/mean_members.h"
 #include "stats/min_max_members.h"
 #include "stats/norm_members.h"
@@ -157,6 +158,16 @@ TEST_P(EmptyRoi, Features) {
     expect_both(member.name, StatusOk, StatusOk, [&](RoiSize roi) {
       return member.call({image<uint8_t>(), kStep, image<float>(), kStep, roi, image<float>()});
     });
+}
+
+TEST_P(EmptyRoi, Pyramid) {
+  for_each_pyramid([&]<class T>(const PyramidMember<T>& member) {
+    const auto call = [&](RoiSize roi) {
+      return member.call({image<T>(), kStep, image<T>(), kStep, roi, image<void>()});
+    };
+    expect_at_once(member.name, {0, INT32_MAX - 1}, StatusOk, call);
+    expect_at_once(member.name, {kStep / 64 * 2, 0}, StatusOk, call);
+  });
 }
 
 }  // namespace

@@ -2,12 +2,14 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include "arith/abs_diff_reference.h"
+#include "pyramid/pyramid_reference.h"
 #include "support/comparison.h"
 #include "support/every_isa.h"
 #include "support/values.h"
@@ -107,6 +109,24 @@ TEST_P(LargeImages, EveryPixelCounts) {
   EXPECT_EQ(mean, static_cast<double>(wrapped) / static_cast<double>(count * int64_t{kPieces}));
   ASSERT_EQ(nuqiNorm_L2_8u_C1MR(src().data(), kStep, mask().data(), kStep, kRoi, &norm), StatusOk);
   EXPECT_EQ(norm, std::sqrt(static_cast<double>(squares * int64_t{kPieces})));
+}
+
+// All rows of the source are one, and so are those of the result.
+TEST_P(LargeImages, EveryRowGoesDownAPyramid) {
+  std::vector<uint8_t> rows = src().piece();
+  rows.resize(2 * size_t{kStep});
+  std::copy_n(rows.begin(), kStep, rows.begin() + kStep);
+  for (size_t i = 0; i < Repeated::kPiece; ++i) src().data()[i] = rows[i % kStep];
+  std::memset(dst().data(), 0x5A, Repeated::kPiece);
+  int32_t size = 0;
+  ASSERT_EQ(nuqiPyrDownGetBufSize_Gauss5x5(kRoi.width, 1, 1, &size), StatusOk);
+  std::vector<uint8_t> buffer(size), expected = pyramid_reference(rows, {kStep, 2}, 1, false);
+  ASSERT_EQ(nuqiPyrDown_Gauss5x5_8u_C1R(src().data(), kStep, dst().data(), kStep / 2, kRoi,
+                                        buffer.data()),
+            StatusOk);
+  while (expected.size() < Repeated::kPiece)
+    expected.insert(expected.end(), expected.begin(), expected.begin() + kStep / 2);
+  EXPECT_TRUE(same_bits(expected, dst().piece()));
 }
 
 // The extremes lie behind 2^31 bytes, of one channel and of three.

@@ -1,0 +1,151 @@
+// Half the size: smoothed by 1 4 6 4 1, the even columns and rows kept.
+//
+// A band of rows is walked down block by block, so that the sums along the rows stay in registers until
+// the columns have used them.
+#include "pyramid/sums.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+// ---- Rows
+
+constexpr int kBandRows = 16;  // of the result
+
+template <class T>
+struct DownBand {
+  // Beyond the image's edges the rows are mirrored: those of result row y begin at rows[2 * y].
+  const T* rows[2 * kBandRows + 3];
+  Image<T> dst;
+  int count;  // rows of the result
+  bool first, last;
+
+  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y)
+      : dst{row_of(job.dst, y), job.dst.step},
+        count(job.roi.height / 2 - y < kBandRows ? int(job.roi.height / 2 - y) : kBandRows),
+        first(y == 0),
+        last(y + count == job.roi.height / 2) {
+    const int64_t end = job.roi.height;
+    for (int i = 0; i < 2 * count + 3; ++i) {
+      int64_t from = 2 * y + i - 2;
+      if (from < 0) from = -from;
+      if (from >= end) from = 2 * end - 2 - from;
+      rows[i] = row_of(job.src, from);
+    }
+  }
+  NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
+};
+
+// ---- Columns: of the sums along rows a, b, c ..., the sums at c, e, ...
+
+template <class S>
+class ColumnSums {
+ public:
+  static constexpr int kOdd = 4;  // d comes multiplied
+
+  NUQI_INLINE ColumnSums(const S& a, const S& b, const S& c)
+      : before_(a + times(b, 4) + times(c, 6)), last_(c) {}
+  NUQI_INLINE S next(const S& four_d, const S& e, Place) {
+    const S sum = before_ + four_d + e;
+    before_ = last_ + four_d + times(e, 6);
+    last_ = e;
+    return sum;
+  }
+
+ private:
+  S before_, last_;
+};
+
+// Floats are added in the contract's order.
+template <class S>
+NUQI_INLINE S five_taps(const S& a, const S& b, const S& c, const S& d, const S& e, Place place) {
+  if (place.first && place.last) return times(c + d, 8);
+  if (place.first) return times(times(c, 3) + times(d, 4) + e, 2);
+  const S before = a + times(b + d, 4);
+  return place.last ? before + times(c, 7) : before + times(c, 6) + e;
+}
+template <class S>
+class FloatColumnSums {
+ public:
+  static constexpr int kOdd = 1;
+
+  NUQI_INLINE FloatColumnSums(const S& a, const S& b, const S& c) : a_(a), b_(b), c_(c) {}
+  NUQI_INLINE S next(const S& d, const S& e, Place place) {
+    const S sum = five_taps(a_, b_, c_, d, e, place);
+    a_ = c_;
+    b_ = d;
+    c_ = e;
+    return sum;
+  }
+
+ private:
+  S a_, b_, c_;
+};
+
+// Walks down a block of columns: along.sum<weight>(row) are its sums along a row, times the weight;
+// put(y, sums) takes those of both directions.
+template <class Sums, class T, class Along, class Put>
+NUQI_INLINE void walk(const DownBand<T>& band, const Along& along, const Put& put) {
+  const T* const* rows = band.rows;
+  Sums sums(along.template sum<1>(rows[0]), along.template sum<1>(rows[1]),
+            along.template sum<1>(rows[2]));
+  for (int y = 0; y < band.count; ++y, rows += 2)
+    put(row_of(band.dst, y), sums.next(along.template sum<Sums::kOdd>(rows[3]),
+                                       along.template sum<1>(rows[4]), band.place(y)));
+}
+
+// ---- Single columns: those at the edges, and all of narrow images
+
+template <int channels, class T>
+struct AlongColumn {
+  using S = PixelSum<T>;
+  int64_t j, half;
+  int channel;
+
+  template <int weight>
+  NUQI_INLINE S sum(const T* row) const {
+    const auto s = [&](int64_t x) NUQI_FORCED {
+      return static_cast<S>(load_one(row + x * channels + channel));
+    };
+    const Place place = {j == 0, j == half - 1};
+    const S before = place.first ? S{} : s(2 * j - 2), left = s(place.first ? 1 : 2 * j - 1);
+    const S after = !place.last ? s(2 * j + 2) : place.first ? s(0) : s(2 * j);
+    if constexpr (kIsFloat<T>)
+      return five_taps(before, left, s(2 * j), s(2 * j + 1), after, place);
+    else
+      return weight * (place.first ? after : before) + weight * 4 * (left + s(2 * j + 1)) +
+             weight * 6 * s(2 * j) + weight * after;
+  }
+};
+
+template <int channels, class T>
+NUQI_NOINLINE void down_columns(const DownBand<T>& band, int64_t from, int64_t to, int64_t half) {
+  using S = PixelSum<T>;
+  using Sums = typename IfElse<kIsFloat<T>, FloatColumnSums<S>, ColumnSums<S>>::Type;
+  for (int64_t j = from; j < to; ++j)
+    for (int channel = 0; channel < channels; ++channel)
+      walk<Sums>(band, AlongColumn<channels, T>{j, half, channel}, [&](T* row, S sum) NUQI_FORCED {
+        T* const at = row + j * channels + channel;
+        if constexpr (kIsFloat<T>)
+          store_one(at, sum * 0.00390625f);
+        else
+          store_one(at, static_cast<T>((sum + 128) >> 8));
+      });
+}
+
+template <int channels, class T>
+void down(const PyramidJob<T>& job) {
+  const int64_t half = job.roi.width / 2;
+  for (int64_t y = 0; y < job.roi.height / 2; y += kBandRows) {
+    const DownBand<T> band(job, y);
+    down_columns<channels>(band, 0, half, half);
+  }
+}
+
+template <class T>
+constexpr PyramidKernelsOf<T> kKernels = {{down<1, T>, down<3, T>}};
+
+}  // namespace
+
+const PyramidKernels pyramid_down_kernels = {kKernels<uint8_t>, kKernels<int8_t>, kKernels<float>};
+
+}  // namespace nuqi::NUQI_ISA
