@@ -9,6 +9,7 @@
 #include "arith/copy_members.h"
 #include "arith/sample_line_members.h"
 #include "features/canny_members.h"
+#include "fill/flood_fill_members.h"
 #include "filters/blur_members.h"
 #include "filters/derivative3x3_members.h"
 #include "filters/laplace_members.h"
@@ -151,6 +152,18 @@ TEST_P(EmptyRoi, Features) {
   expect_both("nuqiCanny_16s8u_C1R", StatusBadSize, StatusBadSize, [&](RoiSize roi) {
     return call_canny({image<int16_t>(), kStep, image<int16_t>(), kStep, image<uint8_t>(), kStep,
                        roi, 1, 2, image<void>()});
+  });
+}
+
+TEST_P(EmptyRoi, Fills) {
+  for_each_flood_fill([&]<class T>(const FillMember<T>& member) {
+    int32_t size = 0;
+    FillRegion region;
+    expect_both("the size of a fill's buffer", StatusBadSize, StatusBadSize,
+                [&](RoiSize roi) { return member.get_size(roi, &size); });
+    expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
+      return member.call({image<T>(), kStep, roi, {0, 0}, 1, 1, 1, &region, image<void>()});
+    });
   });
 }
 
