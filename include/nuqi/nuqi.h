@@ -1366,6 +1366,89 @@ NUQI_API StatusCode nuqiPyrDownGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dat
 NUQI_API StatusCode nuqiPyrUpGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dataType,
                                                  int32_t channels, int32_t* bufferSize);
 
+/* ---- Flood fills -----------------------------------------------------------------------------
+ *
+ * Paints, in place, the connected region of pixels that a seed belongs to. Pixels are connected
+ * through their four neighbours (4Con) or all eight (8Con).
+ *
+ *   nuqiFloodFill_4Con, _8Con          the pixels that equal the seed
+ *   nuqiFloodFill_Grad4Con, _Grad8Con  the pixels reached in steps from a pixel p to a neighbour q with
+ *                                      p - lower <= q <= p + upper; the region may drift far from the
+ *                                      seed's value along a gradual change
+ *
+ * Values are those before the call; the order of the search does not show in the result.
+ *
+ * Shapes      One channel, 8u or 32f. seed: a pixel of the ROI. newValue paints: 0 to 255 for 8u, any
+ *             float for 32f.
+ * Equality    32f: neither less nor greater. -0.0 equals +0.0, and a NaN pixel equals any seed.
+ *             Where the seed already equals newValue, which a NaN of either does, nothing is painted
+ *             and neither region nor buffer is written; the status is StatusOk.
+ * Gradient    8u: an exact comparison of integers. 32f: |(p - q) - (lower - upper) / 2| <=
+ *             (lower + upper) / 2 in doubles. The formula decides: where an infinity or rounding makes it
+ *             differ from p - lower <= q <= p + upper, too. Deltas of infinity and 0 join all finite
+ *             values; two infinite deltas, or one NaN, join nothing to the seed. A NaN or two equal
+ *             infinities do not join. A seed that already has the new value is filled like any other.
+ *             A step may lead one way alone where the deltas differ.
+ * Region      What was painted: the number of pixels, newValue, and the smallest rectangle around it.
+ * Buffer      Its size in bytes: nuqiFloodFillGetSize gives 6 * width * height,
+ *             nuqiFloodFillGetSize_Grad (width + 2) * (height + 2) more. It needs no alignment and no
+ *             initial content, and its size is not tested. The queries compute 24 * width * height
+ *             modulo 2^32, and the sum of the other term and a quarter of it modulo 2^32, too: from
+ *             178,956,971 pixels on, bring the bytes of the formulas above instead of what they give.
+ * Overlap     Image, region and buffer must not overlap.
+ * Statuses    nuqiFloodFillGetSize, _Grad: 1. StatusBadSize: width or height below 1.
+ *                2. StatusNullPtr: the size pointer is null.
+ *             Fills: 1. StatusNullPtr: image, region or buffer is null.
+ *                2. StatusBadSize: width or height below 1, a step below its row's bytes, or a 32f step
+ *                   not a multiple of 4.
+ *                3. StatusBadArg: the seed lies outside the ROI.
+ *                4. StatusUnsupported: 8u: newValue below 0 or above 255.
+ *             Gradient fills: 5. StatusBadArg: a delta below 0 (-0.0 and NaN are not).
+ *                6. StatusBadArg: 8u: lowerDelta + upperDelta above 255.
+ */
+
+/* What a flood fill has painted. */
+typedef struct FillRegion {
+  double area;   /* in pixels */
+  double value;  /* what they were painted with */
+  int32_t x;     /* the leftmost column */
+  int32_t y;     /* the topmost row */
+  int32_t width; /* of the smallest rectangle around them */
+  int32_t height;
+} FillRegion;
+
+NUQI_API StatusCode nuqiFloodFillGetSize(RoiSize roi, int32_t* size);
+NUQI_API StatusCode nuqiFloodFill_4Con_8u_C1IR(uint8_t* image, int32_t step, RoiSize roi,
+                                               PixelPoint seed, int32_t newValue,
+                                               FillRegion* region, void* buffer);
+NUQI_API StatusCode nuqiFloodFill_8Con_8u_C1IR(uint8_t* image, int32_t step, RoiSize roi,
+                                               PixelPoint seed, int32_t newValue,
+                                               FillRegion* region, void* buffer);
+NUQI_API StatusCode nuqiFloodFill_4Con_32f_C1IR(float* image, int32_t step, RoiSize roi,
+                                                PixelPoint seed, float newValue, FillRegion* region,
+                                                void* buffer);
+NUQI_API StatusCode nuqiFloodFill_8Con_32f_C1IR(float* image, int32_t step, RoiSize roi,
+                                                PixelPoint seed, float newValue, FillRegion* region,
+                                                void* buffer);
+
+NUQI_API StatusCode nuqiFloodFillGetSize_Grad(RoiSize roi, int32_t* size);
+NUQI_API StatusCode nuqiFloodFill_Grad4Con_8u_C1IR(uint8_t* image, int32_t step, RoiSize roi,
+                                                   PixelPoint seed, int32_t newValue,
+                                                   int32_t lowerDelta, int32_t upperDelta,
+                                                   FillRegion* region, void* buffer);
+NUQI_API StatusCode nuqiFloodFill_Grad8Con_8u_C1IR(uint8_t* image, int32_t step, RoiSize roi,
+                                                   PixelPoint seed, int32_t newValue,
+                                                   int32_t lowerDelta, int32_t upperDelta,
+                                                   FillRegion* region, void* buffer);
+NUQI_API StatusCode nuqiFloodFill_Grad4Con_32f_C1IR(float* image, int32_t step, RoiSize roi,
+                                                    PixelPoint seed, float newValue,
+                                                    float lowerDelta, float upperDelta,
+                                                    FillRegion* region, void* buffer);
+NUQI_API StatusCode nuqiFloodFill_Grad8Con_32f_C1IR(float* image, int32_t step, RoiSize roi,
+                                                    PixelPoint seed, float newValue,
+                                                    float lowerDelta, float upperDelta,
+                                                    FillRegion* region, void* buffer);
+
 #ifdef __cplusplus
 }
 #endif

@@ -10,6 +10,7 @@
 #include "arith/sample_line_members.h"
 #include "features/canny_members.h"
 #include "features/distance_transform_members.h"
+#include "fill/flood_fill_members.h"
 #include "filters/blur_members.h"
 #include "filters/derivative3x3_members.h"
 #include "filters/laplace_members.h"
@@ -167,6 +168,18 @@ TEST_P(EmptyRoi, Pyramid) {
     };
     expect_at_once(member.name, {0, INT32_MAX - 1}, StatusOk, call);
     expect_at_once(member.name, {kStep / 64 * 2, 0}, StatusOk, call);
+  });
+}
+
+TEST_P(EmptyRoi, Fills) {
+  for_each_flood_fill([&]<class T>(const FillMember<T>& member) {
+    int32_t size = 0;
+    FillRegion region;
+    expect_both("the size of a fill's buffer", StatusBadSize, StatusBadSize,
+                [&](RoiSize roi) { return member.get_size(roi, &size); });
+    expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
+      return member.call({image<T>(), kStep, roi, {0, 0}, 1, 1, 1, &region, image<void>()});
+    });
   });
 }
 
