@@ -37,7 +37,7 @@ Page page_of(const std::string& html) {
     page.text += html.substr(at, found - at) + "src=\"data:\"";
     const size_t begin = found + prefix.size(), end = html.find('"', begin);
     page.pictures.push_back(
-        decode_png(from_base64(html.substr(begin, end - begin)), "a picture of the page"));
+        picture_of_bytes(from_base64(html.substr(begin, end - begin)), "a picture of the page"));
     at = end + 1;
   }
   page.text += html.substr(at);
