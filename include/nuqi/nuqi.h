@@ -977,6 +977,205 @@ NUQI_API StatusCode nuqiCanny_16s8u_C1R(const int16_t* dx, int32_t dxStep, const
                                         int32_t dyStep, uint8_t* dst, int32_t dstStep, RoiSize roi,
                                         float low, float high, void* buffer);
 
+/* ---- Morphology states -----------------------------------------------------------------------
+ *
+ * A state holds the element of an erosion or dilation and the rows that its next results need. Make
+ * one for a width, a type, a number of channels and an element, and keep it: it serves any number of
+ * images of that width or less, one after the other.
+ *
+ * Element     maskSize.width x maskSize.height pixels from 1x1 on; anchor is the one that lies on the
+ *             result's pixel. shape says which of them belong to it:
+ *               0    rectangle  all
+ *               1    cross      the row and the column of the anchor
+ *               2    ellipse    by contract a peculiar one. With rx, ry the halves of width and height,
+ *                               rounded down, and dx = rx * sqrt((ry^2 - (ry - i)^2) * (1 / ry^2)),
+ *                               rounded to the nearest integer, rows i and height - 1 - i, i < ry,
+ *                               hold columns max(rx - dx, 0) to min(rx + dx, width). The middle row of
+ *                               an odd height stays empty (3x3 is two pixels), and column `width` is
+ *                               column 0 of the next row. Pass an ellipse of your own as a mask if you
+ *                               want it filled.
+ *               100  mask       those whose entry in `mask` is not 0: maskSize.width *
+ *                               maskSize.height integers, row by row. No other shape reads `mask`.
+ * Calls       Shape 0 serves the _Rect_ functions, 1 the _Cross_ functions, 2 and 100 the others.
+ * dataType    1 for 8u, 9 for 32f.
+ * Memory      One block. With p bytes a pixel, about p * (roiWidth + maskSize.width + 17) bytes for
+ *             each of maskSize.height + 1 (8u) or + 2 (32f) rows; masks and ellipses besides 16 bytes
+ *             for each pixel of the element.
+ * Free        nuqiMorphologyFree ends a state's use, and by contract leaves its memory allocated until
+ *             the program ends. So do not make a state for every image: keep one and reuse it.
+ * Threads     One state serves one sequence of calls at a time.
+ * Statuses    nuqiMorphologyInitAlloc:
+ *             1. StatusNullPtr: state is null. *state is set to null before all other tests.
+ *             2. StatusBadSize: roiWidth below 1.    3. StatusBadDataType: dataType not 1 or 9.
+ *             4. StatusBadChannels: channels not 1, 3 or 4.
+ *             5. StatusBadSize: a width or height of the element below 1.
+ *             6. StatusBadArg: the anchor lies outside the element.
+ *             7. StatusBadArg: shape not 0, 1, 2 or 100. StatusNullPtr: shape 100, and mask is null.
+ *             8. StatusNoMemory: the rows, the masks or the block take 2^32 bytes or more, or there is
+ *                no such block.
+ *             nuqiMorphologyFree: StatusNullPtr: state is null.
+ */
+typedef struct MorphState MorphState;
+
+NUQI_API StatusCode nuqiMorphologyInitAlloc(int32_t roiWidth, int32_t dataType, int32_t channels,
+                                            RoiSize maskSize, PixelPoint anchor, int32_t shape,
+                                            const int32_t* mask, MorphState** state);
+NUQI_API StatusCode nuqiMorphologyFree(MorphState* state);
+
+/* ---- Erosion and dilation --------------------------------------------------------------------
+ *
+ * The least (nuqiErodeStrip) or greatest (nuqiDilateStrip) of the pixels that the state's element
+ * covers when its anchor lies on the pixel: result (x, y) is that of all
+ * (x + c - anchor.x, y + r - anchor.y) with (c, r) in the element. Dilation does not reflect the
+ * element: for an opening or closing turn it by 180 degrees for the second step, its anchor too.
+ * Pixels beyond an edge equal the edge pixel; channels are processed each on its own.
+ *
+ * Strips      The picture may come in one call or in several, in strips from top to bottom; border
+ *             says which part this is. With `below` the rows of the element below its anchor:
+ *               border           source rows in roi->height    result rows
+ *               0  whole image   h                             h
+ *               1  first strip   h                             h - below
+ *               4  middle        h                             h
+ *               2  last strip    h, which may be 0             h + below
+ *             On return roi->height is the number of result rows that this call has written; the
+ *             first of all the strips' results is the picture's row 0. Strips give exactly what one
+ *             call gives. They may be of any height, lower than the element too: a first strip of
+ *             too few rows gives none, and the strips after it as many less as rows are still missing.
+ *             A last strip always completes the picture: as many rows come out as went in. borders 0
+ *             and 1 begin a picture, whatever came before.
+ *             An element of one row needs no rows of other strips: there each strip is a call with
+ *             border 0, and 2 and 4 have nothing to do.
+ * Shapes      One, three or four channels, 8u or 32f. roi->width may be less than the state's.
+ * Arithmetic  Exact. 32f of _Rect_ and _Cross_ compare as the machine does: of two values of which one
+ *             is NaN, or of zeros of both signs, the second is taken. Their order depends on nothing
+ *             but the element. With p(i) the pixels or rows of a line of n, first to last, k the
+ *             greatest power of 2 not above n, and m(1, i) = p(i),
+ *               m(2w, i) = (m(w, i), m(w, i + w))    extremum of the line = (m(k, 0), m(k, n - k))
+ *             _Rect_ takes that of n = maskSize.width pixels along each row, then that of
+ *             n = maskSize.height of those down the column. _Cross_ takes that of its row, r, and then
+ *             (r, p(0)), (that, p(1)) and so on down its column. Masks of 32f compare all floats by their bits: -0.0 is below +0.0, and NaNs lie
+ *             beyond the infinity of their sign.
+ *             A mask without a pixel inside gives 255 (erosion) or 0 (dilation), of 32f the NaNs of
+ *             bits 0x7FFFFFFF and 0xFFFFFFFF.
+ * Overlap     Source, destination and state must not overlap.
+ * Statuses    1. StatusNullPtr: a pointer is null, in a call without source rows too.
+ *             2. StatusBadSize: width below 1 or above the state's, height below 0.
+ *             3. StatusBadContext: the state is of another type, number of channels or shape.
+ *             4. StatusBadStep: a step below its row's bytes, or a 32f step not a multiple of 4.
+ *             5. StatusBadArg: border not 0, 1, 2 or 4.
+ *             6. StatusNothingToDo, a warning, with roi->height set to 0 and the state as it was:
+ *                border 2 or 4 and the state holds no rows (no strip has come yet, or the element is
+ *                one row high); height 0 and border not 2.
+ */
+NUQI_API StatusCode nuqiErodeStrip_Rect_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                               int32_t dstStep, RoiSize* roi, MorphState* state,
+                                               int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Rect_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                               int32_t dstStep, RoiSize* roi, MorphState* state,
+                                               int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Rect_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                               int32_t dstStep, RoiSize* roi, MorphState* state,
+                                               int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Rect_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Rect_32f_C3R(const float* src, int32_t srcStep, float* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Rect_32f_C4R(const float* src, int32_t srcStep, float* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Cross_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Cross_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Cross_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Cross_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Cross_32f_C3R(const float* src, int32_t srcStep, float* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_Cross_32f_C4R(const float* src, int32_t srcStep, float* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                          int32_t dstStep, RoiSize* roi, MorphState* state,
+                                          int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                          int32_t dstStep, RoiSize* roi, MorphState* state,
+                                          int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                          int32_t dstStep, RoiSize* roi, MorphState* state,
+                                          int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                           int32_t dstStep, RoiSize* roi, MorphState* state,
+                                           int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_32f_C3R(const float* src, int32_t srcStep, float* dst,
+                                           int32_t dstStep, RoiSize* roi, MorphState* state,
+                                           int32_t border);
+NUQI_API StatusCode nuqiErodeStrip_32f_C4R(const float* src, int32_t srcStep, float* dst,
+                                           int32_t dstStep, RoiSize* roi, MorphState* state,
+                                           int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Rect_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Rect_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Rect_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Rect_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Rect_32f_C3R(const float* src, int32_t srcStep, float* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Rect_32f_C4R(const float* src, int32_t srcStep, float* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Cross_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Cross_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Cross_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                 int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Cross_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                  int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Cross_32f_C3R(const float* src, int32_t srcStep, float* dst,
+                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                  int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_Cross_32f_C4R(const float* src, int32_t srcStep, float* dst,
+                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
+                                                  int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                           int32_t dstStep, RoiSize* roi, MorphState* state,
+                                           int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                           int32_t dstStep, RoiSize* roi, MorphState* state,
+                                           int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
+                                           int32_t dstStep, RoiSize* roi, MorphState* state,
+                                           int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_32f_C1R(const float* src, int32_t srcStep, float* dst,
+                                            int32_t dstStep, RoiSize* roi, MorphState* state,
+                                            int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_32f_C3R(const float* src, int32_t srcStep, float* dst,
+                                            int32_t dstStep, RoiSize* roi, MorphState* state,
+                                            int32_t border);
+NUQI_API StatusCode nuqiDilateStrip_32f_C4R(const float* src, int32_t srcStep, float* dst,
+                                            int32_t dstStep, RoiSize* roi, MorphState* state,
+                                            int32_t border);
+
 #ifdef __cplusplus
 }
 #endif
