@@ -23,7 +23,10 @@ File open_input(const std::string& path) {
 }
 
 std::vector<uint8_t> read_file(const std::string& path) {
-  const File file = open_input(path);
+  return read_rest(open_input(path), path);
+}
+
+std::vector<uint8_t> read_rest(const File& file, const std::string& path) {
   std::vector<uint8_t> bytes;
   uint8_t block[1 << 16];
   while (const size_t count = std::fread(block, 1, sizeof block, file.get())) {

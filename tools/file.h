@@ -18,6 +18,7 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 // All of these throw UserError that names the file and the reason, which stands in errno.
 [[noreturn]] void fail_on_file(const std::string& path, const char* what);  // "read", "written"
 File open_input(const std::string& path);
+std::vector<uint8_t> read_rest(const File& file, const std::string& path);
 std::vector<uint8_t> read_file(const std::string& path);
 void write_file(const std::string& path, const void* bytes, size_t count);
 

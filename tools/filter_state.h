@@ -37,31 +37,24 @@ inline FilterState laplace_state(int32_t width, int32_t type, int32_t size) {
 
 using FilterStage = LibraryStage<uint8_t, int16_t, FilterState>;
 
+inline FilterStage filter_stage(FilterStage::Call call, FilterState state, RoiSize picture,
+                                int32_t size) {
+  return {call, std::move(state), picture, 1, {size / 2, size / 2}};
+}
+
 inline FilterStage blur_stage(RoiSize picture, int32_t size) {
-  return {"nuqiBlur_8u16s_C1R",
-          nuqiBlur_8u16s_C1R,
-          blur_state(picture.width, kOfBytes, size),
-          picture,
-          1,
-          size / 2};
+  return filter_stage({"nuqiBlur_8u16s_C1R", nuqiBlur_8u16s_C1R},
+                      blur_state(picture.width, kOfBytes, size), picture, size);
 }
 
 inline FilterStage sobel_stage(RoiSize picture, int32_t size, int32_t x_order, int32_t y_order) {
-  return {"nuqiSobel_8u16s_C1R",
-          nuqiSobel_8u16s_C1R,
-          sobel_state(picture.width, kOfBytes, size, x_order, y_order),
-          picture,
-          1,
-          size / 2};
+  return filter_stage({"nuqiSobel_8u16s_C1R", nuqiSobel_8u16s_C1R},
+                      sobel_state(picture.width, kOfBytes, size, x_order, y_order), picture, size);
 }
 
 inline FilterStage laplace_stage(RoiSize picture, int32_t size) {
-  return {"nuqiLaplace_8u16s_C1R",
-          nuqiLaplace_8u16s_C1R,
-          laplace_state(picture.width, kOfBytes, size),
-          picture,
-          1,
-          size / 2};
+  return filter_stage({"nuqiLaplace_8u16s_C1R", nuqiLaplace_8u16s_C1R},
+                      laplace_state(picture.width, kOfBytes, size), picture, size);
 }
 
 }  // namespace tools

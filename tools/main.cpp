@@ -13,10 +13,10 @@
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&) = {
-    tools::add_tour,  tools::add_edges,   tools::add_background, tools::add_blur,
-    tools::add_sobel, tools::add_laplace, tools::add_stats,      tools::add_diff,
-    tools::add_split, tools::add_join,    tools::add_profile,    tools::add_motion,
-    tools::add_info,
+    tools::add_tour,   tools::add_edges,   tools::add_background, tools::add_blur,
+    tools::add_sobel,  tools::add_laplace, tools::add_morphology, tools::add_stats,
+    tools::add_diff,   tools::add_split,   tools::add_join,       tools::add_profile,
+    tools::add_motion, tools::add_info,
 };
 
 constexpr char kDescription[] = "Computer-vision primitives at work on pictures.";
@@ -27,8 +27,9 @@ constexpr char kFooter[] =
     "The ending of an output's name chooses its format: .png, .jpg or .jpeg. It appears when it\n"
     "is whole; after a failure, what was there is still there.\n"
     "\n"
-    "The commands blur, sobel and laplace take pictures larger than memory: up to 1,000,000\n"
-    "pixels along a side, of which they hold a few rows. Interlaced PNG, progressive JPEG and\n"
+    "The commands blur, sobel, laplace, erode, dilate, open, close and gradient take pictures\n"
+    "larger than memory: up to 1,000,000 pixels along a side, of which they hold a few rows. "
+    "Interlaced PNG, progressive JPEG and\n"
     "JPEG that a camera's orientation turns must fit into memory, with up to 178 million pixels,\n"
     "which is the limit of the other commands.\n"
     "\n"

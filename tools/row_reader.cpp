@@ -11,6 +11,16 @@ namespace {
 // libpng and the filters' states take rows of this length, and sums of lengths fit 32 bits.
 constexpr int32_t kLongestSide = 1000000;
 
+constexpr int kPngsFirst = 0x89, kJpegsFirst = 0xFF;
+
+// It stays to be read: a pipe cannot go back further.
+int first_byte(const File& file, const std::string& name) {
+  const int first = std::getc(file.get());
+  if (std::ferror(file.get())) fail_on_file(name, "read");
+  std::ungetc(first, file.get());
+  return first;
+}
+
 class PictureRows : public RowReader {
  public:
   explicit PictureRows(std::shared_ptr<const Picture> picture) : picture_(std::move(picture)) {
@@ -91,15 +101,18 @@ void check_sides(uint32_t width, uint32_t height, const std::string& name) {
   }
 }
 
+bool may_be_picture(const File& file, const std::string& name) {
+  const int first = first_byte(file, name);
+  return first == kPngsFirst || first == kJpegsFirst;
+}
+
 std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form form) {
-  const int first = std::getc(file.get());
-  if (std::ferror(file.get())) fail_on_file(name, "read");
-  std::ungetc(first, file.get());
-  if (first != 0x89 && first != 0xFF) {
+  if (!may_be_picture(file, name)) {
     throw UserError(name + ": is neither a PNG nor a JPEG picture");
   }
-  std::unique_ptr<RowReader> rows =
-      first == 0x89 ? read_png(std::move(file), name) : read_jpeg(std::move(file), name);
+  std::unique_ptr<RowReader> rows = first_byte(file, name) == kPngsFirst
+                                        ? read_png(std::move(file), name)
+                                        : read_jpeg(std::move(file), name);
   const int channels = channels_in(form, rows->channels());
   if (channels == rows->channels()) return rows;
   return std::make_unique<Converted>(std::move(rows), channels);

@@ -51,6 +51,9 @@ enum class Form {
 std::unique_ptr<RowReader> open_rows(const std::string& path, Form form);
 std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form form);
 
+// Whether a file that nothing was read of begins as one of these does.
+bool may_be_picture(const File& file, const std::string& name);
+
 // The rows of a file that is read twice. A pipe gives its picture only once, so it is kept.
 std::function<std::unique_ptr<RowReader>()> rereadable(const std::string& path, Form form);
 

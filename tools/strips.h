@@ -62,35 +62,41 @@ inline void write_strip(RowWriter& writer, Strip<uint8_t> strip, size_t row_byte
   for (int32_t y = 0; y < strip.rows; ++y) writer.write(strip.values + size_t(y) * row_bytes);
 }
 
-// A stage that is a call of the library with a state, `Call(src, src_step, dst, dst_step, &roi, state,
-// phase)`. It needs rows below those that it gives, and gives these with the picture's last strip.
+// How many rows beside its own a row of results is made of.
+struct Reach {
+  int32_t above, below;
+};
+
+// A stage that is a call of the library with a state, call(src, src_step, dst, dst_step, &roi, state,
+// phase). The rows that wait for others below them come with the picture's last strip.
 template <class In, class Out, class State>
 class LibraryStage {
  public:
-  using Call = StatusCode (*)(const In*, int32_t, Out*, int32_t, RoiSize*,
-                              typename State::element_type*, int32_t);
+  using Function = StatusCode (*)(const In*, int32_t, Out*, int32_t, RoiSize*,
+                                  typename State::element_type*, int32_t);
+  struct Call {
+    const char* name;
+    Function function;
+  };
 
-  LibraryStage(const char* name, Call call, State state, RoiSize picture, int channels,
-               int32_t rows_below)
-      : name_(name),
-        call_(call),
+  LibraryStage(Call call, State state, RoiSize picture, int channels, Reach reach)
+      : call_(call),
         state_(std::move(state)),
         picture_(picture),
-        channels_(channels),
-        rows_below_(rows_below) {}
+        row_(size_t(picture.width) * size_t(channels)),
+        reach_(reach) {}
 
   // Valid until the next call.
   Strip<Out> operator()(Strip<In> strip) {
     if (strip.rows == 0) return {nullptr, 0};
-    const size_t row = size_t(picture_.width) * size_t(channels_);
-    const size_t most = row * size_t(strip.rows + rows_below_);
+    const size_t most = row_ * size_t(strip.rows + reach_.below);
     if (rows_.size() < most) rows_.resize(most);
     RoiSize roi{picture_.width, strip.rows};
     const int32_t phase = phase_of(strip.rows);
     seconds_ += seconds_of([&] {
-      require_ok(call_(strip.values, int32_t(row * sizeof(In)), rows_.data(),
-                       int32_t(row * sizeof(Out)), &roi, state_.get(), phase),
-                 name_);
+      require_ok(call_.function(strip.values, int32_t(row_ * sizeof(In)), rows_.data(),
+                                int32_t(row_ * sizeof(Out)), &roi, state_.get(), phase),
+                 call_.name);
     });
     return {rows_.data(), roi.height};
   }
@@ -98,20 +104,21 @@ class LibraryStage {
   double seconds() const { return seconds_; }
 
  private:
-  // 0 all rows, 1 the first of them, 2 the last, 4 those between.
+  // 0 all rows, 1 the first of them, 2 the last, 4 those between. Rows that need no others are a
+  // picture of their own.
   int32_t phase_of(int32_t rows) {
-    const bool first = taken_ == 0;
+    const bool first = taken_ == 0, alone = reach_.above + reach_.below == 0;
     taken_ += rows;
     const bool last = taken_ == picture_.height;
-    return first && last ? 0 : first ? 1 : last ? 2 : 4;
+    return alone || (first && last) ? 0 : first ? 1 : last ? 2 : 4;
   }
 
-  const char* name_;
   Call call_;
   State state_;
   RoiSize picture_;
-  int channels_;
-  int32_t rows_below_, taken_ = 0;
+  size_t row_;  // values
+  Reach reach_;
+  int32_t taken_ = 0;
   double seconds_ = 0;
   std::vector<Out> rows_;
 };
