@@ -11,7 +11,6 @@
 namespace tools {
 namespace {
 
-constexpr int32_t kRectangle = 0, kCross = 1, kMask = 100;  // the library's shapes
 constexpr int32_t kLongestSide = 1000;
 
 void check_element_size(const std::string& name, RoiSize size) {
@@ -48,7 +47,7 @@ PixelPoint anchor_of(const std::string& text, RoiSize size) {
 
 Element mask_of_picture(File file, const std::string& path) {
   const auto rows = open_rows(std::move(file), path, Form::grey);
-  Element element{kMask, rows->size(), {}};
+  Element element{Element::kMask, rows->size(), {}};
   check_element_size(path, element.size);
   for (const uint8_t level : whole_picture(*rows, path).pixels) {
     element.mask.push_back(level >= 128);
@@ -58,7 +57,7 @@ Element mask_of_picture(File file, const std::string& path) {
 
 // Lines of 0 and 1; spaces and commas between them, and empty lines, say nothing.
 Element mask_of_text(const File& file, const std::string& path) {
-  Element element{kMask, {0, 0}, {}};
+  Element element{Element::kMask, {0, 0}, {}};
   int32_t length = 0;
   const auto end_line = [&] {
     if (length == 0) return;
@@ -94,37 +93,24 @@ Element mask_of_file(const std::string& path) {
   return element;
 }
 
-struct Shape {
-  int32_t number;
-  MorphStage::Call of[2][3];  // extremum; 1, 3, 4 channels
-};
-
 #define NUQI_NAMED(function) \
   { #function, function }
-const Shape kShapes[] = {
-    {kRectangle,
-     {{NUQI_NAMED(nuqiErodeStrip_Rect_8u_C1R), NUQI_NAMED(nuqiErodeStrip_Rect_8u_C3R),
-       NUQI_NAMED(nuqiErodeStrip_Rect_8u_C4R)},
-      {NUQI_NAMED(nuqiDilateStrip_Rect_8u_C1R), NUQI_NAMED(nuqiDilateStrip_Rect_8u_C3R),
-       NUQI_NAMED(nuqiDilateStrip_Rect_8u_C4R)}}},
-    {kCross,
-     {{NUQI_NAMED(nuqiErodeStrip_Cross_8u_C1R), NUQI_NAMED(nuqiErodeStrip_Cross_8u_C3R),
-       NUQI_NAMED(nuqiErodeStrip_Cross_8u_C4R)},
-      {NUQI_NAMED(nuqiDilateStrip_Cross_8u_C1R), NUQI_NAMED(nuqiDilateStrip_Cross_8u_C3R),
-       NUQI_NAMED(nuqiDilateStrip_Cross_8u_C4R)}}},
-    {kMask,
-     {{NUQI_NAMED(nuqiErodeStrip_8u_C1R), NUQI_NAMED(nuqiErodeStrip_8u_C3R),
-       NUQI_NAMED(nuqiErodeStrip_8u_C4R)},
-      {NUQI_NAMED(nuqiDilateStrip_8u_C1R), NUQI_NAMED(nuqiDilateStrip_8u_C3R),
-       NUQI_NAMED(nuqiDilateStrip_8u_C4R)}}},
+constexpr MorphStage::Call kCalls[3][2][3] = {
+    // by shape, extremum; 1, 3, 4 channels
+    {{NUQI_NAMED(nuqiErodeStrip_Rect_8u_C1R), NUQI_NAMED(nuqiErodeStrip_Rect_8u_C3R),
+      NUQI_NAMED(nuqiErodeStrip_Rect_8u_C4R)},
+     {NUQI_NAMED(nuqiDilateStrip_Rect_8u_C1R), NUQI_NAMED(nuqiDilateStrip_Rect_8u_C3R),
+      NUQI_NAMED(nuqiDilateStrip_Rect_8u_C4R)}},
+    {{NUQI_NAMED(nuqiErodeStrip_Cross_8u_C1R), NUQI_NAMED(nuqiErodeStrip_Cross_8u_C3R),
+      NUQI_NAMED(nuqiErodeStrip_Cross_8u_C4R)},
+     {NUQI_NAMED(nuqiDilateStrip_Cross_8u_C1R), NUQI_NAMED(nuqiDilateStrip_Cross_8u_C3R),
+      NUQI_NAMED(nuqiDilateStrip_Cross_8u_C4R)}},
+    {{NUQI_NAMED(nuqiErodeStrip_8u_C1R), NUQI_NAMED(nuqiErodeStrip_8u_C3R),
+      NUQI_NAMED(nuqiErodeStrip_8u_C4R)},
+     {NUQI_NAMED(nuqiDilateStrip_8u_C1R), NUQI_NAMED(nuqiDilateStrip_8u_C3R),
+      NUQI_NAMED(nuqiDilateStrip_8u_C4R)}},
 };
 #undef NUQI_NAMED
-
-MorphStage::Call call_for(Extremum extremum, int32_t shape, int channels) {
-  const Shape* const row = std::find_if(std::begin(kShapes), std::end(kShapes),
-                                        [&](const Shape& s) { return s.number == shape; });
-  return row->of[int(extremum)][channels == 1 ? 0 : channels - 2];
-}
 
 }  // namespace
 
@@ -138,7 +124,7 @@ void add_element_options(CLI::App& command, ElementOptions& options) {
 }
 
 Element ellipse(RoiSize size) {
-  Element element{kMask, size, middle_of(size)};
+  Element element{Element::kMask, size, middle_of(size)};
   // Offsets from the middle are u / 2 and v / 2, half axes a / 8 and b / 8: an eighth of a pixel less
   // than touches the rectangle, which makes 3x3 a cross and no square.
   const int64_t a = 4 * int64_t{size.width} - 1, b = 4 * int64_t{size.height} - 1;
@@ -154,10 +140,10 @@ Element ellipse(RoiSize size) {
 Element element_of(const ElementOptions& options) {
   Element element;
   if (options.element == "rect" || options.element == "cross") {
-    element.shape = options.element == "rect" ? kRectangle : kCross;
+    element.shape = options.element == "rect" ? Element::kRectangle : Element::kCross;
     element.size = size_of(options.size);
     element.name =
-        size_text(element.size) + (element.shape == kRectangle ? " rectangle" : " cross");
+        size_text(element.size) + (element.shape == Element::kRectangle ? " rectangle" : " cross");
   } else if (options.element == "ellipse") {
     element = ellipse(size_of(options.size));
   } else {
@@ -177,16 +163,24 @@ Element turned(const Element& element) {
   return result;
 }
 
-MorphStage morph_stage(Extremum extremum, const Element& element, RoiSize picture, int channels) {
+MorphStage::Call morph_call(Extremum extremum, const Element& element, int channels) {
+  return kCalls[std::min(element.shape, 2)][int(extremum)][channels == 1 ? 0 : channels - 2];
+}
+
+MorphOwner morph_state(const Element& element, int32_t width, int channels) {
   constexpr int32_t kBytes = 1;
   const int32_t* const mask = element.mask.empty() ? nullptr : element.mask.data();
   MorphState* state = nullptr;
-  const StatusCode status = nuqiMorphologyInitAlloc(picture.width, kBytes, channels, element.size,
+  const StatusCode status = nuqiMorphologyInitAlloc(width, kBytes, channels, element.size,
                                                     element.anchor, element.shape, mask, &state);
   if (status == StatusNoMemory) throw std::bad_alloc();  // long rows times a high element
   require_ok(status, "nuqiMorphologyInitAlloc");
-  return {call_for(extremum, element.shape, channels),
-          MorphOwner(state),
+  return MorphOwner(state);
+}
+
+MorphStage morph_stage(Extremum extremum, const Element& element, RoiSize picture, int channels) {
+  return {morph_call(extremum, element, channels),
+          morph_state(element, picture.width, channels),
           picture,
           channels,
           {element.anchor.y, element.size.height - 1 - element.anchor.y}};

@@ -14,10 +14,12 @@ class App;
 namespace tools {
 
 struct Element {
-  int32_t shape = 0;  // the library's: 0 rectangle, 1 cross, 100 mask
+  static constexpr int32_t kRectangle = 0, kCross = 1, kLibrarysEllipse = 2, kMask = 100;
+
+  int32_t shape = kRectangle;
   RoiSize size{3, 3};
   PixelPoint anchor{1, 1};
-  std::vector<int32_t> mask{};  // of shape 100: not 0 is inside
+  std::vector<int32_t> mask{};  // of shape kMask: not 0 is inside
   std::string name{};           // "5x5 ellipse"
 };
 
@@ -46,6 +48,8 @@ using MorphOwner = std::unique_ptr<MorphState, EndMorphState>;
 enum class Extremum { least, greatest };  // of erosion, of dilation
 
 using MorphStage = LibraryStage<uint8_t, uint8_t, MorphOwner>;
+MorphStage::Call morph_call(Extremum extremum, const Element& element, int channels);
+MorphOwner morph_state(const Element& element, int32_t width, int channels);
 MorphStage morph_stage(Extremum extremum, const Element& element, RoiSize picture, int channels);
 
 }  // namespace tools

@@ -112,7 +112,13 @@ TEST_F(Tour, ThePageShowsEachFamilyAndItsCalls) {
                            "nuqibFastArctan_32f",
                            "nuqiCopy_8u_C3P3R",
                            "nuqiCopy_8u_P3C3R",
-                           "nuqiSampleLine_8u_C3R"}) {
+                           "nuqiSampleLine_8u_C3R",
+                           "nuqiErodeStrip_Rect_8u_C1R",
+                           "nuqiErodeStrip_Cross_8u_C1R",
+                           "nuqiErodeStrip_8u_C1R",
+                           "nuqiDilateStrip_Rect_8u_C1R",
+                           "nuqiDilateStrip_Cross_8u_C1R",
+                           "nuqiDilateStrip_8u_C1R"}) {
     EXPECT_GE(count_of(page.text, std::string("<b>") + call + "</b>("), 1) << call;
   }
   EXPECT_EQ(count_of(page.text, "roi, 100.0f, 200.0f, buffer)"), 2);
