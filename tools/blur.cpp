@@ -3,60 +3,81 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "clock.h"
 #include "commands.h"
 #include "core/isa.h"
-#include "failure.h"
 #include "filter_state.h"
-#include "picture.h"
+#include "strips.h"
 
 namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes a colour picture of IN's size: in each channel the mean of the square of pixels\n"
-    "around each pixel, rounded. Pixels beyond an edge equal the edge pixel.\n";
+    "Writes a picture of IN's size, grey or in colours: in each channel the mean of the square of\n"
+    "pixels around each pixel, rounded. Pixels beyond an edge equal the edge pixel.\n"
+    "Takes pictures larger than memory (`nuqi --help`).\n";
 
 struct Options {
   std::string in, out;
   int size = 3;
 };
 
-// `seconds` is what the library takes, without the ways between channels and planes.
-Picture blurred(const Picture& picture, int size, double& seconds) {
-  const RoiSize roi = picture.size;
-  const FilterState state = blur_state(roi.width, kOfBytes, size);  // serves all channels
-  Picture result(roi, picture.channels);
-  Plane<uint8_t> channel(roi);
-  Plane<int16_t> sums(roi);
-  const int area = size * size;
-  const size_t channels = size_t(picture.channels);
-  for (size_t c = 0; c < channels; ++c) {
-    for (size_t i = 0; i < channel.values.size(); ++i) {
-      channel.values[i] = picture.pixels[i * channels + c];
-    }
-    RoiSize rows = roi;
-    seconds += seconds_of([&] {
-      require_ok(nuqiBlur_8u16s_C1R(channel.data(), channel.step(), sums.data(), sums.step(), &rows,
-                                    state.get(), 0),
-                 "nuqiBlur_8u16s_C1R");
-    });
-    for (size_t i = 0; i < sums.values.size(); ++i) {
-      result.pixels[i * channels + c] = uint8_t((sums.values[i] + area / 2) / area);
-    }
+// Blurs strips of a picture of 1 or 3 channels, each by itself.
+class Blur {
+ public:
+  Blur(RoiSize picture, int channels, int size)
+      : row_(size_t(picture.width)), channels_(size_t(channels)) {
+    for (int c = 0; c < channels; ++c) stages_.push_back(blur_stage(picture, size));
+    const int area = size * size;
+    for (int sum = 0; sum <= 255 * area; ++sum) means_.push_back(uint8_t((sum + area / 2) / area));
   }
-  return result;
-}
+
+  Strip<uint8_t> operator()(Strip<uint8_t> strip) {
+    Strip<int16_t> sums{nullptr, 0};
+    for (size_t c = 0; c < channels_; ++c) {
+      sums = stages_[c](channel_of(strip, c));
+      result_.resize(size_t(sums.rows) * row_ * channels_);
+      uint8_t* out = result_.data() + c;
+      for (size_t i = 0; i < size_t(sums.rows) * row_; ++i, out += channels_) {
+        *out = means_[size_t(sums.values[i])];
+      }
+    }
+    return {result_.data(), sums.rows};
+  }
+
+  // What the library took, without the ways between channels and planes.
+  double seconds() const {
+    double sum = 0;
+    for (const FilterStage& stage : stages_) sum += stage.seconds();
+    return sum;
+  }
+
+ private:
+  Strip<uint8_t> channel_of(Strip<uint8_t> strip, size_t c) {
+    if (channels_ == 1) return strip;
+    plane_.resize(size_t(strip.rows) * row_);
+    for (size_t i = 0; i < plane_.size(); ++i) plane_[i] = strip.values[i * channels_ + c];
+    return {plane_.data(), strip.rows};
+  }
+
+  size_t row_, channels_;
+  std::vector<FilterStage> stages_;
+  Bytes means_, plane_, result_;  // a mean for every sum
+};
 
 void blur(const Options& options) {
   check_ending(options.out);
-  const Picture picture = read_picture(options.in);
-  double seconds = 0;
-  const Picture result = blurred(picture, options.size, seconds);
-  write_picture(options.out, result);
+  const auto in = open_rows(options.in, Form::opaque);
+  const RoiSize size = in->size();
+  const auto out = create_picture(options.out, size, in->channels());
+  Blur blur(size, in->channels(), options.size);
+  RowProgress progress(size, 1);
+  for_strips(*in, progress,
+             [&](Strip<uint8_t> strip) { write_strip(*out, blur(strip), in->row_bytes()); });
+  out->finish();
   std::printf("%s: %s, means of %dx%d pixels, %.2f ms with %s\n", options.out.c_str(),
-              size_text(result.size).c_str(), options.size, options.size, 1e3 * seconds,
+              size_text(size).c_str(), options.size, options.size, 1e3 * blur.seconds(),
               nuqi::name_of(nuqi::isa()));
 }
 

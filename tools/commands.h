@@ -1,4 +1,4 @@
-// The commands, one source file each.
+// The commands, one source file each; the five of morphology share one.
 #pragma once
 
 namespace CLI {
@@ -14,6 +14,7 @@ void add_background(CLI::App& app);
 void add_blur(CLI::App& app);
 void add_sobel(CLI::App& app);
 void add_laplace(CLI::App& app);
+void add_morphology(CLI::App& app);
 void add_stats(CLI::App& app);
 void add_diff(CLI::App& app);
 void add_split(CLI::App& app);

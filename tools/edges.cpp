@@ -9,6 +9,7 @@
 #include "clock.h"
 #include "commands.h"
 #include "core/isa.h"
+#include "edge_map.h"
 #include "failure.h"
 #include "picture.h"
 
@@ -39,49 +40,13 @@ void complete_thresholds(Options& options) {
   if (!(options.high >= options.low)) throw UserError("--high: must not be below --low");
 }
 
-struct Derivatives {
-  Plane<int16_t> dx, dy;
-};
-
-Derivatives derivatives_of(const Plane<uint8_t>& grey, const std::string& edge_operator) {
-  const RoiSize roi = grey.size;
-  Derivatives d{Plane<int16_t>(roi), Plane<int16_t>(roi)};
-  if (edge_operator == "sobel") {
-    require_ok(nuqiSobel3x3_Dx_8u16s_C1R(grey.data(), grey.step(), d.dx.data(), d.dx.step(), roi),
-               "nuqiSobel3x3_Dx_8u16s_C1R");
-    require_ok(
-        nuqiSobel3x3_Dy_8u16s_C1R(grey.data(), grey.step(), d.dy.data(), d.dy.step(), 0, roi),
-        "nuqiSobel3x3_Dy_8u16s_C1R");
-  } else {
-    require_ok(nuqiScharr_Dx_8u16s_C1R(grey.data(), grey.step(), d.dx.data(), d.dx.step(), roi, 0),
-               "nuqiScharr_Dx_8u16s_C1R");
-    require_ok(
-        nuqiScharr_Dy_8u16s_C1R(grey.data(), grey.step(), d.dy.data(), d.dy.step(), 0, roi, 0),
-        "nuqiScharr_Dy_8u16s_C1R");
-  }
-  return d;
-}
-
-Plane<uint8_t> canny(const Derivatives& d, RoiSize roi, float low, float high) {
-  Plane<uint8_t> edges(roi);
-  int32_t size = 0;
-  require_ok(nuqiCannyGetSize(roi, &size), "nuqiCannyGetSize");
-  std::vector<uint8_t> buffer(static_cast<size_t>(size));
-  require_ok(nuqiCanny_16s8u_C1R(d.dx.data(), d.dx.step(), d.dy.data(), d.dy.step(), edges.data(),
-                                 edges.step(), roi, low, high, buffer.data()),
-             "nuqiCanny_16s8u_C1R");
-  return edges;
-}
-
 void find_edges(Options options) {
   complete_thresholds(options);
   check_ending(options.out);
   const Plane<uint8_t> grey = grey_of(read_picture(options.in));
   Plane<uint8_t> edges;
-  const double seconds = seconds_of([&] {
-    const Derivatives d = derivatives_of(with_two_rows(grey), options.edge_operator);
-    edges = canny(d, grey.size, options.low, options.high);
-  });
+  const double seconds =
+      seconds_of([&] { edges = edges_of(grey, options.edge_operator, options.low, options.high); });
   write_picture(options.out, picture_of(edges));
   const auto count = std::count(edges.values.begin(), edges.values.end(), 255);
   std::printf("%s: %s, %.1f %% edges (%s, low %g, high %g), %.2f ms with %s\n", options.out.c_str(),

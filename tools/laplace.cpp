@@ -3,11 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "clock.h"
 #include "commands.h"
-#include "failure.h"
 #include "filter_state.h"
-#include "picture.h"
 #include "signed_output.h"
 
 namespace tools {
@@ -30,16 +27,8 @@ struct Options {
 
 void apply_laplace(const Options& options) {
   check(options.out);
-  const Plane<uint8_t> grey = grey_of(read_picture(options.in));
-  Plane<int16_t> result(grey.size);
-  const FilterState state = laplace_state(grey.size.width, kOfBytes, options.size);
-  const double seconds = seconds_of([&] {
-    RoiSize rows = grey.size;
-    require_ok(nuqiLaplace_8u16s_C1R(grey.data(), grey.step(), result.data(), result.step(), &rows,
-                                     state.get(), 0),
-               "nuqiLaplace_8u16s_C1R");
-  });
-  write_signed(options.out, result, "aperture " + std::to_string(options.size), seconds);
+  write_signed(options.in, options.out, "aperture " + std::to_string(options.size),
+               [&](RoiSize picture) { return laplace_stage(picture, options.size); });
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The command-line program nuqi: reads the command and turns every failure into one sentence.
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -12,10 +13,10 @@
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&) = {
-    tools::add_tour,  tools::add_edges,   tools::add_background, tools::add_blur,
-    tools::add_sobel, tools::add_laplace, tools::add_stats,      tools::add_diff,
-    tools::add_split, tools::add_join,    tools::add_profile,    tools::add_motion,
-    tools::add_info,
+    tools::add_tour,   tools::add_edges,   tools::add_background, tools::add_blur,
+    tools::add_sobel,  tools::add_laplace, tools::add_morphology, tools::add_stats,
+    tools::add_diff,   tools::add_split,   tools::add_join,       tools::add_profile,
+    tools::add_motion, tools::add_info,
 };
 
 constexpr char kDescription[] = "Computer-vision primitives at work on pictures.";
@@ -23,7 +24,14 @@ constexpr char kDescription[] = "Computer-vision primitives at work on pictures.
 constexpr char kFooter[] =
     "Pictures are read from PNG and JPEG files of any kind. Transparent pixels are laid over\n"
     "white; colour becomes grey by (77 red + 150 green + 29 blue + 128) / 256, in integers.\n"
-    "The ending of an output's name chooses its format: .png, .jpg or .jpeg.\n"
+    "The ending of an output's name chooses its format: .png, .jpg or .jpeg. It appears when it\n"
+    "is whole; after a failure, what was there is still there.\n"
+    "\n"
+    "The commands blur, sobel, laplace, erode, dilate, open, close and gradient take pictures\n"
+    "larger than memory: up to 1,000,000 pixels along a side, of which they hold a few rows. "
+    "Interlaced PNG, progressive JPEG and\n"
+    "JPEG that a camera's orientation turns must fit into memory, with up to 178 million pixels,\n"
+    "which is the limit of the other commands.\n"
     "\n"
     "Exit codes: 0 success, 2 wrong arguments or a file that cannot be read, is no picture or\n"
     "cannot be written, 1 any other failure. `nuqi COMMAND --help` explains a command.\n";
@@ -79,6 +87,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::signal(SIGXFSZ, SIG_IGN);  // a file beyond the shell's limit is a write that fails
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {

@@ -1,28 +1,14 @@
-// Pictures: recognising formats, and the way from colour to grey.
+// Pictures in memory, and the way from colour to grey.
 #include "picture.h"
 
-#include <algorithm>
-#include <cctype>
-
 #include "failure.h"
-#include "file.h"
+#include "row_reader.h"
 
 namespace tools {
 namespace {
 
 // Canny's buffer of 12 * (width + 2) * (height + 2) bytes must stay below 2^31.
 constexpr uint64_t kMaxBorderedPixels = INT32_MAX / 12;
-
-bool starts_with(const Bytes& bytes, std::initializer_list<uint8_t> signature) {
-  return bytes.size() >= signature.size() &&
-         std::equal(signature.begin(), signature.end(), bytes.begin());
-}
-
-bool ends_with(const std::string& path, const std::string& ending) {
-  if (path.size() <= ending.size()) return false;
-  return std::equal(ending.begin(), ending.end(), path.end() - ptrdiff_t(ending.size()),
-                    [](char a, char b) { return a == std::tolower(static_cast<uint8_t>(b)); });
-}
 
 }  // namespace
 
@@ -38,7 +24,7 @@ void check_same_size(const std::string& name, RoiSize size, const std::string& f
 }
 
 void check_size(uint32_t width, uint32_t height, const std::string& name) {
-  if (width < 1 || height < 1) throw UserError(name + ": is an empty picture");
+  check_sides(width, height, name);
   if ((width + uint64_t{2}) * (height + uint64_t{2}) > kMaxBorderedPixels) {
     throw UserError(name + ": is too large, the limit is " +
                     std::to_string(kMaxBorderedPixels / 1000000) + " million pixels");
@@ -46,24 +32,7 @@ void check_size(uint32_t width, uint32_t height, const std::string& name) {
 }
 
 Picture read_picture(const std::string& path) {
-  const Bytes bytes = read_file(path);
-  if (starts_with(bytes, {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'})) {
-    return decode_png(bytes, path);
-  }
-  if (starts_with(bytes, {0xFF, 0xD8, 0xFF})) return decode_jpeg(bytes, path);
-  throw UserError(path + ": is neither a PNG nor a JPEG picture");
-}
-
-void check_ending(const std::string& path) {
-  if (ends_with(path, ".png") || ends_with(path, ".jpg") || ends_with(path, ".jpeg")) return;
-  throw UserError(path + ": cannot be written: its ending must be .png, .jpg or .jpeg");
-}
-
-void write_picture(const std::string& path, const Picture& picture) {
-  check_ending(path);
-  const Bytes bytes =
-      ends_with(path, ".png") ? encode_png(picture, path) : encode_jpeg(picture, path);
-  write_file(path, bytes.data(), bytes.size());
+  return whole_picture(*open_rows(path, Form::colour), path);
 }
 
 Plane<uint8_t> grey_of(const Picture& picture) {
@@ -74,7 +43,7 @@ Plane<uint8_t> grey_of(const Picture& picture) {
   }
   const uint8_t* rgb = picture.pixels.data();
   for (uint8_t& value : grey.values) {
-    value = uint8_t((77 * rgb[0] + 150 * rgb[1] + 29 * rgb[2] + 128) / 256);
+    value = grey_level(rgb);
     rgb += 3;
   }
   return grey;

@@ -40,9 +40,8 @@ std::string size_text(RoiSize size);  // "640x480"
 void check_same_size(const std::string& name, RoiSize size, const std::string& first_name,
                      RoiSize first);
 
-// Reads a PNG or JPEG file of any kind as red, green and blue. Transparent pixels are laid over
-// white, 16 bits are rounded to 8, CMYK is converted, and a camera's orientation is applied.
-// Throws UserError where the file cannot be read or is no picture.
+// A PNG or JPEG file of any kind as red, green and blue; row_reader.h has the details. Throws UserError
+// where the file cannot be read or is no picture.
 Picture read_picture(const std::string& path);
 
 // Writes in the format that the ending of `path` names. Throws UserError.
@@ -51,24 +50,26 @@ void write_picture(const std::string& path, const Picture& picture);
 // Throws UserError unless `path` ends in .png, .jpg or .jpeg: lets a command fail before its work.
 void check_ending(const std::string& path);
 
-Plane<uint8_t> grey_of(const Picture& picture);  // (77 red + 150 green + 29 blue + 128) / 256
+inline uint8_t grey_level(const uint8_t* rgb) {
+  return uint8_t((77 * rgb[0] + 150 * rgb[1] + 29 * rgb[2] + 128) / 256);
+}
+Plane<uint8_t> grey_of(const Picture& picture);
+
+inline uint8_t over_white(uint32_t value, uint32_t alpha) {
+  return uint8_t((value * alpha + 255 * (255 - alpha) + 127) / 255);
+}
 Picture picture_of(const Plane<uint8_t>& plane);
 
 // The derivatives need two rows. A row twice has the derivatives of the row alone: pixels beyond an
 // edge equal the edge pixel.
 Plane<uint8_t> with_two_rows(Plane<uint8_t> plane);
 
-// ---- The formats, one source file each ---------------------------------------------------------
-
 using Bytes = std::vector<uint8_t>;
-
-// `name` stands in the messages of UserError.
-Picture decode_png(const Bytes& bytes, const std::string& name);
-Picture decode_jpeg(const Bytes& bytes, const std::string& name);
 Bytes encode_png(const Picture& picture, const std::string& name);
-Bytes encode_jpeg(const Picture& picture, const std::string& name);
 
-// Throws UserError where a picture is larger than every command can take.
+// Both throw UserError: where rows are too long for any command, and where a whole picture is larger than every
+// command can take.
+void check_sides(uint32_t width, uint32_t height, const std::string& name);
 void check_size(uint32_t width, uint32_t height, const std::string& name);
 
 // The orientation, 1 to 8, in the Exif block of a JPEG file; 1 where there is none.

@@ -9,6 +9,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "pairs.h"
 #include "picture.h"
 #include "plot.h"
 
@@ -26,11 +27,7 @@ struct Options {
 
 PixelPoint point_of(const std::string& text) {
   PixelPoint point{};
-  int length = 0;
-  if (std::sscanf(text.c_str(), "%9d,%9d%n", &point.x, &point.y, &length) == 2 &&
-      size_t(length) == text.size()) {
-    return point;
-  }
+  if (read_pair(text, ',', point.x, point.y)) return point;
   throw UserError(text + ": is no position, which is written as x,y");
 }
 

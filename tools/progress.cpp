@@ -22,9 +22,9 @@ Progress::~Progress() {
   if (terminal_ && done_ < total_) std::fputc('\n', stderr);
 }
 
-void Progress::advance(const std::string& label) {
+void Progress::advance(int units, const std::string& label) {
   const long lines_before = long{done_} * kPlainLines / total_;
-  ++done_;
+  done_ += units;
   const std::string text = count_text() + (label.empty() ? "" : ": " + label);
   if (terminal_) {
     draw_bar(text);

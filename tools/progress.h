@@ -13,7 +13,8 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
 
   // One more unit is done; `label` says which, where that helps.
-  void advance(const std::string& label = "");
+  void advance(const std::string& label = "") { advance(1, label); }
+  void advance(int units, const std::string& label = "");
 
  private:
   void draw_bar(const std::string& text) const;

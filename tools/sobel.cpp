@@ -3,11 +3,9 @@
 #include <memory>
 #include <string>
 
-#include "clock.h"
 #include "commands.h"
 #include "failure.h"
 #include "filter_state.h"
-#include "picture.h"
 #include "signed_output.h"
 
 namespace tools {
@@ -38,21 +36,13 @@ void differentiate(const Options& options) {
   check_order("--xorder", options.x_order, options.size);
   check_order("--yorder", options.y_order, options.size);
   check(options.out);
-  const Plane<uint8_t> grey = grey_of(read_picture(options.in));
-  Plane<int16_t> derivative(grey.size);
-  const FilterState state =
-      sobel_state(grey.size.width, kOfBytes, options.size, options.x_order, options.y_order);
-  const double seconds = seconds_of([&] {
-    RoiSize rows = grey.size;
-    require_ok(nuqiSobel_8u16s_C1R(grey.data(), grey.step(), derivative.data(), derivative.step(),
-                                   &rows, state.get(), 0),
-               "nuqiSobel_8u16s_C1R");
-  });
-  write_signed(options.out, derivative,
+  write_signed(options.in, options.out,
                "order " + std::to_string(options.x_order) + " in x and " +
                    std::to_string(options.y_order) + " in y, aperture " +
                    std::to_string(options.size),
-               seconds);
+               [&](RoiSize picture) {
+                 return sobel_stage(picture, options.size, options.x_order, options.y_order);
+               });
 }
 
 }  // namespace

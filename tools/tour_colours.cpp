@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+#include <numeric>
 
 namespace tools {
 namespace {
@@ -30,11 +32,11 @@ void put_colour(const Colour (&colours)[N], double at, uint8_t* rgb) {
   }
 }
 
-template <size_t N, class T>
-Picture coloured(const Colour (&colours)[N], const Plane<T>& plane, double zero, double range) {
+template <size_t N>
+Picture coloured(const Colour (&colours)[N], const Plane<float>& plane, double zero, double range) {
   Picture picture(plane.size, 3);
   uint8_t* rgb = picture.pixels.data();
-  for (const T value : plane.values) {
+  for (const float value : plane.values) {
     put_colour(colours, zero + (1 - zero) * double(value) / range, rgb);
     rgb += 3;
   }
@@ -59,21 +61,31 @@ std::string number(const char* sign, double value) {
   return text;
 }
 
-template <class T>
-double range_of(const Plane<T>& plane) {
-  std::vector<double> magnitudes(plane.values.size());
-  std::transform(plane.values.begin(), plane.values.end(), magnitudes.begin(),
-                 [](T value) { return std::abs(double(value)); });
-  const size_t rank = magnitudes.size() - 1 - magnitudes.size() / 100;
-  const auto at = magnitudes.begin() + ptrdiff_t(rank);
-  std::nth_element(magnitudes.begin(), at, magnitudes.end());
-  return std::max(1.0, *at);
+// Among magnitudes in ascending order, the place of the one that is shown palest.
+template <class Count>
+Count usual_rank(Count count) {
+  return count - 1 - count / 100;
 }
 
 }  // namespace
 
+SignedColours::SignedColours(double range) : table_(size_t{3} << 16) {
+  uint8_t* rgb = table_.data();
+  for (int value = INT16_MIN; value <= INT16_MAX; ++value, rgb += 3) {
+    put_colour(kSigned, 0.5 + 0.5 * value / range, rgb);
+  }
+}
+
+void SignedColours::put(const int16_t* values, size_t count, uint8_t* rgb) const {
+  for (size_t i = 0; i < count; ++i, rgb += 3) {
+    std::memcpy(rgb, &table_[3 * size_t(values[i] - INT16_MIN)], 3);
+  }
+}
+
 Picture signed_colours(const Plane<int16_t>& plane, double range) {
-  return coloured(kSigned, plane, 0.5, range);
+  Picture picture(plane.size, 3);
+  SignedColours(range).put(plane.data(), plane.values.size(), picture.pixels.data());
+  return picture;
 }
 
 Picture signed_colours(const Plane<float>& plane, double range) {
@@ -92,8 +104,47 @@ Legend heat_legend(double range, const std::string& middle) {
   return {gradient_of(kHeat), "0", middle, number("", range)};
 }
 
-double usual_range(const Plane<int16_t>& plane) { return range_of(plane); }
-double usual_range(const Plane<float>& plane) { return range_of(plane); }
+void ValueCounts::add(const int16_t* values, size_t count) {
+  for (size_t i = 0; i < count; ++i) ++of(values[i]);
+}
+
+int ValueCounts::lowest() const {
+  int value = INT16_MIN;
+  while (value < INT16_MAX && of(value) == 0) ++value;
+  return value;
+}
+
+int ValueCounts::highest() const {
+  int value = INT16_MAX;
+  while (value > INT16_MIN && of(value) == 0) --value;
+  return value;
+}
+
+double ValueCounts::usual_range() const {
+  const uint64_t rank = usual_rank(std::accumulate(counts_.begin(), counts_.end(), uint64_t{0}));
+  uint64_t within = of(0);
+  int magnitude = 0;
+  while (within <= rank) {
+    ++magnitude;
+    within += of(-magnitude) + (magnitude <= INT16_MAX ? of(magnitude) : 0);
+  }
+  return std::max(1, magnitude);
+}
+
+double usual_range(const Plane<int16_t>& plane) {
+  ValueCounts counts;
+  counts.add(plane.data(), plane.values.size());
+  return counts.usual_range();
+}
+
+double usual_range(const Plane<float>& plane) {
+  std::vector<float> magnitudes(plane.values.size());
+  std::transform(plane.values.begin(), plane.values.end(), magnitudes.begin(),
+                 [](float value) { return std::abs(value); });
+  const auto at = magnitudes.begin() + ptrdiff_t(usual_rank(magnitudes.size()));
+  std::nth_element(magnitudes.begin(), at, magnitudes.end());
+  return std::max(1.0, double(*at));
+}
 
 Plane<uint8_t> rounded(const Plane<float>& plane) {
   Plane<uint8_t> bytes(plane.size);

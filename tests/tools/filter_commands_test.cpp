@@ -1,6 +1,7 @@
 // The commands blur, sobel and laplace on pictures small enough to filter by hand.
 #include <algorithm>
 
+#include "filter_state.h"
 #include "run_program.h"
 #include "tour_colours.h"
 
@@ -69,6 +70,50 @@ TEST_F(Filters, LaplaceOfASpot) {
   expect_values({"laplace"}, {5, 5}, values);
   write_grey("in.png", {2, 1}, {0, 1});
   expect_values({"laplace", "--size", "7"}, {2, 1}, {2 * 64, -2 * 64});
+}
+
+// Tall enough for several strips; the heights end a strip early, in time and a row late.
+TEST_F(Filters, StripsGiveTheWholePicturesResult) {
+  for (const int32_t height : {2, 191, 192, 193}) {
+    const RoiSize size{37, height};
+    Picture picture(size, 3);
+    for (size_t i = 0; i < picture.pixels.size(); ++i) {
+      picture.pixels[i] = uint8_t((i * 2654435761u >> 13) ^ i / 7);
+    }
+    write_picture(path("in.png"), picture);
+    const Plane<uint8_t> grey = grey_of(picture);
+    for (const int32_t aperture : {3, 5, 7}) {
+      SCOPED_TRACE(size_text(size) + ", " + std::to_string(aperture));
+      const std::string side = std::to_string(aperture);
+      Plane<int16_t> values(size);
+      const auto whole = [&](const auto& filter, const FilterState& state,
+                             const Plane<uint8_t>& plane) {
+        RoiSize roi = size;
+        ASSERT_EQ(
+            filter(plane.data(), plane.step(), values.data(), values.step(), &roi, state.get(), 0),
+            StatusOk);
+      };
+      whole(nuqiSobel_8u16s_C1R, sobel_state(size.width, kOfBytes, aperture, 1, 1), grey);
+      expect_values({"sobel", "--size", side, "--xorder", "1", "--yorder", "1"}, size,
+                    values.values);
+      whole(nuqiLaplace_8u16s_C1R, laplace_state(size.width, kOfBytes, aperture), grey);
+      expect_values({"laplace", "--size", side}, size, values.values);
+
+      ASSERT_EQ(run({"blur", path("in.png"), path("out.png"), "--size", side}).code, 0);
+      const Picture blurred = read_picture(path("out.png"));
+      const int area = aperture * aperture;
+      for (size_t c = 0; c < 3; ++c) {
+        Plane<uint8_t> channel(size);
+        for (size_t i = 0; i < channel.values.size(); ++i) {
+          channel.values[i] = picture.pixels[3 * i + c];
+        }
+        whole(nuqiBlur_8u16s_C1R, blur_state(size.width, kOfBytes, aperture), channel);
+        for (size_t i = 0; i < values.values.size(); ++i) {
+          ASSERT_EQ(int(blurred.pixels[3 * i + c]), (values.values[i] + area / 2) / area);
+        }
+      }
+    }
+  }
 }
 
 TEST_F(Filters, WithoutARangeFewValuesArePalest) {

@@ -52,6 +52,16 @@ void ProgramTest::expect_refused(const std::vector<std::string>& arguments,
   }
 }
 
+std::set<std::string> ProgramTest::files() const {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    names.insert(entry.path().filename().string());
+  }
+  names.erase("stdout.txt");
+  names.erase("stderr.txt");
+  return names;
+}
+
 void ProgramTest::write_text(const std::string& name, const std::string& text) const {
   write_file(path(name), text.data(), text.size());
 }

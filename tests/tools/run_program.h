@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,9 @@ class ProgramTest : public testing::Test {
   // Exit code 2 and one line on stderr that holds every word.
   void expect_refused(const std::vector<std::string>& arguments,
                       const std::vector<std::string>& words) const;
+
+  // The names of all files, what the program printed left out.
+  std::set<std::string> files() const;
 
   void write_text(const std::string& name, const std::string& text) const;
   std::string read_text(const std::string& name) const;

@@ -4,7 +4,7 @@
 #include <array>
 #include <functional>
 
-#include "picture.h"
+#include "row_reader.h"
 
 namespace tools::test {
 
@@ -30,5 +30,7 @@ enum class JpegKind { grey, colour, progressive, cmyk, adobe_cmyk };
 // written into an Exif block of the given byte order.
 Bytes jpeg_of(JpegKind kind, RoiSize size, const Sample& sample, int orientation = 0,
               bool big_endian = false);
+
+Picture picture_of_bytes(const Bytes& file, const std::string& name, Form form = Form::colour);
 
 }  // namespace tools::test

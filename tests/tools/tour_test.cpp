@@ -37,7 +37,7 @@ Page page_of(const std::string& html) {
     page.text += html.substr(at, found - at) + "src=\"data:\"";
     const size_t begin = found + prefix.size(), end = html.find('"', begin);
     page.pictures.push_back(
-        decode_png(from_base64(html.substr(begin, end - begin)), "a picture of the page"));
+        picture_of_bytes(from_base64(html.substr(begin, end - begin)), "a picture of the page"));
     at = end + 1;
   }
   page.text += html.substr(at);
@@ -112,7 +112,13 @@ TEST_F(Tour, ThePageShowsEachFamilyAndItsCalls) {
                            "nuqibFastArctan_32f",
                            "nuqiCopy_8u_C3P3R",
                            "nuqiCopy_8u_P3C3R",
-                           "nuqiSampleLine_8u_C3R"}) {
+                           "nuqiSampleLine_8u_C3R",
+                           "nuqiErodeStrip_Rect_8u_C1R",
+                           "nuqiErodeStrip_Cross_8u_C1R",
+                           "nuqiErodeStrip_8u_C1R",
+                           "nuqiDilateStrip_Rect_8u_C1R",
+                           "nuqiDilateStrip_Cross_8u_C1R",
+                           "nuqiDilateStrip_8u_C1R"}) {
     EXPECT_GE(count_of(page.text, std::string("<b>") + call + "</b>("), 1) << call;
   }
   EXPECT_EQ(count_of(page.text, "roi, 100.0f, 200.0f, buffer)"), 2);

@@ -1,0 +1,137 @@
+// A file that the program writes is whole, or what was there before.
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <thread>
+
+#include "run_program.h"
+#include "sample_pictures.h"
+
+namespace tools::test {
+namespace {
+
+using Names = std::set<std::string>;
+
+Rgba noise(int x, int y) {
+  uint32_t bits = uint32_t(x + 1000 * y) * 2654435761u;
+  bits = (bits ^ bits >> 15) * 2246822519u;
+  return {int(bits >> 24), int(bits >> 16 & 255), int(bits >> 8 & 255), 255};
+}
+
+std::string text_of(const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); }
+
+class OutputFiles : public ProgramTest {
+ protected:
+  // Several strips high.
+  static std::string png() { return text_of(png_of({"", 2, 8}, {50, 400}, noise)); }
+  static std::string jpeg() { return text_of(jpeg_of(JpegKind::colour, {50, 400}, noise)); }
+};
+
+// While it lives, files written by this process and its children stay below a size.
+class FullDisk {
+ public:
+  explicit FullDisk(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit{bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before_); }
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+TEST_F(OutputFiles, ReadAsThePictureThatWasWritten) {
+  for (const int channels : {1, 3, 4}) {
+    Picture picture({37, 5}, channels);
+    for (size_t i = 0; i < picture.pixels.size(); ++i) picture.pixels[i] = uint8_t(100 + i / 8);
+    for (size_t i = 3; channels == 4 && i < picture.pixels.size(); i += 4) {
+      picture.pixels[i] = i % 8 == 3 ? 255 : 254;
+    }
+    write_picture(path("out.png"), picture);
+    write_picture(path("out.jpg"), picture);
+    EXPECT_EQ(whole_picture(*open_rows(path("out.png"), Form::stored), "").pixels, picture.pixels);
+    const Picture jpeg = read_picture(path("out.jpg"));
+    for (size_t i = 0; i < jpeg.pixels.size(); ++i) {
+      const size_t at = channels == 1 ? i / 3 : i / 3 * size_t(channels) + i % 3;
+      ASSERT_NEAR(int(jpeg.pixels[i]), int(picture.pixels[at]), 8) << channels;
+    }
+  }
+}
+
+TEST_F(OutputFiles, TruncatedInputChangesNothing) {
+  for (const std::string in : {"in.png", "in.jpg"}) {
+    const std::string file = in == "in.png" ? png() : jpeg();
+    for (const size_t kept : {file.size() / 8, file.size() / 2, file.size() - 20}) {
+      SCOPED_TRACE(in + ", " + std::to_string(kept) + " bytes");
+      write_text(in, file.substr(0, kept));
+      write_text("out.png", "old");
+      for (const char* command : {"blur", "sobel", "laplace", "edges"}) {
+        expect_refused({command, path(in), path("out.png")}, {path(in), "broken"});
+        expect_refused({command, path(in), path("new.jpg")}, {path(in), "broken"});
+      }
+      expect_refused({"sobel", path(in), path("out.png"), "--range", "9"}, {path(in), "broken"});
+      EXPECT_TRUE(read_text("out.png") == "old");
+      std::filesystem::remove(path(in));
+      EXPECT_EQ(files().size(), 1u);
+    }
+  }
+}
+
+TEST_F(OutputFiles, AFullDiskChangesNothing) {
+  write_text("in.png", png());
+  write_text("out.png", "old");
+  {
+    const FullDisk disk(4096);
+    for (const char* command : {"blur", "sobel", "laplace"}) {
+      for (const char* out : {"out.png", "new.png", "new.jpg"}) {
+        expect_refused({command, path("in.png"), path(out)}, {out, "File too large"});
+      }
+    }
+    expect_refused({"split", path("in.png"), path("out.png"), path("g.png"), path("b.png")},
+                   {"out.png", "File too large"});
+  }
+  EXPECT_TRUE(read_text("out.png") == "old");
+  EXPECT_EQ(files(), (Names{"in.png", "out.png"}));
+}
+
+TEST_F(OutputFiles, MayBeTheInput) {
+  write_text("in.png", png());
+  ASSERT_EQ(run({"blur", path("in.png"), path("out.png")}).code, 0);
+  ASSERT_EQ(run({"blur", path("in.png"), path("in.png")}).code, 0);
+  EXPECT_TRUE(read_text("in.png") == read_text("out.png"));
+  EXPECT_EQ(files(), (Names{"in.png", "out.png"}));
+}
+
+TEST_F(OutputFiles, DevicesAreWrittenDirectly) {
+  write_text("in.png", png());
+  std::filesystem::create_symlink("/dev/null", path("null.png"));
+  std::filesystem::create_symlink("/dev/full", path("full.png"));
+  std::filesystem::create_symlink("/dev/full", path("full.jpg"));
+  EXPECT_EQ(run({"blur", path("in.png"), path("null.png")}).code, 0);
+  for (const char* out : {"full.png", "full.jpg"}) {
+    expect_refused({"blur", path("in.png"), path(out)}, {out, "No space left on device"});
+  }
+  EXPECT_EQ(files(), (Names{"in.png", "null.png", "full.png", "full.jpg"}));
+  EXPECT_TRUE(std::filesystem::is_symlink(path("null.png")));
+}
+
+TEST_F(OutputFiles, APipeIsReadOnce) {
+  const std::string picture = png();
+  write_text("in.png", picture);
+  ASSERT_EQ(mkfifo(path("pipe.png").c_str(), 0600), 0);
+  for (const char* command : {"blur", "sobel"}) {
+    std::thread writer([&] { std::ofstream(path("pipe.png")) << picture; });
+    const Outcome outcome = run({command, path("pipe.png"), path("out.png")});
+    writer.join();
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    ASSERT_EQ(run({command, path("in.png"), path("expected.png")}).code, 0);
+    EXPECT_TRUE(read_text("out.png") == read_text("expected.png"));
+  }
+}
+
+}  // namespace
+}  // namespace tools::test
