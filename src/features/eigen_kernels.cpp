@@ -67,7 +67,13 @@ struct Planes {
   Px<float> of[kEigenPlanes];
 };
 
-// Of a block: the sums along its last rows, as many as a window has, and the sum of those.
+// The sums along the rows of a block: those of the last rows before a band, as many as a window has, then
+// the band's own and copies of its last one.
+struct Rows {
+  alignas(64) float of[kEigenPlanes][7 + kEigenRows + 3][16];
+};
+
+// What the buffer keeps of a block from band to band: those last rows, and the sums over them.
 struct Kept {
   float* at;
   int64_t pitch;
@@ -79,35 +85,36 @@ struct Kept {
   NUQI_INLINE float* total(int plane) const { return row(plane, size); }
 };
 
-// Takes a strip's rows one by one; along(i) gives the sums along row i. Writes the results of the windows
+// Takes a band's rows one by one; along(i) gives the sums along row i. Writes the results of the windows
 // that end, from dst's row 0 on for the first row's.
 template <EigenResult result, class Along>
-NUQI_INLINE void walk_down(const EigenJob& job, const Kept& kept, const Image<float>& dst,
-                           const Along& along) {
+NUQI_INLINE void walk_down(const EigenJob& job, const Kept& kept, Rows& rows,
+                           const Image<float>& dst, const Along& along) {
+  const int size = kept.size, count = job.rows + job.repeats;
   alignas(64) float sums[kEigenPlanes][16];
   Planes row, total;
-  int i = 0, slot = int(job.y % kept.size);
+  int i = 0;
   if (job.y == 0) {
     // The first row counts half + 1 times; nothing leaves before it does.
     row = along(0);
     for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-      for (int k = 0; k < kept.size; ++k)
-        store(kept.row(p, k), k > 0 && k <= job.half ? Px<float>{} : row.of[p]);
+      for (int k = 1; k <= size; ++k) store(rows.of[p][k], k <= job.half ? Px<float>{} : row.of[p]);
       total.of[p] = row.of[p] * broadcast(float(job.half + 1));
     });
-    i = slot = 1;
+    i = 1;
   } else {
-    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { total.of[p] = load(kept.total(p)); });
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+      for (int k = 0; k < size; ++k) store(rows.of[p][k], load(kept.row(p, k)));
+      total.of[p] = load(kept.total(p));
+    });
   }
-  for (; i < job.rows + job.repeats; ++i) {
+  for (; i < count; ++i) {
     if (i < job.rows) row = along(i);
     for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-      float* const place = kept.row(p, slot);
-      total.of[p] = total.of[p] + (row.of[p] - load(place));
-      store(place, row.of[p]);
+      total.of[p] = total.of[p] + (row.of[p] - load(rows.of[p][i]));
+      store(rows.of[p][size + i], row.of[p]);
       store(sums[p], total.of[p]);
     });
-    slot = slot + 1 == kept.size ? 0 : slot + 1;
     if (job.y + i < job.half) continue;
     for (int lane = 0; lane < 16; lane += Doubles::kLanes) {
       const auto at = [&](int p)
@@ -116,7 +123,10 @@ NUQI_INLINE void walk_down(const EigenJob& job, const Kept& kept, const Image<fl
                              job.scale);
     }
   }
-  for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(kept.total(p), total.of[p]); });
+  for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+    for (int k = 0; k < size; ++k) store(kept.row(p, k), load(rows.of[p][count + k]));
+    store(kept.total(p), total.of[p]);
+  });
 }
 
 // The block from column x of the image on. Where fewer than sixteen are left, what is kept of them and
@@ -130,7 +140,9 @@ NUQI_INLINE void write_block(const EigenJob& job, int32_t x, const Along& along)
   const bool whole = columns >= 16;
   const Kept kept =
       whole ? Kept{job.kept + x, job.width, size} : Kept{job.carry->kept[0], 16, size};
-  walk_down<result>(job, kept, whole ? dst : Image<float>{out[0], int32_t{sizeof out[0]}}, along);
+  Rows rows;
+  walk_down<result>(job, kept, rows, whole ? dst : Image<float>{out[0], int32_t{sizeof out[0]}},
+                    along);
   if (whole) return;
   for (int i = 0; i < job.rows + job.repeats; ++i)
     if (job.y + i >= job.half)

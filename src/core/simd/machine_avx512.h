@@ -65,6 +65,10 @@ requires(sizeof(LaneOf<V>) == 1) NUQI_INLINE Out widen_all(const V& a) {
   return (Out)(kIsSigned<LaneOf<V>> ? _mm512_cvtepi8_epi16(in) : _mm512_cvtepu8_epi16(in));
 }
 template <Zmm Out, class V>
+requires(sizeof(LaneOf<V>) == 2 && kIsSigned<LaneOf<V>>) NUQI_INLINE Out widen_all(const V& a) {
+  return (Out)_mm512_cvtepi16_epi32((__m256i)a);
+}
+template <Zmm Out, class V>
 NUQI_INLINE Out widen_bytes(const V& a, int) {
   const __m128i in = (__m128i)a;
   return (Out)(kIsSigned<LaneOf<V>> ? _mm512_cvtepi8_epi32(in) : _mm512_cvtepu8_epi32(in));
