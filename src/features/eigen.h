@@ -70,15 +70,14 @@ using EigenKernel = void (*)(const EigenJob&, const EigenStrip<D>&);
 enum class EigenResult { minimum, vectors };
 constexpr int values_of(EigenResult result) { return result == EigenResult::minimum ? 1 : 6; }
 
-// By result.
 template <class D>
 struct EigenKernelsOf {
-  EigenKernel<D> running[2];
+  EigenKernel<D> running[2];  // [result]
 };
 template <>
 struct EigenKernelsOf<int16_t> {
   EigenKernel<int16_t> running[2];
-  EigenKernel<int16_t> exact[2];  // of bytes' 3x3 derivatives; the minimum's window is 3x3, too
+  EigenKernel<int16_t> minimum_of_bytes3x3;  // where both aperture and window are 3x3
 };
 
 using EigenKernels = ByType<EigenKernelsOf, int16_t, float>;

@@ -1,6 +1,8 @@
 // Corners: products of derivatives, their sums over a window, eigenvalues of these.
 #include "core/simd/arithmetic.h"
 #include "core/simd/planes.h"
+#include "core/simd/reduce.h"
+#include "core/simd/shuffle.h"
 #include "features/eigen.h"
 #include "filters/running_sums.h"
 
@@ -159,28 +161,34 @@ NUQI_INLINE Px<float> to_floats(const Px<float>& a) { return a; }
 NUQI_INLINE Planes products(const Px<float>& dx, const Px<float>& dy) {
   return {{dx * dx, dx * dy, dy * dy}};
 }
-NUQI_INLINE Planes operator+(const Planes& a, const Planes& b) {
-  return {{a.of[0] + b.of[0], a.of[1] + b.of[1], a.of[2] + b.of[2]}};
+// Products of bytes' 3x3 derivatives, and sums of three, are below 2^24: they may be added in any order.
+// Of each pair of columns, the left one's window is the pair and the column before it, the right one's the
+// pair and the column behind it.
+struct Pairs {
+  Px<int16_t> both, before, behind;
+
+  NUQI_INLINE explicit Pairs(const int16_t* from)
+      : both(load(from)), before(load(from - 1)), behind(load(from + 2)) {}
+};
+NUQI_INLINE Px<float> sum_three(const Pairs& a, const Pairs& b) {
+  const auto first = [](const Px<int16_t>& pairs) NUQI_FORCED {
+    return lanes_as<int16_t>(lanes_as<int32_t>(pairs) & broadcast<int32_t, 8>(0xFFFF));
+  };
+  const auto both = dot_pairs(a.both, b.both);
+  return convert<float>(zip(both + dot_pairs(first(a.before), b.before),
+                            both + dot_pairs(first(a.behind), b.behind)));
 }
 
-// Where single precision is exact, in any order.
-template <EigenResult result>
-void exact(const EigenJob& job, const EigenStrip<int16_t>& strip) {
-  constexpr int kMargin = EigenStrip<int16_t>::kMargin;
-  const int half = result == EigenResult::minimum ? 1 : job.half;
+void minimum_of_bytes3x3(const EigenJob& job, const EigenStrip<int16_t>& strip) {
   for (int32_t x = 0; x < job.columns; x += 16)
-    write_block<result>(job, job.x + x, [&](int i) NUQI_FORCED {
-      const auto at = [&](int k) NUQI_FORCED {
-        return products(to_floats(load(strip.dx[i] + kMargin + x + k)),
-                        to_floats(load(strip.dy[i] + kMargin + x + k)));
-      };
-      Planes sums = at(0);
-      for (int k = 1; k <= half; ++k) sums = sums + (at(-k) + at(k));
-      return sums;
+    write_block<EigenResult::minimum>(job, job.x + x, [&](int i) NUQI_FORCED {
+      constexpr int kMargin = EigenStrip<int16_t>::kMargin;
+      const Pairs dx(strip.dx[i] + kMargin + x), dy(strip.dy[i] + kMargin + x);
+      return Planes{{sum_three(dx, dx), sum_three(dx, dy), sum_three(dy, dy)}};
     });
 }
 
-// Elsewhere they run, along the rows of a block at a time.
+// Elsewhere the sums run, along the rows of a block at a time.
 struct RunningSums {
   RunningColumns columns[kEigenPlanes];
   alignas(64) float along[kEigenPlanes][kEigenRows][16];
@@ -248,7 +256,7 @@ constexpr EigenKernelsOf<D> kKernels = {
 template <>
 constexpr EigenKernelsOf<int16_t> kKernels<int16_t> = {
     {running<EigenResult::minimum, int16_t>, running<EigenResult::vectors, int16_t>},
-    {exact<EigenResult::minimum>, exact<EigenResult::vectors>}};
+    minimum_of_bytes3x3};
 
 }  // namespace
 
