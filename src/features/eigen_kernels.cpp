@@ -18,42 +18,62 @@ using Doubles = Vec<double, Reg<float>::kLanes>;
 NUQI_INLINE Doubles doubles(double value) { return broadcast<double, Doubles::kLanes>(value); }
 NUQI_INLINE Doubles square(const Doubles& a) { return a * a; }
 
-// The sums over a pixel's window of dx * dx, dx * dy and dy * dy.
-struct Sums {
-  Doubles xx, xy, yy;
-};
+// Integers, which are exact sums, are added and subtracted as such, floats as doubles.
+NUQI_INLINE Doubles sum(const Reg<int32_t>& a, const Reg<int32_t>& b) { return to_doubles(a + b); }
+NUQI_INLINE Doubles sum(const Reg<float>& a, const Reg<float>& b) {
+  return to_doubles(a) + to_doubles(b);
+}
+NUQI_INLINE Doubles difference(const Reg<int32_t>& a, const Reg<int32_t>& b) {
+  return to_doubles(a - b);
+}
+NUQI_INLINE Doubles difference(const Reg<float>& a, const Reg<float>& b) {
+  return to_doubles(a) - to_doubles(b);
+}
 
+// From the sums over a pixel's window of dx * dx, dx * dy and dy * dy, in two steps: between them other
+// pixels' work hides the latency of the square root.
 template <EigenResult>
 struct Results;
 
 template <>
 struct Results<EigenResult::minimum> {
-  static NUQI_INLINE void write(float* to, const Sums& sums, double scale) {
-    const auto a = sums.xx * doubles(0.5), c = sums.yy * doubles(0.5);
-    const auto root = square_root(add_exact_square(square(a - c), sums.xy));
-    store(to, round_to_floats((a + c - root) * doubles(scale)));
+  Doubles trace, root;
+
+  // Twice all that the contract says: powers of two round nothing.
+  template <class V>
+  NUQI_INLINE void begin(const V& xx, const V& xy, const V& yy, double) {
+    trace = sum(xx, yy);
+    root = square_root(add_exact_square(square(difference(xx, yy)), sum(xy, xy)));
+  }
+  NUQI_INLINE void finish(float* to, double scale) const {
+    store(to, round_to_floats((trace - root) * doubles(0.5 * scale)));
   }
 };
 
 template <>
 struct Results<EigenResult::vectors> {
-  static NUQI_INLINE void write(float* to, const Sums& sums, double scale) {
-    const auto none = doubles(0), one = doubles(1), half = doubles(0.5);
-    const auto a = sums.xx * doubles(scale), b = sums.xy * doubles(scale);
-    const auto c = sums.yy * doubles(scale);
-    const auto limit = doubles(0.01) * max(a, c);
-    const auto determinant = a * c - square(b);
-    const auto diagonal = max(b, none - b) < limit;
-    const auto flat = (min(a, c) < limit) | (~diagonal & (determinant < limit));
+  Doubles a, b, c, determinant, root;
 
-    const auto trace = a + c;
-    const auto root = square_root(square(trace) - doubles(4) * determinant);
-    const Doubles l1 = (trace + root) * half, l2 = (trace - root) * half;
+  template <class V>
+  NUQI_INLINE void begin(const V& xx, const V& xy, const V& yy, double scale) {
+    a = to_doubles(xx) * doubles(scale);
+    b = to_doubles(xy) * doubles(scale);
+    c = to_doubles(yy) * doubles(scale);
+    determinant = a * c - square(b);
+    root = square_root(square(a + c) - doubles(4) * determinant);
+  }
+  NUQI_INLINE void finish(float* to, double) const {
+    const auto none = doubles(0), one = doubles(1), half = doubles(0.5);
+    const Doubles l1 = (a + c + root) * half, l2 = (a + c - root) * half;
     const auto length_of = [&](const Doubles& l) NUQI_FORCED {
       const auto length = square_root(square(b) + square(l - a));
       return select(length == none, doubles(__FLT_EPSILON__), length);
     };
     const auto n1 = length_of(l1), n2 = length_of(l2);
+
+    const auto limit = doubles(0.01) * max(a, c);
+    const auto diagonal = max(b, none - b) < limit;
+    const auto flat = (min(a, c) < limit) | (~diagonal & (determinant < limit));
     const auto choose = [&](const Doubles& axis, const Doubles& value) NUQI_FORCED {
       return round_to_floats(keep(~flat, select(diagonal, axis, value)));
     };
@@ -64,44 +84,45 @@ struct Results<EigenResult::vectors> {
 
 // ---- Sums down the columns, of a block of columns
 
-// A value for each plane.
+// A value for each plane: floats, or integers of the same size.
+template <class T>
 struct Planes {
-  Px<float> of[kEigenPlanes];
+  Px<T> of[kEigenPlanes];
 };
 
 // The sums along the rows of a block: those of the last rows before a band, as many as a window has, then
 // the band's own and copies of its last one.
+template <class T>
 struct Rows {
-  alignas(64) float of[kEigenPlanes][7 + kEigenRows + 3][16];
+  alignas(64) T of[kEigenPlanes][7 + kEigenRows + 3][16];
 };
 
 // What the buffer keeps of a block from band to band: those last rows, and the sums over them.
+template <class T>
 struct Kept {
-  float* at;
+  T* at;
   int64_t pitch;
   int size;
 
-  NUQI_INLINE float* row(int plane, int64_t i) const {
-    return at + (plane * (size + 1) + i) * pitch;
-  }
-  NUQI_INLINE float* total(int plane) const { return row(plane, size); }
+  NUQI_INLINE T* row(int plane, int64_t i) const { return at + (plane * (size + 1) + i) * pitch; }
+  NUQI_INLINE T* total(int plane) const { return row(plane, size); }
 };
 
 // Takes a band's rows one by one; along(i) gives the sums along row i. Writes the results of the windows
 // that end, from dst's row 0 on for the first row's.
-template <EigenResult result, class Along>
-NUQI_INLINE void walk_down(const EigenJob& job, const Kept& kept, Rows& rows,
+template <EigenResult result, class T, class Along>
+NUQI_INLINE void walk_down(const EigenJob& job, const Kept<T>& kept, Rows<T>& rows,
                            const Image<float>& dst, const Along& along) {
   const int size = kept.size, count = job.rows + job.repeats;
-  alignas(64) float sums[kEigenPlanes][16];
-  Planes row, total;
+  alignas(64) T sums[kEigenPlanes][16];
+  Planes<T> row, total;
   int i = 0;
   if (job.y == 0) {
     // The first row counts half + 1 times; nothing leaves before it does.
     row = along(0);
     for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-      for (int k = 1; k <= size; ++k) store(rows.of[p][k], k <= job.half ? Px<float>{} : row.of[p]);
-      total.of[p] = row.of[p] * broadcast(float(job.half + 1));
+      for (int k = 1; k <= size; ++k) store(rows.of[p][k], k <= job.half ? Px<T>{} : row.of[p]);
+      total.of[p] = row.of[p] * broadcast(T(job.half + 1));
     });
     i = 1;
   } else {
@@ -110,19 +131,25 @@ NUQI_INLINE void walk_down(const EigenJob& job, const Kept& kept, Rows& rows,
       total.of[p] = load(kept.total(p));
     });
   }
-  for (; i < count; ++i) {
+  // Row i is begun, row i - 1 finished.
+  Results<result> results[16 / Doubles::kLanes];
+  for (; i <= count; ++i) {
     if (i < job.rows) row = along(i);
-    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-      total.of[p] = total.of[p] + (row.of[p] - load(rows.of[p][i]));
-      store(rows.of[p][size + i], row.of[p]);
-      store(sums[p], total.of[p]);
-    });
-    if (job.y + i < job.half) continue;
-    for (int lane = 0; lane < 16; lane += Doubles::kLanes) {
-      const auto at = [&](int p)
-                          NUQI_FORCED { return load_doubles<Doubles::kLanes>(sums[p] + lane); };
-      Results<result>::write(row_of(dst, i) + values_of(result) * lane, {at(0), at(1), at(2)},
-                             job.scale);
+    if (i < count)
+      for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+        total.of[p] = total.of[p] + (row.of[p] - load(rows.of[p][i]));
+        store(rows.of[p][size + i], row.of[p]);
+        store(sums[p], total.of[p]);
+      });
+    for (int k = 0; k < 16 / Doubles::kLanes; ++k) {
+      const auto at = [&](int p) NUQI_FORCED {
+        return load<Doubles::kLanes>(sums[p] + k * Doubles::kLanes);
+      };
+      Results<result> next;
+      next.begin(at(0), at(1), at(2), job.scale);
+      if (i > 0 && job.y + i > job.half)
+        results[k].finish(row_of(dst, i - 1) + values_of(result) * Doubles::kLanes * k, job.scale);
+      results[k] = next;
     }
   }
   for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
@@ -133,16 +160,16 @@ NUQI_INLINE void walk_down(const EigenJob& job, const Kept& kept, Rows& rows,
 
 // The block from column x of the image on. Where fewer than sixteen are left, what is kept of them and
 // their results go to places of their own.
-template <EigenResult result, class Along>
+template <EigenResult result, class T, class Along>
 NUQI_INLINE void write_block(const EigenJob& job, int32_t x, const Along& along) {
   constexpr int kValues = values_of(result);
   const int size = 2 * job.half + 1, columns = job.width - x;
   const Image<float> dst = {row_of(job.dst, job.y - job.half) + int64_t{kValues} * x, job.dst.step};
   alignas(64) float out[kEigenRows + 3][16 * kValues];
   const bool whole = columns >= 16;
-  const Kept kept =
-      whole ? Kept{job.kept + x, job.width, size} : Kept{job.carry->kept[0], 16, size};
-  Rows rows;
+  const Kept<T> kept = whole ? Kept<T>{(T*)job.kept + x, job.width, size}
+                             : Kept<T>{(T*)job.carry->kept[0], 16, size};
+  Rows<T> rows;
   walk_down<result>(job, kept, rows, whole ? dst : Image<float>{out[0], int32_t{sizeof out[0]}},
                     along);
   if (whole) return;
@@ -158,11 +185,11 @@ NUQI_INLINE Px<float> to_floats(const Px<int16_t>& a) {
 }
 NUQI_INLINE Px<float> to_floats(const Px<float>& a) { return a; }
 
-NUQI_INLINE Planes products(const Px<float>& dx, const Px<float>& dy) {
+NUQI_INLINE Planes<float> products(const Px<float>& dx, const Px<float>& dy) {
   return {{dx * dx, dx * dy, dy * dy}};
 }
-// Products of bytes' 3x3 derivatives, and sums of three, are below 2^24: they may be added in any order.
-// Of each pair of columns, the left one's window is the pair and the column before it, the right one's the
+// Nine products of bytes' 3x3 derivatives are below 2^24: floats would be exact, and so integers give the
+// same. Of each pair of columns, the left one's window is the pair and the column before it, the right one's the
 // pair and the column behind it.
 struct Pairs {
   Px<int16_t> both, before, behind;
@@ -170,21 +197,21 @@ struct Pairs {
   NUQI_INLINE explicit Pairs(const int16_t* from)
       : both(load(from)), before(load(from - 1)), behind(load(from + 2)) {}
 };
-NUQI_INLINE Px<float> sum_three(const Pairs& a, const Pairs& b) {
+NUQI_INLINE Px<int32_t> sum_three(const Pairs& a, const Pairs& b) {
   const auto first = [](const Px<int16_t>& pairs) NUQI_FORCED {
     return lanes_as<int16_t>(lanes_as<int32_t>(pairs) & broadcast<int32_t, 8>(0xFFFF));
   };
   const auto both = dot_pairs(a.both, b.both);
-  return convert<float>(zip(both + dot_pairs(first(a.before), b.before),
-                            both + dot_pairs(first(a.behind), b.behind)));
+  return zip(both + dot_pairs(first(a.before), b.before),
+             both + dot_pairs(first(a.behind), b.behind));
 }
 
 void minimum_of_bytes3x3(const EigenJob& job, const EigenStrip<int16_t>& strip) {
   for (int32_t x = 0; x < job.columns; x += 16)
-    write_block<EigenResult::minimum>(job, job.x + x, [&](int i) NUQI_FORCED {
+    write_block<EigenResult::minimum, int32_t>(job, job.x + x, [&](int i) NUQI_FORCED {
       constexpr int kMargin = EigenStrip<int16_t>::kMargin;
       const Pairs dx(strip.dx[i] + kMargin + x), dy(strip.dy[i] + kMargin + x);
-      return Planes{{sum_three(dx, dx), sum_three(dx, dy), sum_three(dy, dy)}};
+      return Planes<int32_t>{{sum_three(dx, dx), sum_three(dx, dy), sum_three(dy, dy)}};
     });
 }
 
@@ -209,7 +236,7 @@ NUQI_NOINLINE void read(const EigenJob& job, const EigenStrip<D>& strip, int32_t
   turn(strip.dx, turned[0][0]);
   turn(strip.dy, turned[1][0]);
   for (int i = 0; i < 16; ++i) {
-    const Planes column = products(load(turned[0][i]), load(turned[1][i]));
+    const Planes<float> column = products(load(turned[0][i]), load(turned[1][i]));
     for_each<kEigenPlanes>([&](int p)
                                NUQI_FORCED { sums.columns[p].set(job.x + x + i, column.of[p]); });
   }
@@ -226,8 +253,8 @@ NUQI_NOINLINE void add(const EigenJob& job, int plane, int32_t x, RunningSums& s
 template <EigenResult result>
 NUQI_NOINLINE void write(const EigenJob& job, int32_t x, RunningSums& sums) {
   for (int p = 0; p < kEigenPlanes; ++p) add(job, p, x, sums);
-  write_block<result>(job, x, [&](int i) NUQI_FORCED {
-    return Planes{{load(sums.along[0][i]), load(sums.along[1][i]), load(sums.along[2][i])}};
+  write_block<result, float>(job, x, [&](int i) NUQI_FORCED {
+    return Planes<float>{{load(sums.along[0][i]), load(sums.along[1][i]), load(sums.along[2][i])}};
   });
 }
 

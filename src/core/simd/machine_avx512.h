@@ -77,8 +77,9 @@ NUQI_INLINE Out widen_bytes(const V& a, int) {
 template <Zmm V>
 NUQI_INLINE auto to_doubles(const V& a, int half) {
   const __m512d both = (__m512d)a;
-  return (NativeAs<double, V>)_mm512_cvtps_pd(
-      (__m256)(half == 0 ? _mm512_castpd512_pd256(both) : _mm512_extractf64x4_pd(both, 1)));
+  const __m256d lanes = half == 0 ? _mm512_castpd512_pd256(both) : _mm512_extractf64x4_pd(both, 1);
+  return (NativeAs<double, V>)(kIsFloat<LaneOf<V>> ? _mm512_cvtps_pd((__m256)lanes)
+                                                   : _mm512_cvtepi32_pd((__m256i)lanes));
 }
 template <Zmm V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {

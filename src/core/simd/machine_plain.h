@@ -144,11 +144,11 @@ NUQI_INLINE Out widen_bytes(const V& a, int i) {
   return i % 2 == 0 ? widen_low<int32_t>(half) : widen_high<int32_t>(half);
 }
 
-// Half a register of floats as doubles; two registers of doubles rounded to floats.
+// Half a register of floats or 32-bit integers as doubles; two registers of doubles rounded to floats.
 template <class V>
 NUQI_INLINE auto to_doubles(const V& a, int half) {
   using Out = NativeAs<double, V>;
-  return half == 0 ? Out{a[0], a[1]} : Out{a[2], a[3]};
+  return half == 0 ? Out{(double)a[0], (double)a[1]} : Out{(double)a[2], (double)a[3]};
 }
 template <class V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {
