@@ -113,29 +113,31 @@ struct Kept {
 template <EigenResult result, class T, class Along>
 NUQI_INLINE void walk_down(const EigenJob& job, const Kept<T>& kept, Rows<T>& rows,
                            const Image<float>& dst, const Along& along) {
-  const int size = kept.size, count = job.rows + job.repeats;
+  // Copies, which no store can change.
+  const int size = kept.size, in_image = job.rows, count = in_image + job.repeats;
+  const int first = job.y < job.half ? int(job.half - job.y) : 0;  // to end a window
+  const bool top = job.y == 0;
+  const double scale = job.scale;
   alignas(64) T sums[kEigenPlanes][16];
   Planes<T> row, total;
-  int i = 0;
-  if (job.y == 0) {
-    // The first row counts half + 1 times; nothing leaves before it does.
-    row = along(0);
-    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-      for (int k = 1; k <= size; ++k) store(rows.of[p][k], k <= job.half ? Px<T>{} : row.of[p]);
-      total.of[p] = row.of[p] * broadcast(T(job.half + 1));
-    });
-    i = 1;
-  } else {
-    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-      for (int k = 0; k < size; ++k) store(rows.of[p][k], load(kept.row(p, k)));
-      total.of[p] = load(kept.total(p));
-    });
+  if (job.y > 0) {
+    for (int k = 0; k < size; ++k)
+      for_each<kEigenPlanes>([&](int p)
+                                 NUQI_FORCED { store(rows.of[p][k], load(kept.row(p, k))); });
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { total.of[p] = load(kept.total(p)); });
   }
   // Row i is begun, row i - 1 finished.
   Results<result> results[16 / Doubles::kLanes];
-  for (; i <= count; ++i) {
-    if (i < job.rows) row = along(i);
-    if (i < count)
+  for (int i = 0; i <= count; ++i) {
+    if (i < in_image) row = along(i);
+    if (top && i == 0)
+      for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+        // The first row counts half + 1 times; nothing leaves before it does.
+        for (int k = 1; k <= size; ++k) store(rows.of[p][k], k <= job.half ? Px<T>{} : row.of[p]);
+        total.of[p] = row.of[p] * broadcast(T(job.half + 1));
+        store(sums[p], total.of[p]);
+      });
+    else if (i < count)
       for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
         total.of[p] = total.of[p] + (row.of[p] - load(rows.of[p][i]));
         store(rows.of[p][size + i], row.of[p]);
@@ -145,17 +147,15 @@ NUQI_INLINE void walk_down(const EigenJob& job, const Kept<T>& kept, Rows<T>& ro
       const auto at = [&](int p) NUQI_FORCED {
         return load<Doubles::kLanes>(sums[p] + k * Doubles::kLanes);
       };
-      Results<result> next;
-      next.begin(at(0), at(1), at(2), job.scale);
-      if (i > 0 && job.y + i > job.half)
-        results[k].finish(row_of(dst, i - 1) + values_of(result) * Doubles::kLanes * k, job.scale);
-      results[k] = next;
+      if (i > first)
+        results[k].finish(row_of(dst, i - 1) + values_of(result) * Doubles::kLanes * k, scale);
+      if (i < count) results[k].begin(at(0), at(1), at(2), scale);
     }
   }
-  for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-    for (int k = 0; k < size; ++k) store(kept.row(p, k), load(rows.of[p][count + k]));
-    store(kept.total(p), total.of[p]);
-  });
+  for (int k = 0; k < size; ++k)
+    for_each<kEigenPlanes>([&](int p)
+                               NUQI_FORCED { store(kept.row(p, k), load(rows.of[p][count + k])); });
+  for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(kept.total(p), total.of[p]); });
 }
 
 // The block from column x of the image on. Where fewer than sixteen are left, what is kept of them and
@@ -180,14 +180,6 @@ NUQI_INLINE void write_block(const EigenJob& job, int32_t x, const Along& along)
 
 // ---- Sums along the rows
 
-NUQI_INLINE Px<float> to_floats(const Px<int16_t>& a) {
-  return convert<float>(convert<int32_t>(a));
-}
-NUQI_INLINE Px<float> to_floats(const Px<float>& a) { return a; }
-
-NUQI_INLINE Planes<float> products(const Px<float>& dx, const Px<float>& dy) {
-  return {{dx * dx, dx * dy, dy * dy}};
-}
 // Nine products of bytes' 3x3 derivatives are below 2^24: floats would be exact, and so integers give the
 // same. Of each pair of columns, the left one's window is the pair and the column before it, the right one's the
 // pair and the column behind it.
@@ -216,65 +208,87 @@ void minimum_of_bytes3x3(const EigenJob& job, const EigenStrip<int16_t>& strip) 
 }
 
 // Elsewhere the sums run, along the rows of a block at a time.
-struct RunningSums {
-  RunningColumns columns[kEigenPlanes];
-  alignas(64) float along[kEigenPlanes][kEigenRows][16];
-};
+NUQI_INLINE RunningColumns columns_of(const EigenJob& job, int plane) {
+  return {job.carry->columns[plane]};
+}
+
+// Turns sixteen columns of a strip into rows of floats.
+NUQI_INLINE void turn(const float (&from)[kEigenRows][EigenStrip<float>::kPitch], int32_t column,
+                      float* to) {
+  transpose([&](int i) NUQI_FORCED { return from[i] + column; }, to);
+}
+NUQI_INLINE void turn(const int16_t (&from)[kEigenRows][EigenStrip<int16_t>::kPitch],
+                      int32_t column, float* to) {
+  alignas(64) float rows[16][16];
+  for (int i = 0; i < 16; ++i)
+    store(rows[i], convert<float>(convert<int32_t>(load(from[i] + column))));
+  transpose([&](int i) NUQI_FORCED { return rows[i]; }, to);
+}
 
 // Reads the products of the sixteen columns that start at column x of the strip.
 template <class D>
-NUQI_NOINLINE void read(const EigenJob& job, const EigenStrip<D>& strip, int32_t x,
-                        RunningSums& sums) {
+NUQI_NOINLINE void read(const EigenJob& job, const EigenStrip<D>& strip, int32_t x) {
   alignas(64) float turned[2][16][16];
-  const auto turn = [&](const D(&from)[kEigenRows][EigenStrip<D>::kPitch], float* to) NUQI_FORCED {
-    Px<float> rows[16];
-    for_each<16>([&](int i) NUQI_FORCED {
-      rows[i] = to_floats(load(from[i] + EigenStrip<D>::kMargin + x));
-    });
-    transpose(rows, to);
-  };
-  turn(strip.dx, turned[0][0]);
-  turn(strip.dy, turned[1][0]);
+  turn(strip.dx, EigenStrip<D>::kMargin + x, turned[0][0]);
+  turn(strip.dy, EigenStrip<D>::kMargin + x, turned[1][0]);
   for (int i = 0; i < 16; ++i) {
-    const Planes<float> column = products(load(turned[0][i]), load(turned[1][i]));
-    for_each<kEigenPlanes>([&](int p)
-                               NUQI_FORCED { sums.columns[p].set(job.x + x + i, column.of[p]); });
+    const auto dx = load(turned[0][i]), dy = load(turned[1][i]);
+    const Planes<float> products = {{dx * dx, dx * dy, dy * dy}};
+    for_each<kEigenPlanes>(
+        [&](int p) NUQI_FORCED { columns_of(job, p).set(job.x + x + i, products.of[p]); });
   }
 }
 
-NUQI_NOINLINE void add(const EigenJob& job, int plane, int32_t x, RunningSums& sums) {
-  double(&carried)[kEigenRows] = job.carry->along[plane];
-  auto sum = x == 0 ? sums.columns[plane].start(job.half) : load(carried);
-  sum_rows(sums.columns[plane], job.half, x, sum, sums.along[plane][0]);
-  store(carried, sum);
-}
-
-// Writes the sixteen columns that start at column x of the image.
+// Gets the sums along the rows of the block from column x of the image on, if there is one, and writes
+// the block before it, column by column and row by row in turns: the square roots of the one and the
+// additions of the other are chains that leave most of the processor idle.
 template <EigenResult result>
-NUQI_NOINLINE void write(const EigenJob& job, int32_t x, RunningSums& sums) {
-  for (int p = 0; p < kEigenPlanes; ++p) add(job, p, x, sums);
-  write_block<result, float>(job, x, [&](int i) NUQI_FORCED {
-    return Planes<float>{{load(sums.along[0][i]), load(sums.along[1][i]), load(sums.along[2][i])}};
+NUQI_NOINLINE void advance(const EigenJob& job, int32_t x) {
+  auto& carry = *job.carry;
+  alignas(64) float turned[kEigenPlanes][16][16];
+  Px<double> sum[kEigenPlanes];
+  for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+    sum[p] = x == 0 ? columns_of(job, p).start(job.half) : load(carry.sum[p]);
+  });
+  const auto add_column = [&](int i) NUQI_FORCED {
+    if (x >= job.width) return;
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+      const float* const enters = columns_of(job, p).at(x + i + job.half);
+      const float* const leaves = columns_of(job, p).at(x + i - job.half - 1);
+      sum[p] = (sum[p] + load_doubles(enters)) - load_doubles(leaves);
+      store(turned[p][i], round_to_floats(sum[p]));
+    });
+  };
+  if (x > 0)
+    write_block<result, float>(job, x - 16, [&](int i) NUQI_FORCED {
+      add_column(i);
+      return Planes<float>{
+          {load(carry.along[0][i]), load(carry.along[1][i]), load(carry.along[2][i])}};
+    });
+  for (int i = x > 0 ? job.rows : 0; i < 16; ++i) add_column(i);
+  if (x >= job.width) return;
+  for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+    store(carry.sum[p], sum[p]);
+    transpose([&](int i) NUQI_FORCED { return turned[p][i]; }, carry.along[p][0]);
   });
 }
 
-// A block's last windows reach into the next one: it is written when that has been read.
+// The last windows of a block reach into the next one.
 template <EigenResult result, class D>
 void running(const EigenJob& job, const EigenStrip<D>& strip) {
-  RunningSums sums;
-  for (int p = 0; p < kEigenPlanes; ++p) sums.columns[p].values = job.carry->columns[p];
   int32_t x = 0;
   for (; x < job.columns; x += 16) {
-    read(job, strip, x, sums);
-    if (job.x + x > 0) write<result>(job, job.x + x - 16, sums);
+    read(job, strip, x);
+    if (job.x + x > 0) advance<result>(job, job.x + x - 16);
   }
   const int32_t end = job.x + x;
   if (end < job.width) return;
-  for (const RunningColumns& columns : sums.columns) {
-    const auto last = load(columns.at(end - 1));
-    for (int k = 0; k < job.half; ++k) columns.set(end + k, last);
+  for (int p = 0; p < kEigenPlanes; ++p) {
+    const auto last = load(columns_of(job, p).at(end - 1));
+    for (int k = 0; k < job.half; ++k) columns_of(job, p).set(end + k, last);
   }
-  write<result>(job, end - 16, sums);
+  advance<result>(job, end - 16);
+  advance<result>(job, end);
 }
 
 template <class D>

@@ -39,6 +39,9 @@ V load_or(const void* from, K lanes, V otherwise);
 template <class V, class K>
 V load_doubles(const float* from, K lanes, int i);
 
+template <class V>
+auto zip(const V& a, const V& b);  // in a register of twice the size
+
 // ---- Memory
 
 // Sixteen bytes, of which the first `bytes` come from memory. Shorter than that they are read in two

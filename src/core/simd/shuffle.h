@@ -48,15 +48,11 @@ NUQI_INLINE Vec<T, 2 * N> concat(const Vec<T, N>& a, const Vec<T, N>& b) {
 }
 
 // The lanes of two vectors interleaved: a0 b0 a1 b1 ...
-template <class T, int N, int... I>
-NUQI_INLINE Vec<T, 2 * N> zip_at(const Vec<T, N>& a, const Vec<T, N>& b, Indices<I...>) {
-  return {{__builtin_shufflevector(a.r[0], b.r[0], (I / 2 + I % 2 * N)...)}};
-}
 template <class T, int N>
 NUQI_INLINE Vec<T, 2 * N> zip(const Vec<T, N>& a, const Vec<T, N>& b) {
   using Out = Vec<T, 2 * N>;
   if constexpr (Out::kRegs == Vec<T, N>::kRegs)
-    return zip_at(a, b, typename UpTo<2 * N>::Type{});
+    return {{machine::zip(a.r[0], b.r[0])}};
   else
     return generate<Out>([&](int i) NUQI_FORCED {
       const typename UpTo<Out::kLanesPerReg>::Type lanes;
