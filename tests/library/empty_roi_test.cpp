@@ -9,6 +9,7 @@
 #include "arith/copy_members.h"
 #include "arith/sample_line_members.h"
 #include "features/canny_members.h"
+#include "features/eigen_members.h"
 #include "filters/blur_members.h"
 #include "filters/derivative3x3_members.h"
 #include "filters/laplace_members.h"
@@ -151,6 +152,11 @@ TEST_P(EmptyRoi, Features) {
   expect_both("nuqiCanny_16s8u_C1R", StatusBadSize, StatusBadSize, [&](RoiSize roi) {
     return call_canny({image<int16_t>(), kStep, image<int16_t>(), kStep, image<uint8_t>(), kStep,
                        roi, 1, 2, image<void>()});
+  });
+  for_each_eigen([&]<class T>(const EigenMember<T>& member) {
+    expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
+      return member.call({image<T>(), kStep, image<float>(), kStep, roi, 3, 3, image<void>()});
+    });
   });
 }
 
