@@ -82,7 +82,9 @@ struct Results<EigenResult::vectors> {
   }
 };
 
-// ---- Sums down the columns, of a block of columns
+// ---- Sums down the columns, of a block of sixteen
+
+constexpr int kMostRows = kEigenRows + 3;
 
 // A value for each plane: floats, or integers of the same size.
 template <class T>
@@ -90,59 +92,118 @@ struct Planes {
   Px<T> of[kEigenPlanes];
 };
 
-// The sums along the rows of a block: those of the last rows before a band, as many as a window has, then
-// the band's own and copies of its last one.
-template <class T>
-struct Rows {
-  alignas(64) T of[kEigenPlanes][7 + kEigenRows + 3][16];
-};
-
-// What the buffer keeps of a block from band to band: those last rows, and the sums over them.
+// What the buffer keeps of a block from band to band: some vectors of each plane.
 template <class T>
 struct Kept {
   T* at;
   int64_t pitch;
-  int size;
+  int count;
 
-  NUQI_INLINE T* row(int plane, int64_t i) const { return at + (plane * (size + 1) + i) * pitch; }
-  NUQI_INLINE T* total(int plane) const { return row(plane, size); }
+  // Blocks that are not whole have a place of their own.
+  NUQI_INLINE Kept(const EigenJob& job, int32_t x, int count) : count(count) {
+    const bool whole = job.width - x >= 16;
+    at = whole ? (T*)job.kept + x : (T*)job.carry->kept[0];
+    pitch = whole ? job.width : 16;
+  }
+  NUQI_INLINE T* operator()(int plane, int64_t i) const { return at + (plane * count + i) * pitch; }
 };
 
-// Takes a band's rows one by one; along(i) gives the sums along row i. Writes the results of the windows
-// that end, from dst's row 0 on for the first row's.
-template <EigenResult result, class T, class Along>
-NUQI_INLINE void walk_down(const EigenJob& job, const Kept<T>& kept, Rows<T>& rows,
-                           const Image<float>& dst, const Along& along) {
-  // Copies, which no store can change.
-  const int size = kept.size, in_image = job.rows, count = in_image + job.repeats;
-  const int first = job.y < job.half ? int(job.half - job.y) : 0;  // to end a window
-  const bool top = job.y == 0;
-  const double scale = job.scale;
-  alignas(64) T sums[kEigenPlanes][16];
-  Planes<T> row, total;
-  if (job.y > 0) {
-    for (int k = 0; k < size; ++k)
-      for_each<kEigenPlanes>([&](int p)
-                                 NUQI_FORCED { store(rows.of[p][k], load(kept.row(p, k))); });
-    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { total.of[p] = load(kept.total(p)); });
+// Sums of floats run: a row's sums along it are added, those of the row that leaves the window subtracted.
+class RunningDown {
+ public:
+  using Sum = float;
+
+  NUQI_INLINE RunningDown(const EigenJob& job, int32_t x)
+      : half_(job.half), size_(2 * job.half + 1), top_(job.y == 0), kept_(job, x, size_ + 1) {
+    if (top_) return;
+    for (int k = 0; k < size_; ++k)
+      for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(rows_[p][k], load(kept_(p, k))); });
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { total_.of[p] = load(kept_(p, size_)); });
   }
+  NUQI_INLINE const Planes<float>& add(int i, const Planes<float>& row) {
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+      if (top_ && i == 0) {
+        // The first row counts half + 1 times; nothing leaves before it does.
+        for (int k = 1; k <= size_; ++k) store(rows_[p][k], k <= half_ ? Px<float>{} : row.of[p]);
+        total_.of[p] = row.of[p] * broadcast(float(half_ + 1));
+      } else {
+        total_.of[p] = total_.of[p] + (row.of[p] - load(rows_[p][i]));
+        store(rows_[p][size_ + i], row.of[p]);
+      }
+    });
+    return total_;
+  }
+  NUQI_INLINE void keep(int rows) const {
+    for (int k = 0; k < size_; ++k)
+      for_each<kEigenPlanes>([&](int p)
+                                 NUQI_FORCED { store(kept_(p, k), load(rows_[p][rows + k])); });
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(kept_(p, size_), total_.of[p]); });
+  }
+
+ private:
+  const int half_, size_;
+  const bool top_;
+  const Kept<float> kept_;
+  Planes<float> total_;
+  // Of as many rows as a window has before the band, then of the band's.
+  alignas(64) float rows_[kEigenPlanes][7 + kMostRows][16];
+};
+
+// Sums of three rows of integers, which are exact in any order.
+class ThreeDown {
+ public:
+  using Sum = int32_t;
+
+  NUQI_INLINE ThreeDown(const EigenJob& job, int32_t x) : top_(job.y == 0), kept_(job, x, 2) {
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+      last_.of[p] = top_ ? Px<int32_t>{} : load(kept_(p, 0));
+      two_.of[p] = top_ ? Px<int32_t>{} : load(kept_(p, 1));
+    });
+  }
+  NUQI_INLINE Planes<int32_t> add(int i, const Planes<int32_t>& row) {
+    Planes<int32_t> total;
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+      if (top_ && i == 0) last_.of[p] = row.of[p];
+      total.of[p] = two_.of[p] + row.of[p];
+      two_.of[p] = last_.of[p] + row.of[p];
+      last_.of[p] = row.of[p];
+    });
+    return total;
+  }
+  NUQI_INLINE void keep(int) const {
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
+      store(kept_(p, 0), last_.of[p]);
+      store(kept_(p, 1), two_.of[p]);
+    });
+  }
+
+ private:
+  const bool top_;
+  const Kept<int32_t> kept_;
+  Planes<int32_t> last_, two_;  // the last row, and the last two together
+};
+
+// Takes the rows of the block from column x of the image on one by one; along(i) gives the sums along
+// row i. Writes the results of the windows that end, from dst's row 0 on for the first row's.
+template <EigenResult result, class Down, class Along>
+NUQI_INLINE void walk_down(const EigenJob& job, int32_t x, const Image<float>& dst,
+                           const Along& along) {
+  using T = typename Down::Sum;
+  // Copies, which no store can change.
+  const int in_image = job.rows, count = in_image + job.repeats;
+  const int first = job.y < job.half ? int(job.half - job.y) : 0;  // to end a window
+  const double scale = job.scale;
+  Down down(job, x);
+  Planes<T> row;
+  alignas(64) T sums[kEigenPlanes][16];
   // Row i is begun, row i - 1 finished.
   Results<result> results[16 / Doubles::kLanes];
   for (int i = 0; i <= count; ++i) {
     if (i < in_image) row = along(i);
-    if (top && i == 0)
-      for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-        // The first row counts half + 1 times; nothing leaves before it does.
-        for (int k = 1; k <= size; ++k) store(rows.of[p][k], k <= job.half ? Px<T>{} : row.of[p]);
-        total.of[p] = row.of[p] * broadcast(T(job.half + 1));
-        store(sums[p], total.of[p]);
-      });
-    else if (i < count)
-      for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-        total.of[p] = total.of[p] + (row.of[p] - load(rows.of[p][i]));
-        store(rows.of[p][size + i], row.of[p]);
-        store(sums[p], total.of[p]);
-      });
+    if (i < count) {
+      const Planes<T> total = down.add(i, row);
+      for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(sums[p], total.of[p]); });
+    }
     for (int k = 0; k < 16 / Doubles::kLanes; ++k) {
       const auto at = [&](int p) NUQI_FORCED {
         return load<Doubles::kLanes>(sums[p] + k * Doubles::kLanes);
@@ -152,30 +213,23 @@ NUQI_INLINE void walk_down(const EigenJob& job, const Kept<T>& kept, Rows<T>& ro
       if (i < count) results[k].begin(at(0), at(1), at(2), scale);
     }
   }
-  for (int k = 0; k < size; ++k)
-    for_each<kEigenPlanes>([&](int p)
-                               NUQI_FORCED { store(kept.row(p, k), load(rows.of[p][count + k])); });
-  for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(kept.total(p), total.of[p]); });
+  down.keep(count);
 }
 
-// The block from column x of the image on. Where fewer than sixteen are left, what is kept of them and
-// their results go to places of their own.
-template <EigenResult result, class T, class Along>
+// The results of a block that is not whole go through a place of their own.
+template <EigenResult result, class Down, class Along>
 NUQI_INLINE void write_block(const EigenJob& job, int32_t x, const Along& along) {
   constexpr int kValues = values_of(result);
-  const int size = 2 * job.half + 1, columns = job.width - x;
+  const int columns = job.width - x;
   const Image<float> dst = {row_of(job.dst, job.y - job.half) + int64_t{kValues} * x, job.dst.step};
-  alignas(64) float out[kEigenRows + 3][16 * kValues];
+  alignas(64) float narrow[kMostRows][16 * kValues];
   const bool whole = columns >= 16;
-  const Kept<T> kept = whole ? Kept<T>{(T*)job.kept + x, job.width, size}
-                             : Kept<T>{(T*)job.carry->kept[0], 16, size};
-  Rows<T> rows;
-  walk_down<result>(job, kept, rows, whole ? dst : Image<float>{out[0], int32_t{sizeof out[0]}},
-                    along);
+  walk_down<result, Down>(job, x, whole ? dst : Image<float>{narrow[0], int32_t{sizeof narrow[0]}},
+                          along);
   if (whole) return;
   for (int i = 0; i < job.rows + job.repeats; ++i)
     if (job.y + i >= job.half)
-      __builtin_memcpy(row_of(dst, i), out[i], int64_t{columns} * kValues * int{sizeof(float)});
+      __builtin_memcpy(row_of(dst, i), narrow[i], int64_t{columns} * kValues * int{sizeof(float)});
 }
 
 // ---- Sums along the rows
@@ -200,7 +254,7 @@ NUQI_INLINE Px<int32_t> sum_three(const Pairs& a, const Pairs& b) {
 
 void minimum_of_bytes3x3(const EigenJob& job, const EigenStrip<int16_t>& strip) {
   for (int32_t x = 0; x < job.columns; x += 16)
-    write_block<EigenResult::minimum, int32_t>(job, job.x + x, [&](int i) NUQI_FORCED {
+    write_block<EigenResult::minimum, ThreeDown>(job, job.x + x, [&](int i) NUQI_FORCED {
       constexpr int kMargin = EigenStrip<int16_t>::kMargin;
       const Pairs dx(strip.dx[i] + kMargin + x), dy(strip.dy[i] + kMargin + x);
       return Planes<int32_t>{{sum_three(dx, dx), sum_three(dx, dy), sum_three(dy, dy)}};
@@ -260,7 +314,7 @@ NUQI_NOINLINE void advance(const EigenJob& job, int32_t x) {
     });
   };
   if (x > 0)
-    write_block<result, float>(job, x - 16, [&](int i) NUQI_FORCED {
+    write_block<result, RunningDown>(job, x - 16, [&](int i) NUQI_FORCED {
       add_column(i);
       return Planes<float>{
           {load(carry.along[0][i]), load(carry.along[1][i]), load(carry.along[2][i])}};
