@@ -28,6 +28,7 @@ constexpr Family kFamilies[] = {
     {"3x3 derivatives", derivatives_section},
     {"blur, Sobel, Laplace", filters_section},
     {"Canny edges", canny_section},
+    {"corners", corners_section},
     {"erosion and dilation", morphology_section},
 };
 

@@ -14,6 +14,7 @@ Section statistics_section(const Scene& scene);
 Section derivatives_section(const Scene& scene);
 Section filters_section(const Scene& scene);
 Section canny_section(const Scene& scene);
+Section corners_section(const Scene& scene);
 Section morphology_section(const Scene& scene);
 
 }  // namespace tools

@@ -71,9 +71,8 @@ void derive(const EigenCall<T>& call, const EigenJob& job, EigenStrip<D>& strip)
 template <class D>
 EigenKernel<D> kernel_of(EigenResult result, int32_t aperture) {
   const EigenKernelsOf<D>& kernels = eigen_kernels().of_type<D>();
-  // Derivatives of bytes by 3x3 kernels are at most 1020 in magnitude.
   if constexpr (std::is_same_v<D, int16_t>)
-    if (aperture == 3) return kernels.exact[static_cast<int>(result)];
+    if (result == EigenResult::minimum && aperture == 3) return kernels.minimum_of_bytes3x3;
   return kernels.running[static_cast<int>(result)];
 }
 

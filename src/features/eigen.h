@@ -44,9 +44,10 @@ struct EigenStrip {
 
 // What lasts from strip to strip, or from band to band of rows.
 struct EigenCarry {
-  // Products of the last columns, and sums around the next one.
+  // Products of the last columns; the sums around the next one; sums along the last block's rows.
   alignas(64) float columns[kEigenPlanes][64][kEigenRows];
-  alignas(64) double along[kEigenPlanes][kEigenRows];
+  alignas(64) double sum[kEigenPlanes][kEigenRows];
+  alignas(64) float along[kEigenPlanes][kEigenRows][kEigenLanes];
   // Of the columns at the right that do not fill a vector, what the buffer holds of the others.
   alignas(64) float kept[kEigenKept][kEigenLanes];
 };
@@ -70,15 +71,14 @@ using EigenKernel = void (*)(const EigenJob&, const EigenStrip<D>&);
 enum class EigenResult { minimum, vectors };
 constexpr int values_of(EigenResult result) { return result == EigenResult::minimum ? 1 : 6; }
 
-// By result.
 template <class D>
 struct EigenKernelsOf {
-  EigenKernel<D> running[2];
+  EigenKernel<D> running[2];  // [result]
 };
 template <>
 struct EigenKernelsOf<int16_t> {
   EigenKernel<int16_t> running[2];
-  EigenKernel<int16_t> exact[2];  // of bytes' 3x3 derivatives; the minimum's window is 3x3, too
+  EigenKernel<int16_t> minimum_of_bytes3x3;  // where both aperture and window are 3x3
 };
 
 using EigenKernels = ByType<EigenKernelsOf, int16_t, float>;

@@ -10,6 +10,7 @@
 #include "arith/sample_line_members.h"
 #include "features/canny_members.h"
 #include "features/distance_transform_members.h"
+#include "features/eigen_members.h"
 #include "fill/flood_fill_members.h"
 #include "filters/blur_members.h"
 #include "filters/derivative3x3_members.h"
@@ -154,6 +155,11 @@ TEST_P(EmptyRoi, Features) {
   expect_both("nuqiCanny_16s8u_C1R", StatusBadSize, StatusBadSize, [&](RoiSize roi) {
     return call_canny({image<int16_t>(), kStep, image<int16_t>(), kStep, image<uint8_t>(), kStep,
                        roi, 1, 2, image<void>()});
+  });
+  for_each_eigen([&]<class T>(const EigenMember<T>& member) {
+    expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
+      return member.call({image<T>(), kStep, image<float>(), kStep, roi, 3, 3, image<void>()});
+    });
   });
   for (const DistanceMember& member : kDistanceTransforms)
     expect_both(member.name, StatusOk, StatusOk, [&](RoiSize roi) {

@@ -82,10 +82,11 @@ NUQI_INLINE Vec<uint8_t, 64> bytes_of_bits(uint64_t bits) {
                            NUQI_FORCED { return machine::bytes_of_bits<Out::Native>(bits, i); });
 }
 
-// To doubles, exactly.
-NUQI_INLINE Px<double> to_doubles(const Px<float>& a) {
-  return generate<Px<double>>([&](int i)
-                                  NUQI_FORCED { return machine::to_doubles(a.r[i / 2], i % 2); });
+// Floats or 32-bit integers to doubles, exactly.
+template <class T, int N>
+NUQI_INLINE Vec<double, N> to_doubles(const Vec<T, N>& a) {
+  return generate<Vec<double, N>>(
+      [&](int i) NUQI_FORCED { return machine::to_doubles(a.r[i / 2], i % 2); });
 }
 
 // Rounds to floats.
@@ -99,11 +100,10 @@ NUQI_INLINE Vec<float, N> round_to_floats(const Vec<double, N>& a) {
 NUQI_INLINE Px<double> load_doubles(const float* from, First part) {
   return to_doubles(load(from, part));
 }
-template <int N = 16>
-NUQI_INLINE Vec<double, N> load_doubles(const float* from, Whole = {}) {
-  using Out = Vec<double, N>;
+NUQI_INLINE Px<double> load_doubles(const float* from, Whole = {}) {
+  using Out = Px<double>;
   return generate<Out>([&](int i) NUQI_FORCED {
-    return machine::load_doubles<typename Out::Native>(from + i * Out::kLanesPerReg);
+    return machine::load_doubles<Out::Native>(from + i * Out::kLanesPerReg);
   });
 }
 

@@ -58,8 +58,10 @@ NUQI_INLINE Out load_widened(const int8_t* from) {
 
 template <Ymm V>
 NUQI_INLINE auto to_doubles(const V& a, int half) {
-  return (NativeAs<double, V>)_mm256_cvtps_pd(half == 0 ? _mm256_castps256_ps128((__m256)a)
-                                                        : _mm256_extractf128_ps((__m256)a, 1));
+  const __m128 lanes =
+      half == 0 ? _mm256_castps256_ps128((__m256)a) : _mm256_extractf128_ps((__m256)a, 1);
+  return (NativeAs<double, V>)(kIsFloat<LaneOf<V>> ? _mm256_cvtps_pd(lanes)
+                                                   : _mm256_cvtepi32_pd((__m128i)lanes));
 }
 template <Ymm V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {

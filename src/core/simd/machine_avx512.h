@@ -65,6 +65,10 @@ requires(sizeof(LaneOf<V>) == 1) NUQI_INLINE Out widen_all(const V& a) {
   return (Out)(kIsSigned<LaneOf<V>> ? _mm512_cvtepi8_epi16(in) : _mm512_cvtepu8_epi16(in));
 }
 template <Zmm Out, class V>
+requires(sizeof(LaneOf<V>) == 2 && kIsSigned<LaneOf<V>>) NUQI_INLINE Out widen_all(const V& a) {
+  return (Out)_mm512_cvtepi16_epi32((__m256i)a);
+}
+template <Zmm Out, class V>
 NUQI_INLINE Out widen_bytes(const V& a, int) {
   const __m128i in = (__m128i)a;
   return (Out)(kIsSigned<LaneOf<V>> ? _mm512_cvtepi8_epi32(in) : _mm512_cvtepu8_epi32(in));
@@ -77,8 +81,9 @@ NUQI_INLINE Out load_widened(const int8_t* from) {
 template <Zmm V>
 NUQI_INLINE auto to_doubles(const V& a, int half) {
   const __m512d both = (__m512d)a;
-  return (NativeAs<double, V>)_mm512_cvtps_pd(
-      (__m256)(half == 0 ? _mm512_castpd512_pd256(both) : _mm512_extractf64x4_pd(both, 1)));
+  const __m256d lanes = half == 0 ? _mm512_castpd512_pd256(both) : _mm512_extractf64x4_pd(both, 1);
+  return (NativeAs<double, V>)(kIsFloat<LaneOf<V>> ? _mm512_cvtps_pd((__m256)lanes)
+                                                   : _mm512_cvtepi32_pd((__m256i)lanes));
 }
 template <Zmm V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {
@@ -191,6 +196,15 @@ NUQI_INLINE V permute_bytes(V a, NativeAs<uint8_t, V> places) {
 template <Zmm V>
 NUQI_INLINE V permute_bytes(V low, V high, NativeAs<uint8_t, V> places) {
   return (V)_mm512_permutex2var_epi8((__m512i)low, (__m512i)places, (__m512i)high);
+}
+
+// GCC 12 copies both halves first where it is written as a shuffle.
+template <Ymm V>
+requires(sizeof(LaneOf<V>) == 4) NUQI_INLINE auto zip(const V& a, const V& b) {
+  const __m512i places = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+  typedef LaneOf<V> Both __attribute__((vector_size(64)));
+  return (Both)_mm512_permutex2var_epi32(_mm512_castsi256_si512((__m256i)a), places,
+                                         _mm512_castsi256_si512((__m256i)b));
 }
 
 // ---- Predicates

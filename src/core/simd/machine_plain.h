@@ -39,6 +39,9 @@ V load_or(const void* from, K lanes, V otherwise);
 template <class V, class K>
 V load_doubles(const float* from, K lanes, int i);
 
+template <class V>
+auto zip(const V& a, const V& b);  // in a register of twice the size
+
 // ---- Memory
 
 // Sixteen bytes, of which the first `bytes` come from memory. Shorter than that they are read in two
@@ -151,11 +154,11 @@ NUQI_INLINE Out load_widened(const int8_t* from) {
   return widen_low<int32_t>(widen_low<int16_t>((NativeAs<int8_t, Out>)Out{four}));
 }
 
-// Half a register of floats as doubles; two registers of doubles rounded to floats.
+// Half a register of floats or 32-bit integers as doubles; two registers of doubles rounded to floats.
 template <class V>
 NUQI_INLINE auto to_doubles(const V& a, int half) {
   using Out = NativeAs<double, V>;
-  return half == 0 ? Out{a[0], a[1]} : Out{a[2], a[3]};
+  return half == 0 ? Out{(double)a[0], (double)a[1]} : Out{(double)a[2], (double)a[3]};
 }
 template <class V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {

@@ -18,8 +18,9 @@ concept Xmm = sizeof(V) == 16;
 
 template <Xmm V>
 NUQI_INLINE auto to_doubles(const V& a, int half) {
-  return (NativeAs<double, V>)_mm_cvtps_pd(half == 0 ? (__m128)a
-                                                     : _mm_movehl_ps((__m128)a, (__m128)a));
+  const __m128 lanes = half == 0 ? (__m128)a : _mm_movehl_ps((__m128)a, (__m128)a);
+  return (NativeAs<double, V>)(kIsFloat<LaneOf<V>> ? _mm_cvtps_pd(lanes)
+                                                   : _mm_cvtepi32_pd((__m128i)lanes));
 }
 template <Xmm V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {

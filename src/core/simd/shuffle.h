@@ -63,6 +63,20 @@ NUQI_INLINE Vec<T, 2 * N> concat(const Vec<T, N>& a, const Vec<T, N>& b) {
   return {{a.r[0], b.r[0]}};
 }
 
+// The lanes of two vectors interleaved: a0 b0 a1 b1 ...
+template <class T, int N>
+NUQI_INLINE Vec<T, 2 * N> zip(const Vec<T, N>& a, const Vec<T, N>& b) {
+  using Out = Vec<T, 2 * N>;
+  if constexpr (Out::kRegs == Vec<T, N>::kRegs)
+    return {{machine::zip(a.r[0], b.r[0])}};
+  else
+    return generate<Out>([&](int i) NUQI_FORCED {
+      const typename UpTo<Out::kLanesPerReg>::Type lanes;
+      return i % 2 == 0 ? zip_low(a.r[i / 2], b.r[i / 2], lanes)
+                        : zip_high(a.r[i / 2], b.r[i / 2], lanes);
+    });
+}
+
 // The lanes of two registers interleaved, a0 b0 a1 b1 ..., within groups of sixteen bytes: the first
 // register gets the lower halves of all groups, the second one the upper halves.
 template <class T, int N>
