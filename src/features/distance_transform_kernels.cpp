@@ -16,6 +16,7 @@ namespace {
 
 using Ints = Reg<int32_t>;
 constexpr int kLanes = Ints::kLanes;
+constexpr int kScanSteps = kLanes == 4 ? 2 : kLanes == 8 ? 3 : 4;  // kLanes is 2 to that power
 constexpr auto kLaneIndices = typename UpTo<kLanes>::Type{};
 
 NUQI_INLINE Ints all(int32_t value) { return broadcast<int32_t, kLanes>(value); }
@@ -23,36 +24,34 @@ NUQI_INLINE Ints far() { return all(kDistanceFar); }
 
 // ---- How rows lie
 
-// A piece of a row, from pixel x on: at least two whole vectors, and one of whose lanes only the first
-// `rest` are pixels, which the first segments have more than the others.
+// A piece of a row: at least two whole vectors, and one of whose lanes only the first `rest` are
+// pixels, which the first segments have more than the others.
 struct Block {
-  int64_t x, count;
+  int64_t count;
   int rest;
+  int64_t starts[kLanes];  // of the segments
 
+  NUQI_INLINE Block(int64_t vectors, int lanes) : count(vectors), rest(lanes) {
+    for (int i = 0; i < kLanes; ++i) starts[i] = i * count + (i < rest ? i : rest);
+  }
   NUQI_INLINE int64_t pixels() const { return kLanes * count + rest; }
-  // Where a segment starts.
-  NUQI_INLINE int64_t start(int lane) const { return lane * count + (lane < rest ? lane : rest); }
 };
 
 // The blocks of a row. All but the last have kMostVectors, and no rest.
 constexpr int kMostVectors = 128;
-class Blocks {
- public:
+constexpr int kMostPixels = kLanes * (kMostVectors + 2);
+
+struct Blocks {
+  int64_t last;
+  Block of[2];  // of the others, and the last
+
   NUQI_INLINE explicit Blocks(int64_t width)
-      : vectors_(width / kLanes),
-        last_((vectors_ - 2) / kMostVectors),
-        rest_(int(width % kLanes)) {}
+      : last((width / kLanes - 2) / kMostVectors),
+        of{{kMostVectors, 0}, {width / kLanes - last * kMostVectors, int(width % kLanes)}} {}
 
-  NUQI_INLINE int64_t last() const { return last_; }
-  NUQI_INLINE Block operator[](int64_t i) const {
-    const int64_t first = i * kMostVectors;
-    if (i < last_) return {first * kLanes, kMostVectors, 0};
-    return {first * kLanes, vectors_ - first, rest_};
-  }
-
- private:
-  int64_t vectors_, last_;
-  int rest_;
+  NUQI_INLINE const Block& operator[](int64_t i) const { return of[i == last]; }
+  // Its first pixel.
+  NUQI_INLINE static int64_t x(int64_t i) { return i * kMostVectors * kLanes; }
 };
 
 // Moves every lane to the segment k places to the right, or to the left.
@@ -83,8 +82,8 @@ class Line {
       for (Ints& a : behind_) a = far();
       return;
     }
-    const Block block = blocks[i];
-    from_ = row + block.x;
+    const Block& block = blocks[i];
+    from_ = row + Blocks::x(i);
     step_ = kLanes;
     const auto at = [&](int64_t k) NUQI_FORCED { return load<kLanes>(from_ + kLanes * k); };
     const Ints tail =
@@ -93,7 +92,7 @@ class Line {
       // The blocks next to this one have at least two vectors, and the left one has no rest.
       const int32_t left = i > 0 ? load_one(from_ - 1 - k * kLanes) : kDistanceFar;
       const int32_t right =
-          i < blocks.last() ? load_one(from_ + kLanes * (count_ + k)) : kDistanceFar;
+          i < blocks.last ? load_one(from_ + kLanes * (count_ + k)) : kDistanceFar;
       Ints end = at(count_ - 1 - k);
       if (block.rest != 0) end = rest_of(block, k == 0 ? tail : at(count_ - k), end);
       before_[k] = moved<true>(end, all(left));
@@ -166,20 +165,19 @@ struct Steps {
 // The weights of the ways through 1, 2, 4 ... segments, along which they hand on distances.
 template <bool right>
 struct Ways {
-  static constexpr int kCount = kLanes == 4 ? 2 : kLanes == 8 ? 3 : 4;
-  Ints of[kCount];
+  Ints of[kScanSteps];
 
   NUQI_INLINE Ways(const Block& block, int32_t orthogonal) {
     const int64_t length = block.count * orthogonal;
     const Ints whole = all(length < kDistanceFar ? int32_t(length) : kDistanceFar);
     const Ints lengths = min(whole + rest_of(block, all(orthogonal), Ints{}), far());
     of[0] = moved<right>(lengths, far());
-    for_each<kCount - 1>([&](int k)
-                             NUQI_FORCED { of[k + 1] = min(of[k] + ahead(of[k], k), far()); });
+    for_each<kScanSteps - 1>([&](int k)
+                                 NUQI_FORCED { of[k + 1] = min(of[k] + ahead(of[k], k), far()); });
   }
   // What every segment gets from all those before it, from what it gets from the last of them.
   NUQI_INLINE Ints spread(Ints carry) const {
-    for_each<kCount>([&](int k) NUQI_FORCED { carry = min(carry, ahead(carry, k) + of[k]); });
+    for_each<kScanSteps>([&](int k) NUQI_FORCED { carry = min(carry, ahead(carry, k) + of[k]); });
     return carry;
   }
 
@@ -200,13 +198,15 @@ struct Rows {
 };
 
 // Along block i: each distance is the least of its present value and of those a step away, in the rows
-// before this one and in the sweep's own.
-template <bool is_5x5, bool right, class Present>
+// before this one and in the sweep's own. present(k, part) is vector k of these values; meanwhile() does
+// other work while the latency of the scan passes.
+template <bool is_5x5, bool right, class Present, class Meanwhile>
 NUQI_INLINE void sweep(const Steps& steps, const Ways<right>& ways, const Rows& rows,
-                       const Blocks& blocks, int64_t i, const Present& present) {
+                       const Blocks& blocks, int64_t i, const Present& present,
+                       const Meanwhile& meanwhile) {
   constexpr int kReach = is_5x5 ? 2 : 1;
-  const Block block = blocks[i];
-  int32_t* const here = rows.here + block.x;
+  const Block& block = blocks[i];
+  int32_t* const here = rows.here + Blocks::x(i);
   const Line<kReach> near_line(rows.near, blocks, i);
   const Line<1> next_line(is_5x5 ? rows.next : nullptr, blocks, i);
   const int64_t first = right ? 0 : block.count - (block.rest == 0);
@@ -221,7 +221,8 @@ NUQI_INLINE void sweep(const Steps& steps, const Ways<right>& ways, const Rows& 
       const Ints knights = min(near.template beside<2>(), next.template beside<1>());
       d = min(d, knights + steps.knight);
     }
-    return min(d, min(near.here(), last) + steps.orthogonal);
+    d = min(d, near.here() + steps.orthogonal);
+    return min(d, last + steps.orthogonal);
   };
   const auto least_of_rest = [&](const Ints& last) NUQI_FORCED {
     const First part = {block.rest};
@@ -246,10 +247,11 @@ NUQI_INLINE void sweep(const Steps& steps, const Ways<right>& ways, const Rows& 
   if (right && block.rest != 0) last = rest_of(block, least_of_rest(last), last);
 
   // From segment to segment.
-  const int32_t edge = right               ? (i > 0 ? load_one(here - 1) : kDistanceFar)
-                       : i < blocks.last() ? load_one(here + kLanes * block.count)
-                                           : kDistanceFar;
+  const int32_t edge = right             ? (i > 0 ? load_one(here - 1) : kDistanceFar)
+                       : i < blocks.last ? load_one(here + kLanes * block.count)
+                                         : kDistanceFar;
   Ints carry = ways.spread(moved<right>(last, all(edge)));
+  meanwhile();
   const auto improve = [&](int64_t k, auto part) NUQI_FORCED {
     const Ints d = min(load<kLanes>(here + kLanes * k, part), carry + steps.orthogonal);
     store(here + kLanes * k, d, part);
@@ -261,117 +263,157 @@ NUQI_INLINE void sweep(const Steps& steps, const Ways<right>& ways, const Rows& 
   if (right && block.rest != 0) improve(block.count, First{block.rest});
 }
 
-// Bytes turned at a time.
-constexpr int kColumns = 16;
-constexpr int kMostFeatures = kLanes * (kMostVectors + 2 + kColumns);
+// Columns of bytes that are turned at a time.
+constexpr int kColumns = 8;
 
 // -1 for each pixel that is not zero and 0 for the others, in the order of a block's vectors. Writes
-// whole blocks of kColumns.
-NUQI_INLINE void find_features(const uint8_t* src, const Block& block, int8_t* features) {
-  // Columns that end beyond the block come from a copy of its end.
-  uint8_t copy[2 * kColumns] = {};
-  const int64_t last = block.pixels() - kColumns;
-  store(copy, load<kColumns>(src + last));
-
-  const auto lanes = typename UpTo<kColumns>::Type{};
-  for (int64_t x = 0; x < block.count + (block.rest != 0); x += kColumns) {
-    Px<int8_t> rows[kLanes], turned[kLanes];
-    for_each<kLanes>([&](int i) NUQI_FORCED {
-      const int64_t at = block.start(i) + x;
-      rows[i] = nonzero(load<kColumns>(at <= last ? src + at : copy + (at - last)));
+// kColumns vectors at least.
+NUQI_NOINLINE void find_features(const uint8_t* src, const Block& block, int8_t* features) {
+  constexpr int kRegs = kLanes / 2;
+  constexpr auto lanes = typename UpTo<16>::Type{};
+  const auto turn = [&](int64_t x, const auto& from) NUQI_FORCED {
+    Px<uint8_t> rows[kRegs];
+    for_each<kRegs>([&](int i) NUQI_FORCED {
+      const auto a = load_eight(from(i), Whole{}), b = load_eight(from(i + kRegs), Whole{});
+      rows[i].r[0] = zip_low(a.r[0], b.r[0], lanes);
     });
-    for_each<Ways<true>::kCount>([&](int) NUQI_FORCED {
-      for_each<kLanes / 2>([&](int i) NUQI_FORCED {
-        turned[2 * i].r[0] = zip_low(rows[i].r[0], rows[i + kLanes / 2].r[0], lanes);
-        turned[2 * i + 1].r[0] = zip_high(rows[i].r[0], rows[i + kLanes / 2].r[0], lanes);
+    for_each<kScanSteps - 1>([&](int) NUQI_FORCED {
+      Px<uint8_t> turned[kRegs];
+      for_each<kRegs / 2>([&](int i) NUQI_FORCED {
+        turned[2 * i].r[0] = zip_low(rows[i].r[0], rows[i + kRegs / 2].r[0], lanes);
+        turned[2 * i + 1].r[0] = zip_high(rows[i].r[0], rows[i + kRegs / 2].r[0], lanes);
       });
-      for_each<kLanes>([&](int i) NUQI_FORCED { rows[i] = turned[i]; });
+      for_each<kRegs>([&](int i) NUQI_FORCED { rows[i] = turned[i]; });
     });
-    for_each<kLanes>([&](int i)
-                         NUQI_FORCED { store(features + x * kLanes + i * kColumns, rows[i]); });
-  }
-}
+    for_each<kRegs>([&](int i) NUQI_FORCED {
+      store(features + x * kLanes + i * 16, as<int8_t>(nonzero(rows[i])));
+    });
+  };
 
-template <bool is_5x5>
-NUQI_NOINLINE void sweep_down(const Steps& steps, const Ways<true> (&ways)[2], const Rows& rows,
-                              const Blocks& blocks, const uint8_t* src) {
-  int8_t features[kMostFeatures];
-  for (int64_t i = 0; i <= blocks.last(); ++i) {
-    find_features(src + blocks[i].x, blocks[i], features);
-    const auto present = [&](int64_t k, auto)
-                             NUQI_FORCED { return load_widened(features + kLanes * k) & far(); };
-    sweep<is_5x5, true>(steps, ways[i == blocks.last()], rows, blocks, i, present);
+  if (block.count < kColumns) {
+    // Columns that end beyond the block come from a copy of its end.
+    uint8_t copy[2 * kColumns] = {};
+    const int64_t last = block.pixels() - kColumns;
+    __builtin_memcpy(copy, src + last, kColumns);
+    turn(0, [&](int lane) NUQI_FORCED {
+      const int64_t at = block.starts[lane];
+      return at <= last ? src + at : copy + (at - last);
+    });
+  } else {
+    // The last columns overlap those before them.
+    for (int64_t x = 0; x < block.count; x += kColumns) {
+      const int64_t first = x + kColumns <= block.count ? x : block.count - kColumns;
+      turn(first, [&](int lane) NUQI_FORCED { return src + first + block.starts[lane]; });
+    }
   }
-}
-
-template <bool is_5x5>
-NUQI_NOINLINE void sweep_up(const Steps& steps, const Ways<false> (&ways)[2], const Rows& rows,
-                            const Blocks& blocks) {
-  for (int64_t i = blocks.last(); i >= 0; --i) {
-    const int32_t* here = rows.here + blocks[i].x;
-    const auto present = [&](int64_t k, auto part)
-                             NUQI_FORCED { return load<kLanes>(here + kLanes * k, part); };
-    sweep<is_5x5, false>(steps, ways[i == blocks.last()], rows, blocks, i, present);
-  }
+  for (int lane = 0; lane < block.rest; ++lane)
+    features[kLanes * block.count + lane] = src[block.starts[lane] + block.count] != 0 ? -1 : 0;
 }
 
 // ---- Output
 
 constexpr float kUnit = 0x1p-18f;
 
-// The pixels of a row in their order, as floats.
-NUQI_NOINLINE void write(const Blocks& blocks, int32_t* row) {
-  constexpr int n = kLanes < 8 ? kLanes : 8;  // larger squares take as long
-  float pixels[kLanes * (kMostVectors + 2) + n];
-  for (int64_t i = 0; i <= blocks.last(); ++i) {
-    const Block block = blocks[i];
-    int32_t* const here = row + block.x;
-    // From the last columns to the first: what exceeds a segment is overwritten by the next one.
-    for (int64_t x = (block.count - 1) / n * n; x >= 0; x -= n)
-      for (int lane = 0; lane < kLanes; lane += n) {
-        Vec<float, n> square[n];
-        for_each<n>([&](int k) NUQI_FORCED {
-          const int64_t column = x + k < block.count ? x + k : block.count - 1;
-          square[k] =
-              convert<float>(load<n>(here + column * kLanes + lane)) * broadcast<float, n>(kUnit);
-        });
-        transpose_square(square);
-        for_each<n>([&](int k)
-                        NUQI_FORCED { store(pixels + block.start(lane + k) + x, square[k]); });
-      }
-    for (int lane = 0; lane < block.rest; ++lane)
-      pixels[block.start(lane) + block.count] =
-          (float)load_one(here + kLanes * block.count + lane) * kUnit;
-    __builtin_memcpy(here, pixels, block.pixels() * sizeof *pixels);
+// A block's pixels in their order, as floats.
+NUQI_INLINE void turn_back(const Block& block, const int32_t* from, float* pixels) {
+  constexpr int n = kLanes < 8 ? kLanes : 8;  // larger squares take longer
+  const auto turn = [&](int64_t x, const auto& column) NUQI_FORCED {
+    for (int lane = 0; lane < kLanes; lane += n) {
+      Vec<float, n> square[n];
+      for_each<n>([&](int k) NUQI_FORCED {
+        square[k] = convert<float>(load<n>(column(k) + lane)) * broadcast<float, n>(kUnit);
+      });
+      transpose_square(square);
+      for_each<n>([&](int k)
+                      NUQI_FORCED { store(pixels + block.starts[lane + k] + x, square[k]); });
+    }
+  };
+  if (block.count < n) {
+    // What exceeds a segment is overwritten by the next one.
+    turn(0, [&](int k)
+                NUQI_FORCED { return from + kLanes * (k < block.count ? k : block.count - 1); });
+  } else {
+    for (int64_t x = 0; x < block.count; x += n) {
+      const int64_t first = x + n <= block.count ? x : block.count - n;
+      turn(first, [&](int k) NUQI_FORCED { return from + kLanes * (first + k); });
+    }
   }
+  for (int lane = 0; lane < block.rest; ++lane)
+    pixels[block.starts[lane] + block.count] =
+        (float)load_one(from + kLanes * block.count + lane) * kUnit;
 }
+
+NUQI_NOINLINE void write(const Block& block, float* here) {
+  float pixels[kMostPixels + kLanes];
+  turn_back(block, (const int32_t*)here, pixels);
+  __builtin_memcpy((char*)here, pixels, block.pixels() * sizeof *pixels);
+}
+
+// ---- Passes
 
 template <bool is_5x5>
-void transform_wide(const DistanceJob& job) {
-  const Blocks blocks(job.roi.width);
-  const Steps steps = {all(job.orthogonal), all(job.diagonal), all(job.knight)};
-  const int32_t height = job.roi.height;
-  const auto row = [&](int64_t y) NUQI_FORCED {
-    return y < 0 || y >= height ? nullptr : (int32_t*)row_of(job.dst, y);
-  };
-  const Block first = blocks[0], last = blocks[blocks.last()];
-  const Ways<true> down[2] = {{first, job.orthogonal}, {last, job.orthogonal}};
-  const Ways<false> up[2] = {{first, job.orthogonal}, {last, job.orthogonal}};
+class Transform {
+ public:
+  explicit Transform(const DistanceJob& job)
+      : job_(job),
+        blocks_(job.roi.width),
+        steps_{all(job.orthogonal), all(job.diagonal), all(job.knight)} {}
 
-  for (int64_t y = 0; y < height; ++y)
-    sweep_down<is_5x5>(steps, down, {row(y), row(y - 1), row(y - 2)}, blocks, row_of(job.src, y));
-  // Rows are written when no sweep needs them any more.
-  constexpr int kReach = is_5x5 ? 2 : 1;
-  for (int64_t y = height - 1; y >= 0; --y) {
-    sweep_up<is_5x5>(steps, up, {row(y), row(y + 1), row(y + 2)}, blocks);
-    if (y + kReach < height) write(blocks, row(y + kReach));
+  NUQI_NOINLINE void down() const {
+    const Ways<true> ways[2] = {{blocks_.of[0], job_.orthogonal}, {blocks_.of[1], job_.orthogonal}};
+    int8_t features[2][kMostPixels + kLanes * kColumns];
+    find_features(row_of(job_.src, 0), blocks_[0], features[0]);
+    bool turn = false;
+    for (int64_t y = 0; y < job_.roi.height; ++y)
+      for (int64_t i = 0; i <= blocks_.last; ++i) {
+        const bool ends = i == blocks_.last;
+        const int64_t next_y = y + ends, next = ends ? 0 : i + 1;
+        sweep<is_5x5, true>(
+            steps_, ways[ends], {row(y), row(y - 1), row(y - 2)}, blocks_, i,
+            [&](int64_t k, auto)
+                NUQI_FORCED { return load_widened(features[turn] + kLanes * k) & far(); },
+            [&]() NUQI_FORCED {
+              if (next_y < job_.roi.height)
+                find_features(row_of(job_.src, next_y) + Blocks::x(next), blocks_[next],
+                              features[!turn]);
+            });
+        turn = !turn;
+      }
   }
-  for (int64_t y = 0; y < kReach && y < height; ++y) write(blocks, row(y));
-}
+
+  // Rows are written when no sweep needs them any more.
+  NUQI_NOINLINE void up() const {
+    constexpr int kReach = is_5x5 ? 2 : 1;
+    const Ways<false> ways[2] = {{blocks_.of[0], job_.orthogonal},
+                                 {blocks_.of[1], job_.orthogonal}};
+    const auto write_block = [&](int64_t y, int64_t i) NUQI_FORCED {
+      if (y < job_.roi.height) write(blocks_[i], row_of(job_.dst, y) + Blocks::x(i));
+    };
+    for (int64_t y = job_.roi.height - 1; y >= 0; --y)
+      for (int64_t i = blocks_.last; i >= 0; --i) {
+        const int32_t* here = row(y) + Blocks::x(i);
+        sweep<is_5x5, false>(
+            steps_, ways[i == blocks_.last], {row(y), row(y + 1), row(y + 2)}, blocks_, i,
+            [&](int64_t k, auto part) NUQI_FORCED { return load<kLanes>(here + kLanes * k, part); },
+            [&]() NUQI_FORCED { write_block(y + kReach + 1, i); });
+      }
+    for (int64_t y = 0; y <= kReach; ++y)
+      for (int64_t i = 0; i <= blocks_.last; ++i) write_block(y, i);
+  }
+
+ private:
+  NUQI_INLINE int32_t* row(int64_t y) const {
+    return y < 0 || y >= job_.roi.height ? nullptr : (int32_t*)row_of(job_.dst, y);
+  }
+
+  const DistanceJob& job_;
+  Blocks blocks_;
+  Steps steps_;
+};
 
 // ---- Rows too narrow for that, pixel by pixel
 
-constexpr int kNarrow = 2 * kLanes > kColumns ? 2 * kLanes : kColumns;
+constexpr int kNarrow = 2 * kLanes;
 
 // Three rows, with kDistanceFar on both sides.
 struct NarrowRows {
@@ -425,10 +467,10 @@ void transform_narrow(const DistanceJob& job) {
 
 template <bool is_5x5>
 void transform(const DistanceJob& job) {
-  if (job.roi.width < kNarrow)
-    transform_narrow<is_5x5>(job);
-  else
-    transform_wide<is_5x5>(job);
+  if (job.roi.width < kNarrow) return transform_narrow<is_5x5>(job);
+  const Transform<is_5x5> passes(job);
+  passes.down();
+  passes.up();
 }
 
 }  // namespace
