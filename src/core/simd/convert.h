@@ -26,9 +26,10 @@ NUQI_INLINE Px<int32_t> widen_bytes(const Px<From>& a) {
                            NUQI_FORCED { return machine::widen_bytes<Out::Native>(a.r[0], i); });
 }
 
-// A register of 32-bit integers from as many signed bytes in memory.
-NUQI_INLINE Reg<int32_t> load_widened(const int8_t* from) {
-  return {{machine::load_widened<Reg<int32_t>::Native>(from)}};
+// A register's worth of signed bytes from memory as 32-bit integers.
+template <int N>
+NUQI_INLINE Vec<int32_t, N> load_widened(const int8_t* from) {
+  return {{machine::load_widened<typename Vec<int32_t, N>::Native>(from)}};
 }
 
 // The lanes as To: wider integers, or floats.
