@@ -6,6 +6,7 @@
 #include "core/stripe.h"
 #include "core/validate.h"
 #include "morph/morph_state.h"
+#include "morph/window.h"
 
 namespace nuqi {
 namespace {
@@ -42,25 +43,58 @@ StatusCode check(const StripCall<T>& call, Shape shape, int32_t channels) {
 }
 
 template <class T>
-const auto& kernels_of(Shape shape) {
+const auto& kernels_of(int32_t shape) {
   const MorphKernelsOf<T>& kernels = strip_kernels().template of_type<T>();
   return shape == kRectangle ? kernels.rectangle : shape == kCross ? kernels.cross : kernels.mask;
 }
 
+// Elements whose results come straight from the caller's rows: small ones.
 template <class T>
-void run(const StripCall<T>& call, Extremum extremum, Shape shape) {
-  MorphState& state = *call.state;
-  const Stripe stripe = {.height = call.roi->height,
-                         .above = state.anchorY,
-                         .below = state.maskHeight - 1 - state.anchorY,
-                         .first = starts_image(call.border),
-                         .last = ends_image(call.border),
-                         .held = state.held};
-  const int32_t slots = state.maskHeight + spare_rows(state.dataType);
-  if (stripe.first)
-    for (int64_t i = 0; i < slots; ++i) state.rows[i] = state.firstRow + i * state.rowStep;
+bool is_small(const MorphState& state) {
+  const RoiSize size = {state.maskWidth, state.maskHeight};
+  const bool walked = size.width == size.height && (size.width == 3 || size.width == 5);
+  const bool centred = 2 * state.anchorX == size.width - 1 && 2 * state.anchorY == size.height - 1;
+  const int64_t beside = (int64_t{size.width} - 1) * state.channels * int64_t{sizeof(T)};
+  if (size.height > kSmallHeight || beside > kSmallBytes) return false;
+  return state.shape == kArbitrary || (walked && (centred || state.shape == kRectangle));
+}
 
-  const RingState ring = kernels_of<T>(shape)[static_cast<int>(extremum)](StripJob<T>{
+// The ring holds source rows.
+template <class T>
+void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum) {
+  const WindowKernelsOf<T>& kernels = window_kernels().template of_type<T>();
+  MorphState& state = *call.state;
+  const int32_t width = call.roi->width * state.channels;
+  const StripeRows<T> source = {stripe, call.src, reinterpret_cast<void* const*>(state.rows)};
+  const T* rows[kWindowSources];
+  const int which = static_cast<int>(extremum), size = state.maskWidth == 3 ? 0 : 1;
+  const auto kernel = state.shape == kRectangle ? kernels.rectangle[which][size]
+                      : state.shape == kCross   ? kernels.cross[which][size]
+                                                : kernels.mask[which];
+  for (int64_t y = 0; y < stripe.produced(); y += kWindowRows) {
+    const int64_t count = std::min<int64_t>(kWindowRows, stripe.produced() - y);
+    source.collect(y - stripe.lead(), count + stripe.around() + kRowsTogether - 1, rows);
+    kernel(WindowJob<T>{
+        .rows = rows,
+        .dst = {row_of(call.dst, y), call.dst.step},
+        .count = width,
+        .height = count,
+        .channels = state.channels,
+        .element = {state.maskWidth, state.maskHeight},
+        .anchor = {state.anchorX, state.anchorY},
+        .inside = state.inside,
+    });
+  }
+  source.keep(width);
+  state.held = stripe.kept();
+}
+
+// The ring holds expanded rows, which the kernels reduce as they need it.
+template <class T>
+void run_large(const StripCall<T>& call, const Stripe& stripe, Extremum extremum) {
+  MorphState& state = *call.state;
+  const int32_t slots = state.maskHeight + spare_rows(state.dataType);
+  const RingState ring = kernels_of<T>(state.shape)[static_cast<int>(extremum)](StripJob<T>{
       .src = call.src,
       .dst = call.dst,
       .count = int64_t{call.roi->width} * state.channels,
@@ -77,13 +111,28 @@ void run(const StripCall<T>& call, Extremum extremum, Shape shape) {
   });
   std::rotate(state.rows, state.rows + ring.oldest, state.rows + slots);
   state.held = ring.held;
+}
+
+template <class T>
+void run(const StripCall<T>& call, Extremum extremum) {
+  MorphState& state = *call.state;
+  const Stripe stripe = {.height = call.roi->height,
+                         .above = state.anchorY,
+                         .below = state.maskHeight - 1 - state.anchorY,
+                         .first = starts_image(call.border),
+                         .last = ends_image(call.border),
+                         .held = state.held};
+  const int64_t slots = int64_t{state.maskHeight} + spare_rows(state.dataType);
+  if (stripe.first)
+    for (int64_t i = 0; i < slots; ++i) state.rows[i] = state.firstRow + i * state.rowStep;
+  is_small<T>(state) ? run_small(call, stripe, extremum) : run_large(call, stripe, extremum);
   call.roi->height = static_cast<int32_t>(stripe.produced());
 }
 
 template <Extremum extremum, Shape shape, int channels, class T>
 StatusCode strip(const StripCall<T>& call) {
   if (const StatusCode status = check(call, shape, channels)) return status;
-  run(call, extremum, shape);
+  run(call, extremum);
   return StatusOk;
 }
 

@@ -1,15 +1,9 @@
 // Extrema over the pixels of an element: rectangles, crosses and arbitrary masks.
-#include "core/simd/float_order.h"
-#include "core/simd/memory.h"
-#include "morph/strip.h"
+#include "morph/extremum.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-template <Extremum extremum, class T, int N>
-NUQI_INLINE Vec<T, N> best(const Vec<T, N>& a, const Vec<T, N>& b) {
-  return extremum == Extremum::least ? min(a, b) : max(a, b);
-}
 template <Extremum extremum, class T, int N>
 NUQI_INLINE Vec<T, N> best(const Vec<T, N>& a, const Vec<T, N>& b, const Vec<T, N>& c,
                            const Vec<T, N>& d) {
@@ -86,14 +80,6 @@ NUQI_INLINE void copy_row(const T* from, T* to, int64_t count) {
   });
 }
 
-template <class T>
-NUQI_INLINE Vec<T, Reg<T>::kLanes> as_key(const Vec<T, Reg<T>::kLanes>& a) {
-  if constexpr (kIsFloat<T>)
-    return as<T>(float_order(as<int32_t>(a)));
-  else
-    return a;
-}
-
 // The row with copies of its first and last pixel around it, of floats as keys where masks ask for it.
 template <bool keys, class T>
 NUQI_INLINE void expand(const StripJob<T>& job, const T* src, T* row) {
@@ -102,7 +88,7 @@ NUQI_INLINE void expand(const StripJob<T>& job, const T* src, T* row) {
   T* to = row + left;
   for_blocks<Reg<T>::kLanes>(job.count, [&](int64_t x, auto part) NUQI_FORCED {
     const auto pixels = load<Reg<T>::kLanes>(src + x, part);
-    store(to + x, keys ? as_key<T>(pixels) : pixels, part);
+    store(to + x, keys ? swap_key<T>(pixels) : pixels, part);
   });
   for (int64_t i = 1; i <= left; ++i) to[-i] = to[job.channels - i];
   for (int64_t i = 0; i < right; ++i) to[job.count + i] = to[job.count + i - job.channels];
@@ -215,7 +201,7 @@ template <Extremum extremum, class T>
 struct MaskOf {
   static constexpr int kTogether = 2;
   static constexpr int kEntry = sizeof(T) == 1 ? 8 : 1;  // bytes
-  using Key = typename IfElse<kIsFloat<T>, int32_t, T>::Type;
+  using Key = KeyOf<T>;
   const StripJob<T>& job;
 
   NUQI_INLINE void enter(const T* src, T* row) const { expand<true>(job, src, row); }
@@ -223,13 +209,10 @@ struct MaskOf {
   template <int together>
   NUQI_INLINE void leave_all(const Ring<T>& ring, T* const (&dst)[together]) const {
     constexpr int N = Reg<T>::kLanes;
-    constexpr bool least = extremum == Extremum::least;
-    const auto worst =
-        broadcast<Key, N>(kIsFloat<T> ? (least ? INT32_MAX : INT32_MIN) : (least ? 255 : 0));
     const int32_t width = job.element.width, height = job.element.height;
     for_blocks<N>(job.count, [&](int64_t x, auto part) NUQI_FORCED {
       Vec<Key, N> results[together];
-      for_each<together>([&](int i) NUQI_FORCED { results[i] = worst; });
+      for_each<together>([&](int i) NUQI_FORCED { results[i] = worst<extremum, T>(); });
       const int64_t line = int64_t{width} * kEntry;
       for (int32_t r = 0; r < height + together - 1; ++r) {
         const Key* at = (const Key*)ring[r] + x;
@@ -245,7 +228,7 @@ struct MaskOf {
         }
       }
       for_each<together>(
-          [&](int i) NUQI_FORCED { store(dst[i] + x, as_key<T>(as<T>(results[i])), part); });
+          [&](int i) NUQI_FORCED { store(dst[i] + x, swap_key<T>(as<T>(results[i])), part); });
     });
   }
   NUQI_INLINE void leave(const Ring<T>& ring, T* dst) const { leave_all<1>(ring, {dst}); }

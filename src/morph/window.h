@@ -1,0 +1,43 @@
+// What erosion and dilation hand to the kernels of small elements: some rows of a strip.
+#pragma once
+
+#include "core/by_type.h"
+#include "core/image.h"
+#include "core/isa.h"
+
+namespace nuqi {
+
+// The elements that these kernels serve have so many rows at most, and so many bytes beside a pixel. Like
+// everything that a state keeps its rows for, it is the same on all machines.
+constexpr int kSmallHeight = 9, kSmallBytes = 96;
+
+// A job's rows of the result at most, and those that a kernel computes together, reading the rows of all.
+constexpr int kWindowRows = 32, kRowsTogether = 4;
+constexpr int kWindowSources = kWindowRows + kSmallHeight - 1 + kRowsTogether - 1;
+
+// Row y of the result comes from rows[y] to rows[y + element.height - 1]; kRowsTogether - 1 readable rows
+// follow the last window's. Counts are in elements: of interleaved channels one pixel is `channels`
+// further on than the one before.
+template <class T>
+struct WindowJob {
+  const T* const* rows;
+  Image<T> dst;
+  int64_t count, height;
+  int32_t channels;
+  RoiSize element;
+  PixelPoint anchor;
+  const uint8_t* inside;  // of arbitrary masks
+};
+
+template <class T>
+struct WindowKernelsOf {
+  void (*rectangle[2][2])(const WindowJob<T>&);  // [erosion, dilation][3x3, 5x5]
+  void (*cross[2][2])(const WindowJob<T>&);
+  void (*mask[2])(const WindowJob<T>&);
+};
+
+using WindowKernels = ByType<WindowKernelsOf, uint8_t, float>;
+
+NUQI_KERNEL_TABLES(WindowKernels, window_kernels)
+
+}  // namespace nuqi
