@@ -17,8 +17,8 @@ NUQI_INLINE Vec<T, N> best(const Vec<T, N>& a, const Vec<T, N>& b) {
 template <class T>
 using KeyOf = typename IfElse<kIsFloat<T>, int32_t, T>::Type;
 
-template <class T>
-NUQI_INLINE Reg<T> swap_key(const Reg<T>& a) {
+template <class T, int N>
+NUQI_INLINE Vec<T, N> swap_key(const Vec<T, N>& a) {
   if constexpr (kIsFloat<T>)
     return as<T>(float_order(as<int32_t>(a)));
   else
@@ -26,13 +26,13 @@ NUQI_INLINE Reg<T> swap_key(const Reg<T>& a) {
 }
 
 // What any pixel replaces.
-template <Extremum extremum, class T>
-NUQI_INLINE Reg<KeyOf<T>> worst() {
+template <Extremum extremum, class T, int N = Reg<T>::kLanes>
+NUQI_INLINE Vec<KeyOf<T>, N> worst() {
   constexpr bool least = extremum == Extremum::least;
   if constexpr (kIsFloat<T>)
-    return broadcast<int32_t, Reg<T>::kLanes>(least ? INT32_MAX : INT32_MIN);
+    return broadcast<int32_t, N>(least ? INT32_MAX : INT32_MIN);
   else
-    return broadcast<T, Reg<T>::kLanes>(least ? 0xFF : 0);
+    return broadcast<T, N>(least ? 0xFF : 0);
 }
 
 }  // namespace

@@ -73,7 +73,7 @@ void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum
                                                 : kernels.mask[which];
   for (int64_t y = 0; y < stripe.produced(); y += kWindowRows) {
     const int64_t count = std::min<int64_t>(kWindowRows, stripe.produced() - y);
-    source.collect(y - stripe.lead(), count + stripe.around() + kRowsTogether - 1, rows);
+    source.collect(y - stripe.lead(), count + stripe.around(), rows);
     kernel(WindowJob<T>{
         .rows = rows,
         .dst = {row_of(call.dst, y), call.dst.step},

@@ -11,13 +11,11 @@ namespace nuqi {
 // everything that a state keeps its rows for, it is the same on all machines.
 constexpr int kSmallHeight = 9, kSmallBytes = 96;
 
-// A job's rows of the result at most, and those that a kernel computes together, reading the rows of all.
-constexpr int kWindowRows = 32, kRowsTogether = 4;
-constexpr int kWindowSources = kWindowRows + kSmallHeight - 1 + kRowsTogether - 1;
+// A job's rows of the result at most, and its source rows.
+constexpr int kWindowRows = 32, kWindowSources = kWindowRows + kSmallHeight - 1;
 
-// Row y of the result comes from rows[y] to rows[y + element.height - 1]; kRowsTogether - 1 readable rows
-// follow the last window's. Counts are in elements: of interleaved channels one pixel is `channels`
-// further on than the one before.
+// Row y of the result comes from rows[y] to rows[y + element.height - 1]. Counts are in elements: of
+// interleaved channels one pixel is `channels` further on than the one before.
 template <class T>
 struct WindowJob {
   const T* const* rows;

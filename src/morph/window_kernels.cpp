@@ -20,13 +20,19 @@ struct Tile {
   alignas(64) T pixels[kWindowSources * kStep];
   const T* rows[kWindowSources];
 
+  static NUQI_INLINE int64_t sources(const WindowJob<T>& job) {
+    return job.height + job.element.height - 1;
+  }
+  // The caller's rows, from a column on.
+  NUQI_INLINE void refer(const WindowJob<T>& job, int64_t from) {
+    for (int64_t r = 0; r < sources(job); ++r) rows[r] = job.rows[r] + from;
+  }
   // Columns `from` to `from` + count - 1 of the image, all of its rows; those outside are copies.
   template <bool keys>
   NUQI_INLINE void fill(const WindowJob<T>& job, int64_t from, int64_t count) {
     const int64_t before = from < 0 ? -from : 0, beyond = from + count - job.count;
     const int64_t after = beyond > 0 ? beyond : 0, inside = count - before - after;
-    const int64_t sources = job.height + job.element.height - 1 + kRowsTogether - 1;
-    for (int64_t r = 0; r < sources; ++r) {
+    for (int64_t r = 0; r < sources(job); ++r) {
       const T* src = job.rows[r] + from + before;
       T* row = pixels + r * kStep;
       T* to = row + before;
@@ -41,31 +47,28 @@ struct Tile {
   }
 };
 
-// Calls compute(rows, dst, count) for stretches of the columns, where rows[r][0] is the leftmost pixel
-// under the element on dst's first.
-template <bool keys, class T, class Compute>
-NUQI_INLINE void for_stretches(const WindowJob<T>& job, const Compute& compute) {
+// Computes `count` columns from dst's first on: rows[r][0] is the leftmost pixel under the element there.
+template <class T>
+using Stretch = void (*)(const WindowJob<T>& job, const T* const* rows, Image<T> dst,
+                         int64_t count);
+
+template <bool keys, class T>
+NUQI_NOINLINE void for_stretches(const WindowJob<T>& job, Stretch<T> compute) {
   constexpr int N = Reg<T>::kLanes;
   const int64_t around = int64_t{job.element.width - 1} * job.channels;
   const int64_t left = int64_t{job.anchor.x} * job.channels, right = around - left;
   const int64_t most = (kTileBytes / int{sizeof(T)} - around) / N * N;
   Tile<T> tile;
-  const T* direct[kWindowSources];
   for (int64_t x = 0; x < job.count;) {
-    const Image<T> dst = {job.dst.data + x, job.dst.step};
-    const int64_t rest = job.count - x;
-    const int64_t blocks = (rest - right) / N * N;
-    int64_t count;
+    const int64_t rest = job.count - x, blocks = (rest - right) / N * N;
+    int64_t count = blocks;
     if (!keys && rest > most && x >= left && blocks > 0) {
-      count = blocks;
-      const int64_t sources = job.height + job.element.height - 1 + kRowsTogether - 1;
-      for (int64_t r = 0; r < sources; ++r) direct[r] = job.rows[r] + x - left;
-      compute(direct, dst, count);
+      tile.refer(job, x - left);
     } else {
       count = rest <= most ? rest : keys ? most : (left + N - 1) / N * N;
       tile.template fill<keys>(job, x - left, count + around);
-      compute(tile.rows, dst, count);
     }
+    compute(job, tile.rows, {job.dst.data + x, job.dst.step}, count);
     x += count;
   }
 }
@@ -152,63 +155,88 @@ struct Cross {
 
 // Walks down the columns, a block of pixels wide.
 template <template <Extremum, class, int> class Shape, Extremum extremum, int size, class T>
-void walk(const WindowJob<T>& job) {
-  constexpr int N = Reg<T>::kLanes;
-  const auto compute = [&](const T* const* rows, const Image<T>& image, int64_t count) NUQI_FORCED {
-    for_blocks<N>(count, [&](int64_t x, auto part) NUQI_FORCED {
-      Shape<extremum, T, size> shape;
-      for_each<size - 1>([&](int y) NUQI_FORCED { shape.push(rows[y] + x, job.channels); });
-      for (int64_t y = 0; y < job.height; ++y) {
-        store(row_of(image, y) + x, shape.push(rows[y + size - 1] + x, job.channels), part);
-      }
-    });
-  };
-  for_stretches<false>(job, compute);
+void stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_t count) {
+  for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
+    Shape<extremum, T, size> shape;
+    for_each<size - 1>([&](int y) NUQI_FORCED { shape.push(rows[y] + x, job.channels); });
+    for (int64_t y = 0; y < job.height; ++y) {
+      const auto result = shape.push(rows[y + size - 1] + x, job.channels);
+      store(row_of(dst, y) + x, result, part);
+    }
+  });
 }
 
-// ---- Arbitrary masks: pixels are loaded once for several rows of the result.
+template <template <Extremum, class, int> class Shape, Extremum extremum, int size, class T>
+void walk(const WindowJob<T>& job) {
+  for_stretches<false>(job, stretch<Shape, extremum, size, T>);
+}
+
+// ---- Arbitrary masks. A pixel is loaded once, and offered to all results that it may lie below.
+
+// So many of an element's rows are looked at, whether it has them or not.
+constexpr int kMaskHeights[] = {5, kSmallHeight};
+
+// Bit i of takers[c]: row i of the element, counted so that its last is the last that is looked at, has
+// a pixel inside in column c.
+template <class T>
+struct Takers {
+  uint16_t of[kSmallBytes / sizeof(T) + 1];
+
+  NUQI_INLINE Takers(const WindowJob<T>& job, int32_t height) {
+    constexpr int kEntry = sizeof(T) == 1 ? 8 : 1;
+    const int32_t above = height - job.element.height;
+    for (int32_t c = 0; c < job.element.width; ++c) {
+      int bits = 0;
+      for (int32_t r = 0; r < job.element.height; ++r)
+        if (job.inside[(int64_t{r} * job.element.width + c) * kEntry] != 0)
+          bits |= 1 << (r + above);
+      of[c] = (uint16_t)bits;
+    }
+  }
+};
+
+template <Extremum extremum, int height, int N, class T, class Part>
+NUQI_INLINE void mask_columns(const WindowJob<T>& job, const Takers<T>& takers,
+                              const T* const* rows, Image<T> dst, int64_t x, Part part) {
+  using V = Vec<KeyOf<T>, N>;
+  V results[height];
+  const V none = worst<extremum, T, N>();
+  for_each<height>([&](int i) NUQI_FORCED { results[i] = none; });
+  for (int64_t y = 1 - job.element.height; y < job.height; ++y) {
+    const auto* at = (const KeyOf<T>*)rows[y + job.element.height - 1] + x;
+    for (int32_t c = 0; c < job.element.width; ++c, at += job.channels) {
+      const auto pixels = load<N>(at);
+      const int bits = takers.of[c];
+      for_each<height>([&](int i) NUQI_FORCED {
+        if (bits & 1 << i) results[i] = best<extremum>(results[i], pixels);
+      });
+    }
+    if (y >= 0) store(row_of(dst, y) + x, swap_key<T>(as<T>(results[height - 1])), part);
+    for_each<height - 1>([&](int i)
+                             NUQI_FORCED { results[height - 1 - i] = results[height - 2 - i]; });
+    results[0] = none;
+  }
+}
+
+template <Extremum extremum, int height, class T>
+void mask_stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_t count) {
+  constexpr int N = Reg<T>::kLanes, kWide = 2 * N;
+  const Takers<T> takers(job, height);
+  int64_t x = 0;
+  if constexpr (Machine::kMasks)  // which has the registers, too
+    for (; x + kWide <= count; x += kWide)
+      mask_columns<extremum, height, kWide>(job, takers, rows, dst, x, Whole{});
+  for (; x + N <= count; x += N)
+    mask_columns<extremum, height, N>(job, takers, rows, dst, x, Whole{});
+  if (x < count)
+    mask_columns<extremum, height, N>(job, takers, rows, dst, x, First{int(count - x)});
+}
 
 template <Extremum extremum, class T>
 void mask(const WindowJob<T>& job) {
-  using Key = KeyOf<T>;
-  constexpr int N = Reg<T>::kLanes, kEntry = sizeof(T) == 1 ? 8 : 1, kRows = kRowsTogether;
-  const int32_t width = job.element.width, height = job.element.height + kRows - 1;
-  // Which of the rows a pixel below their first belongs to: a bit each.
-  uint8_t takers[(kSmallHeight + kRows - 1) * (kSmallBytes / sizeof(T) + 1)];
-  for (int32_t r = 0; r < height; ++r)
-    for (int32_t c = 0; c < width; ++c) {
-      int bits = 0;
-      for (int32_t i = 0; i < kRows; ++i)
-        if (r >= i && r - i < job.element.height &&
-            job.inside[(int64_t{r - i} * width + c) * kEntry] != 0)
-          bits |= 1 << i;
-      takers[r * width + c] = (uint8_t)bits;
-    }
-
-  const auto compute = [&](const T* const* rows, const Image<T>& image, int64_t count) NUQI_FORCED {
-    for (int64_t y = 0; y < job.height; y += kRows)
-      for_blocks<N>(count, [&](int64_t x, auto part) NUQI_FORCED {
-        Reg<Key> results[kRows];
-        for_each<kRows>([&](int i) NUQI_FORCED { results[i] = worst<extremum, T>(); });
-        const uint8_t* taken = takers;
-        for (int32_t r = 0; r < height; ++r) {
-          const Key* at = (const Key*)rows[y + r] + x;
-          for (int32_t c = 0; c < width; ++c, at += job.channels) {
-            const int bits = *taken++;
-            if (bits == 0) continue;
-            const auto pixels = load<N>(at);
-            for_each<kRows>([&](int i) NUQI_FORCED {
-              if (bits & 1 << i) results[i] = best<extremum>(results[i], pixels);
-            });
-          }
-        }
-        for_each<kRows>([&](int i) NUQI_FORCED {
-          if (y + i < job.height)
-            store(row_of(image, y + i) + x, swap_key<T>(as<T>(results[i])), part);
-        });
-      });
-  };
-  for_stretches<kIsFloat<T>>(job, compute);
+  for_stretches<kIsFloat<T>>(job, job.element.height <= kMaskHeights[0]
+                                      ? mask_stretch<extremum, kMaskHeights[0], T>
+                                      : mask_stretch<extremum, kMaskHeights[1], T>);
 }
 
 constexpr auto kLeast = Extremum::least, kGreatest = Extremum::greatest;
