@@ -70,9 +70,10 @@ void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum
   const int which = static_cast<int>(extremum), size = state.maskWidth == 3 ? 0 : 1;
   const auto kernel = state.shape == kRectangle ? kernels.rectangle[which][size]
                       : state.shape == kCross   ? kernels.cross[which][size]
-                                                : kernels.mask[which];
-  for (int64_t y = 0; y < stripe.produced(); y += kWindowRows) {
-    const int64_t count = std::min<int64_t>(kWindowRows, stripe.produced() - y);
+                                                : mask_kernels().template of_type<T>().of[which];
+  const int64_t at_once = width * int64_t{sizeof(T)} > kLongRow ? kLongWindowRows : kWindowRows;
+  for (int64_t y = 0; y < stripe.produced(); y += at_once) {
+    const int64_t count = std::min(at_once, stripe.produced() - y);
     source.collect(y - stripe.lead(), count + stripe.around(), rows);
     kernel(WindowJob<T>{
         .rows = rows,

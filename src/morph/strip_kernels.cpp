@@ -53,7 +53,7 @@ NUQI_INLINE void take_four(const T* a, const T* b, const T* c, const T* d, T* to
 // become windows of 4 * w, then those of the size. From the left, so that only what is read no more is
 // overwritten where both are one row.
 template <Extremum extremum, class T>
-NUQI_INLINE void along_row(const T* row, T* to, int64_t count, int64_t channels, int64_t size) {
+NUQI_NOINLINE void along_row(const T* row, T* to, int64_t count, int64_t channels, int64_t size) {
   const auto combine = [&](const T* from, int64_t n, int64_t b, int64_t c, int64_t d) NUQI_FORCED {
     for_blocks<Reg<T>::kLanes>(n, [&](int64_t x, auto part) NUQI_FORCED {
       const T* at = from + x;
@@ -74,7 +74,7 @@ NUQI_INLINE void along_row(const T* row, T* to, int64_t count, int64_t channels,
 // ---- Rows on their way into the ring
 
 template <class T>
-NUQI_INLINE void copy_row(const T* from, T* to, int64_t count) {
+NUQI_NOINLINE void copy_row(const T* from, T* to, int64_t count) {
   for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
     store(to + x, load<Reg<T>::kLanes>(from + x, part), part);
   });
@@ -82,7 +82,7 @@ NUQI_INLINE void copy_row(const T* from, T* to, int64_t count) {
 
 // The row with copies of its first and last pixel around it, of floats as keys where masks ask for it.
 template <bool keys, class T>
-NUQI_INLINE void expand(const StripJob<T>& job, const T* src, T* row) {
+NUQI_NOINLINE void expand(const StripJob<T>& job, const T* src, T* row) {
   const int64_t left = job.anchor.x * job.channels;
   const int64_t right = (job.element.width - 1) * job.channels - left;
   T* to = row + left;
@@ -136,6 +136,13 @@ NUQI_INLINE RingState run(const StripJob<T>& job, const Family& family) {
   return {ring.oldest, ring.held};
 }
 
+template <Extremum extremum, class T>
+NUQI_NOINLINE void of_rows(const T* a, const T* b, const T* c, const T* d, T* to, int64_t count) {
+  for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
+    take_four<extremum>(a + x, b + x, c + x, d + x, to + x, part);
+  });
+}
+
 // ---- Rectangles. The ring holds extrema along the rows; of windows of w rows, the more the farther
 // a row is from the newest.
 
@@ -152,18 +159,13 @@ struct Rectangle {
   NUQI_INLINE void entered(const Ring<T>& ring) const {
     for (int32_t w = 1; w < last.reached && ring.held >= 4 * w; w *= 4) {
       T* const oldest = ring[ring.held - 4 * w];
-      of_rows(oldest, ring[ring.held - 3 * w], ring[ring.held - 2 * w], ring[ring.held - w],
-              oldest);
+      of_rows<extremum>(oldest, ring[ring.held - 3 * w], ring[ring.held - 2 * w],
+                        ring[ring.held - w], oldest, job.count);
     }
-  }
-  NUQI_INLINE void of_rows(const T* a, const T* b, const T* c, const T* d, T* to) const {
-    for_blocks<Reg<T>::kLanes>(job.count, [&](int64_t x, auto part) NUQI_FORCED {
-      take_four<extremum>(a + x, b + x, c + x, d + x, to + x, part);
-    });
   }
   NUQI_INLINE void leave(const Ring<T>& ring, T* dst, int32_t first = 0) const {
     const auto row = [&](int i) NUQI_FORCED { return ring[first + (int32_t)last.at[i]]; };
-    of_rows(row(0), row(1), row(2), row(3), dst);
+    of_rows<extremum>(row(0), row(1), row(2), row(3), dst, job.count);
   }
   NUQI_INLINE void leave(const Ring<T>& ring, T* upper, T* lower) const {
     leave(ring, upper, 0);
