@@ -142,27 +142,24 @@ TEST_P(LargeImages, PlacesBeyond32Bits) {
             (std::vector<int32_t>{32760 * kRoi.width + 5, 0, INT32_MAX - 1, 0}));
 }
 
-// An element whose rows come straight from the source, and one whose rows pass through the state's ring.
-// What is repeated is seen below its own last row; at the end the image's last rows are written.
+// What is repeated is seen below its own last row; the image's last rows are written last.
 TEST_P(LargeImages, ErosionWritesEveryRow) {
   constexpr int kRows = Repeated::kPiece / kStep;
-  std::vector<uint8_t> pixels = src().piece();
-  const std::vector<uint8_t> piece = pixels;
+  const Element element = {{3, 3}, {1, 1}, std::vector<int32_t>(9, 1)};
+  const std::vector<uint8_t> piece = src().piece();
+  std::vector<uint8_t> pixels = piece;
   pixels.insert(pixels.end(), piece.begin(), piece.end());
-  for (const Element& element : {Element{{3, 3}, {1, 1}, {}}, Element{{2, 4}, {0, 1}, {}}}) {
-    auto expected = strip_reference(false, 0, element, 1, {kStep, 2 * kRows}, pixels);
-    expected.erase(expected.begin(), expected.begin() + Repeated::kPiece);
-    std::memset(dst().data(), 0x5A, Repeated::kPiece);
-    MorphState* state = nullptr;
-    ASSERT_EQ(
-        nuqiMorphologyInitAlloc(kStep, 1, 1, element.size, element.anchor, 0, nullptr, &state),
-        StatusOk);
-    RoiSize roi = kRoi;
-    ASSERT_EQ(nuqiErodeStrip_Rect_8u_C1R(src().data(), kStep, dst().data(), kStep, &roi, state, 0),
-              StatusOk);
-    EXPECT_EQ(roi.height, kRoi.height);
-    EXPECT_TRUE(same_bits(expected, dst().piece()));
-  }
+  auto expected = strip_reference(false, 100, element, 1, {kStep, 2 * kRows}, pixels);
+  expected.erase(expected.begin(), expected.begin() + Repeated::kPiece);
+  std::memset(dst().data(), 0x5A, Repeated::kPiece);
+  MorphState* state = nullptr;
+  ASSERT_EQ(nuqiMorphologyInitAlloc(kStep, 1, 1, element.size, element.anchor, 0, nullptr, &state),
+            StatusOk);
+  RoiSize roi = kRoi;
+  ASSERT_EQ(nuqiErodeStrip_Rect_8u_C1R(src().data(), kStep, dst().data(), kStep, &roi, state, 0),
+            StatusOk);
+  EXPECT_EQ(roi.height, kRoi.height);
+  EXPECT_TRUE(same_bits(expected, dst().piece()));
 }
 
 }  // namespace
