@@ -6,24 +6,25 @@ namespace {
 
 // ---- Lines of `size` pixels or rows: windows that double
 
-template <int size>
-constexpr int kReached = size < 2 ? 1 : 2 * kReached<size / 2>;
+template <Extremum extremum, int size, int w = 1, class V>
+NUQI_INLINE V of_line(V (&m)[size]) {
+  if constexpr (2 * w <= size) {
+    for_each<size - 2 * w + 1>([&](int i) NUQI_FORCED { m[i] = best<extremum>(m[i], m[i + w]); });
+    return of_line<extremum, size, 2 * w>(m);
+  } else {
+    return best<extremum>(m[0], m[size - w]);
+  }
+}
 
 // Along a row.
 template <Extremum extremum, int size, class T, int N>
 NUQI_INLINE Vec<T, N> along_row(const T* from, int64_t channels) {
   Vec<T, N> m[size];
   for_each<size>([&](int i) NUQI_FORCED { m[i] = load<N>(from + i * channels); });
-  if constexpr (!kIsFloat<T>) {  // any order
-    for_each<size - 1>([&](int i) NUQI_FORCED { m[0] = best<extremum>(m[0], m[i + 1]); });
-    return m[0];
-  } else {
-    for (int w = 1; 2 * w <= size; w *= 2)
-      for_each<size - 1>([&](int i) NUQI_FORCED {
-        if (i + 2 * w <= size) m[i] = best<extremum>(m[i], m[i + w]);
-      });
-    return best<extremum>(m[0], m[size - kReached<size>]);
-  }
+  if constexpr (kIsFloat<T>) return of_line<extremum>(m);
+  // Bytes come in any order: that of the fewest operations.
+  for_each<size - 1>([&](int i) NUQI_FORCED { m[0] = best<extremum>(m[0], m[i + 1]); });
+  return m[0];
 }
 
 // The last `size` of what was put in.
