@@ -45,7 +45,8 @@ struct StripeRows {
   void* const* ring;  // around() row buffers; the held rows come first, the oldest in front
 
   const T* operator[](int64_t i) const {
-    if (i >= 0) return row_of(src, std::min<int64_t>(i, stripe.height - 1));
+    i = std::min<int64_t>(i, stripe.height - 1);  // a last stripe may have no rows
+    if (i >= 0) return row_of(src, i);
     return stripe.first ? src.data : static_cast<const T*>(ring[stripe.held + i]);
   }
   // Rows i to i + count - 1. In runs: choosing row by row takes a thousand instructions for 64 rows.

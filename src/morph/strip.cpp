@@ -2,11 +2,11 @@
 #include "morph/strip.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "core/stripe.h"
 #include "core/validate.h"
 #include "morph/morph_state.h"
+#include "morph/window.h"
 
 namespace nuqi {
 namespace {
@@ -42,137 +42,98 @@ StatusCode check(const StripCall<T>& call, Shape shape, int32_t channels) {
   return StatusOk;
 }
 
-// Runs one strip: rows enter the ring, results leave it.
-template <Extremum extremum, Shape shape, class T>
-class Strip {
- public:
-  explicit Strip(const StripCall<T>& call)
-      : call_(call),
-        state_(*call.state),
-        stripe_({.height = call.roi->height,
-                 .above = state_.anchorY,
-                 .below = state_.maskHeight - 1 - state_.anchorY,
-                 .first = starts_image(call.border),
-                 .last = ends_image(call.border),
-                 .held = state_.held}),
-        channels_(state_.channels),
-        count_(int64_t{call.roi->width} * channels_),
-        around_(int64_t{state_.maskWidth - 1} * channels_),
-        held_(stripe_.lead()) {}
+template <class T>
+const auto& kernels_of(int32_t shape) {
+  const MorphKernelsOf<T>& kernels = strip_kernels().template of_type<T>();
+  return shape == kRectangle ? kernels.rectangle : shape == kCross ? kernels.cross : kernels.mask;
+}
 
-  void run() {
-    if (stripe_.first) reset_ring();
-    T* dst = call_.dst.data;
-    for (int64_t y = 0; y < stripe_.end(); ++y) {
-      enter(y);
-      if (held_ < state_.maskHeight) continue;
-      leave(dst);
-      dst = row_of(Image<T>{dst, call_.dst.step}, 1);
-    }
-    call_.roi->height = static_cast<int32_t>(stripe_.produced());
-    state_.held = held_;
+// Elements whose results come straight from the caller's rows: small ones.
+template <class T>
+bool is_small(const MorphState& state) {
+  const RoiSize size = {state.maskWidth, state.maskHeight};
+  const bool walked = size.width == size.height && (size.width == 3 || size.width == 5);
+  const bool centred = 2 * state.anchorX == size.width - 1 && 2 * state.anchorY == size.height - 1;
+  const int64_t beside = (int64_t{size.width} - 1) * state.channels * int64_t{sizeof(T)};
+  if (size.height > kSmallHeight || beside > kSmallBytes) return false;
+  return state.shape == kArbitrary || (walked && (centred || state.shape == kRectangle));
+}
+
+// The ring holds source rows.
+template <class T>
+void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum) {
+  const WindowKernelsOf<T>& kernels = window_kernels().template of_type<T>();
+  MorphState& state = *call.state;
+  const int32_t width = call.roi->width * state.channels;
+  const StripeRows<T> source = {stripe, call.src, reinterpret_cast<void* const*>(state.rows)};
+  const T* rows[kWindowSources];
+  const int which = static_cast<int>(extremum), size = state.maskWidth == 3 ? 0 : 1;
+  const auto kernel = state.shape == kRectangle ? kernels.rectangle[which][size]
+                      : state.shape == kCross   ? kernels.cross[which][size]
+                                                : mask_kernels().template of_type<T>().of[which];
+  const int64_t at_once = width * int64_t{sizeof(T)} > kLongRow ? kLongWindowRows : kWindowRows;
+  for (int64_t y = 0; y < stripe.produced(); y += at_once) {
+    const int64_t count = std::min(at_once, stripe.produced() - y);
+    source.collect(y - stripe.lead(), count + stripe.around(), rows);
+    kernel(WindowJob<T>{
+        .rows = rows,
+        .dst = {row_of(call.dst, y), call.dst.step},
+        .count = width,
+        .height = count,
+        .channels = state.channels,
+        .element = {state.maskWidth, state.maskHeight},
+        .anchor = {state.anchorX, state.anchorY},
+        .inside = state.inside,
+    });
   }
+  source.keep(width);
+  state.held = stripe.kept();
+}
 
- private:
-  static constexpr int kWhich = static_cast<int>(extremum);
+// The ring holds expanded rows, which the kernels reduce as they need it.
+template <class T>
+void run_large(const StripCall<T>& call, const Stripe& stripe, Extremum extremum) {
+  MorphState& state = *call.state;
+  const int32_t slots = state.maskHeight + spare_rows(state.dataType);
+  const RingState ring = kernels_of<T>(state.shape)[static_cast<int>(extremum)](StripJob<T>{
+      .src = call.src,
+      .dst = call.dst,
+      .count = int64_t{call.roi->width} * state.channels,
+      .channels = state.channels,
+      .height = stripe.height,
+      .end = stripe.end(),
+      .first = stripe.first,
+      .element = {state.maskWidth, state.maskHeight},
+      .anchor = {state.anchorX, state.anchorY},
+      .inside = state.inside,
+      .rows = state.rows,
+      .slots = slots,
+      .held = stripe.lead(),
+  });
+  std::rotate(state.rows, state.rows + ring.oldest, state.rows + slots);
+  state.held = ring.held;
+}
 
-  T* ring(int64_t i) const { return reinterpret_cast<T*>(state_.rows[i]); }
-  size_t ring_bytes() const { return static_cast<size_t>(count_ + around_) * sizeof(T); }
-
-  void reset_ring() {
-    const int rows = state_.maskHeight + spare_rows(state_.dataType);
-    for (int i = 0; i < rows; ++i) state_.rows[i] = state_.firstRow + int64_t{i} * state_.rowStep;
-  }
-
-  // Row y of the strip becomes the ring's newest; below the image, a copy of the row before.
-  void enter(int64_t y) {
-    T* row = ring(held_);
-    if (y < stripe_.height) {
-      expand(row_of(call_.src, y), row);
-      if (shape == kRectangle && state_.maskWidth > 1)
-        kernels().along_row[kWhich](row, count_, channels_, state_.maskWidth);
-    } else {
-      std::memcpy(row, ring(held_ - 1), ring_bytes());
-    }
-    if (stripe_.first && y == 0)
-      for (int i = 0; i < state_.anchorY; ++i) std::memcpy(ring(i), row, ring_bytes());
-    ++held_;
-    if (shape == kRectangle) widen_windows();
-  }
-
-  // The row with copies of its first and last pixel around it.
-  void expand(const T* src, T* row) {
-    const int64_t left = int64_t{state_.anchorX} * channels_, right = around_ - left;
-    T* to = row + left;
-    if (shape == kArbitrary)
-      kernels().to_ring(src, to, count_);
-    else
-      std::memcpy(to, src, static_cast<size_t>(count_) * sizeof(T));
-    for (int64_t i = 1; i <= left; ++i) to[-i] = to[channels_ - i];
-    for (int64_t i = 0; i < right; ++i) to[count_ + i] = to[count_ + i - channels_];
-  }
-
-  // Rows of windows of w rows become rows of windows of 4 * w where the newest row completes one.
-  void widen_windows() {
-    for (int64_t w = 1; 4 * w < state_.maskHeight && held_ >= 4 * w; w *= 4) {
-      const int64_t newest = held_ - w;
-      const T* const rows[] = {ring(newest - 3 * w), ring(newest - 2 * w), ring(newest - w),
-                               ring(newest)};
-      kernels().of_rows[kWhich](rows, ring(newest - 3 * w), count_);
-    }
-  }
-
-  // The result whose window begins with the oldest row, which leaves the ring.
-  void leave(T* dst) {
-    if constexpr (shape == kRectangle)
-      rectangle(dst);
-    else
-      element(dst);
-    const int rows = state_.maskHeight;
-    std::rotate(state_.rows, state_.rows + 1, state_.rows + rows);
-    --held_;
-  }
-
-  void rectangle(T* dst) {
-    const int64_t height = state_.maskHeight;
-    int64_t w = 1;
-    while (4 * w < height) w *= 4;
-    const bool two = height <= 2 * w;
-    const T* const rows[] = {ring(0), ring(two ? height - w : w), ring(two ? 0 : height - 2 * w),
-                             ring(height - w)};
-    kernels().of_rows[kWhich](rows, dst, count_);
-  }
-
-  void element(T* dst) {
-    T* spare = reinterpret_cast<T*>(state_.spareRows);
-    if (shape == kCross) {
-      std::memcpy(spare, ring(state_.anchorY), ring_bytes());
-      kernels().along_row[kWhich](spare, count_, channels_, state_.maskWidth);
-    }
-    const MorphJob<T> job = {.rows = state_.rows,
-                             .dst = dst,
-                             .count = count_,
-                             .channels = channels_,
-                             .element = {state_.maskWidth, state_.maskHeight},
-                             .anchor = {state_.anchorX, state_.anchorY},
-                             .inside = state_.inside,
-                             .spare = spare};
-    (shape == kCross ? kernels().cross : kernels().mask)[kWhich](job);
-  }
-
-  static const MorphKernelsOf<T>& kernels() { return strip_kernels().template of_type<T>(); }
-
-  const StripCall<T>& call_;
-  MorphState& state_;
-  Stripe stripe_;
-  int64_t channels_, count_, around_;
-  int held_;
-};
+template <class T>
+void run(const StripCall<T>& call, Extremum extremum) {
+  MorphState& state = *call.state;
+  const Stripe stripe = {.height = call.roi->height,
+                         .above = state.anchorY,
+                         .below = state.maskHeight - 1 - state.anchorY,
+                         .first = starts_image(call.border),
+                         .last = ends_image(call.border),
+                         .held = state.held};
+  const int64_t slots = int64_t{state.maskHeight} + spare_rows(state.dataType);
+  if (stripe.first)
+    for (int64_t i = 0; i < slots; ++i) state.rows[i] = state.firstRow + i * state.rowStep;
+  is_small<T>(state) ? run_small(call, stripe, extremum) : run_large(call, stripe, extremum);
+  call.roi->height = static_cast<int32_t>(stripe.produced());
+}
 
 template <Extremum extremum, Shape shape, int channels, class T>
 StatusCode strip(const StripCall<T>& call) {
   if (const StatusCode status = check(call, shape, channels)) return status;
-  Strip<extremum, shape, T>(call).run();
+  run(call, extremum);
   return StatusOk;
 }
 

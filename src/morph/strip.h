@@ -9,30 +9,33 @@ namespace nuqi {
 
 enum class Extremum { least, greatest };
 
-// A row of the result, from the ring's rows under the element. Counts are in elements: of interleaved
-// channels one pixel is `channels` further on than the one before.
+// The rows of one strip enter the ring, one after the other, and results leave it once it holds as many
+// as the element has. Counts are in elements: of interleaved channels one pixel is `channels` further on
+// than the one before.
 template <class T>
-struct MorphJob {
-  uint8_t* const* rows;  // as many as the element has
-  T* dst;
-  int64_t count;
-  int64_t channels;
+struct StripJob {
+  Image<const T> src;
+  Image<T> dst;
+  int64_t count, channels;
+  int64_t height, end;  // source rows; rows that enter: those, and copies of the last one
+  bool first;           // copies of the first row stand above it
   RoiSize element;
   PixelPoint anchor;
   const uint8_t* inside;  // of arbitrary masks
-  T* spare;               // room for an expanded row
+  uint8_t** rows;         // the ring: those of the element, then as many as are computed besides
+  int32_t slots, held;
+};
+
+// What a strip leaves in the ring: `held` rows from rows[oldest] on, wrapping at the last slot.
+struct RingState {
+  int32_t oldest, held;
 };
 
 template <class T>
 struct MorphKernelsOf {
-  // Each element becomes the extremum of `window` pixels from it on, of which all are readable.
-  void (*along_row[2])(T* row, int64_t count, int64_t channels, int32_t window);
-  // The extremum of four rows.
-  void (*of_rows[2])(const T* const* rows, T* dst, int64_t count);
-  void (*cross[2])(const MorphJob<T>&);
-  void (*mask[2])(const MorphJob<T>&);
-  // Elements as the ring holds them for masks: floats as keys.
-  void (*to_ring)(const T* src, T* ring, int64_t count);
+  RingState (*rectangle[2])(const StripJob<T>&);
+  RingState (*cross[2])(const StripJob<T>&);
+  RingState (*mask[2])(const StripJob<T>&);
 };
 
 using MorphKernels = ByType<MorphKernelsOf, uint8_t, float>;

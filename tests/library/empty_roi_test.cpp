@@ -16,6 +16,7 @@
 #include "filters/derivative3x3_members.h"
 #include "filters/laplace_members.h"
 #include "filters/sobel_members.h"
+#include "morph/strip_members.h"
 #include "pyramid/pyramid_members.h"
 #include "stats/mean_members.h"
 #include "stats/min_max_members.h"
@@ -186,6 +187,23 @@ TEST_P(EmptyRoi, Fills) {
     expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
       return member.call({image<T>(), kStep, roi, {0, 0}, 1, 1, 1, &region, image<void>()});
     });
+  });
+}
+
+TEST_P(EmptyRoi, Morphology) {
+  for_each_strip([&]<class T>(const StripMember<T>& member) {
+    const int32_t mask[] = {1};
+    MorphState* state = nullptr;
+    ASSERT_EQ(nuqiMorphologyInitAlloc(8, data_type(T{}), member.channels, {1, 1}, {0, 0},
+                                      member.shape, mask, &state),
+              StatusOk);
+    for (int32_t border : {0, 1, 2, 4}) {
+      const auto call = [&](RoiSize roi) {
+        return member.call({image<T>(), kStep, image<T>(), kStep, &roi, state, border});
+      };
+      expect_at_once(member.name, kNoColumns, StatusBadSize, call);
+      expect_at_once(member.name, {8, 0}, StatusNothingToDo, call);
+    }
   });
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "arith/abs_diff_reference.h"
+#include "morph/strip_reference.h"
 #include "pyramid/pyramid_reference.h"
 #include "support/comparison.h"
 #include "support/every_isa.h"
@@ -159,6 +160,26 @@ TEST_P(LargeImages, PlacesBeyond32Bits) {
   EXPECT_EQ((std::vector<float>{min, max}), (std::vector<float>{7, 150}));
   EXPECT_EQ((std::vector<int32_t>{min_at.x, min_at.y, max_at.x, max_at.y}),
             (std::vector<int32_t>{32760 * kRoi.width + 5, 0, INT32_MAX - 1, 0}));
+}
+
+// What is repeated is seen below its own last row; the image's last rows are written last.
+TEST_P(LargeImages, ErosionWritesEveryRow) {
+  constexpr int kRows = Repeated::kPiece / kStep;
+  const Element element = {{3, 3}, {1, 1}, std::vector<int32_t>(9, 1)};
+  const std::vector<uint8_t> piece = src().piece();
+  std::vector<uint8_t> pixels = piece;
+  pixels.insert(pixels.end(), piece.begin(), piece.end());
+  auto expected = strip_reference(false, 100, element, 1, {kStep, 2 * kRows}, pixels);
+  expected.erase(expected.begin(), expected.begin() + Repeated::kPiece);
+  std::memset(dst().data(), 0x5A, Repeated::kPiece);
+  MorphState* state = nullptr;
+  ASSERT_EQ(nuqiMorphologyInitAlloc(kStep, 1, 1, element.size, element.anchor, 0, nullptr, &state),
+            StatusOk);
+  RoiSize roi = kRoi;
+  ASSERT_EQ(nuqiErodeStrip_Rect_8u_C1R(src().data(), kStep, dst().data(), kStep, &roi, state, 0),
+            StatusOk);
+  EXPECT_EQ(roi.height, kRoi.height);
+  EXPECT_TRUE(same_bits(expected, dst().piece()));
 }
 
 }  // namespace

@@ -88,6 +88,9 @@ NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, Whole) {
 }
 NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, First part) { return load(from, part); }
 
+// Asks for the cache line of an address, which need not be readable.
+NUQI_INLINE void prefetch(const void* at) { __builtin_prefetch(at); }
+
 // Walks a row: body(x, Whole{}) for each block of N pixels, then body(x, First{rest}).
 template <int N = 16, class Body>
 NUQI_INLINE void for_blocks(int64_t width, const Body& body) {
