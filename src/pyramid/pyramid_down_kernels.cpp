@@ -2,7 +2,7 @@
 //
 // A band of rows is walked down block by block, so that the sums along the rows stay in registers until
 // the columns have used them.
-#include "pyramid/sums.h"
+#include "pyramid/down_rows.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
@@ -55,14 +55,6 @@ class ColumnSums {
   S before_, last_;
 };
 
-// Floats are added in the contract's order.
-template <class S>
-NUQI_INLINE S five_taps(const S& a, const S& b, const S& c, const S& d, const S& e, Place place) {
-  if (place.first && place.last) return times(c + d, 8);
-  if (place.first) return times(times(c, 3) + times(d, 4) + e, 2);
-  const S before = a + times(b + d, 4);
-  return place.last ? before + times(c, 7) : before + times(c, 6) + e;
-}
 template <class S>
 class FloatColumnSums {
  public:
@@ -81,23 +73,31 @@ class FloatColumnSums {
   S a_, b_, c_;
 };
 
-// Walks down a block of columns: along.sum<weight>(row) are its sums along a row, times the weight;
-// put(y, sums) takes those of both directions.
-template <class Sums, class T, class Along, class Put>
-NUQI_INLINE void walk(const DownBand<T>& band, const Along& along, const Put& put) {
+// Walks down a block of columns.
+template <class Sums, class Block, class T>
+NUQI_INLINE void walk(const DownBand<T>& band, const Block& block) {
   const T* const* rows = band.rows;
-  Sums sums(along.template sum<1>(rows[0]), along.template sum<1>(rows[1]),
-            along.template sum<1>(rows[2]));
+  Sums sums(block.template sum<1>(rows[0]), block.template sum<1>(rows[1]),
+            block.template sum<1>(rows[2]));
   for (int y = 0; y < band.count; ++y, rows += 2)
-    put(row_of(band.dst, y), sums.next(along.template sum<Sums::kOdd>(rows[3]),
-                                       along.template sum<1>(rows[4]), band.place(y)));
+    block.store_result(row_of(band.dst, y),
+                       sums.next(block.template sum<Sums::kOdd>(rows[3]),
+                                 block.template sum<1>(rows[4]), band.place(y)));
+}
+template <class T, class Block>
+NUQI_INLINE void walk(const DownBand<T>& band, const Block& block) {
+  using S = decltype(block.template sum<1>(band.rows[0]));
+  if constexpr (kIsFloat<T>)
+    walk<FloatColumnSums<S>>(band, block);
+  else
+    walk<ColumnSums<S>>(band, block);
 }
 
 // ---- Single columns: those at the edges, and all of narrow images
 
 template <int channels, class T>
-struct AlongColumn {
-  using S = PixelSum<T>;
+struct DownColumn {
+  using S = ColumnSum<T>;
   int64_t j, half;
   int channel;
 
@@ -107,29 +107,68 @@ struct AlongColumn {
       return static_cast<S>(load_one(row + x * channels + channel));
     };
     const Place place = {j == 0, j == half - 1};
-    const S before = place.first ? S{} : s(2 * j - 2), left = s(place.first ? 1 : 2 * j - 1);
-    const S after = !place.last ? s(2 * j + 2) : place.first ? s(0) : s(2 * j);
+    const S right = place.last ? S{} : s(2 * j + 2);
+    const S after = !place.last ? right : place.first ? s(0) : s(2 * j);
+    const S before = place.first ? after : s(2 * j - 2), left = s(place.first ? 1 : 2 * j - 1);
     if constexpr (kIsFloat<T>)
-      return five_taps(before, left, s(2 * j), s(2 * j + 1), after, place);
+      return five_taps(before, left, s(2 * j), s(2 * j + 1), right, place);
     else
-      return weight * (place.first ? after : before) + weight * 4 * (left + s(2 * j + 1)) +
-             weight * 6 * s(2 * j) + weight * after;
+      return weight * (before + 4 * (left + s(2 * j + 1)) + 6 * s(2 * j) + after);
+  }
+  NUQI_INLINE void store_result(T* row, S sum) const {
+    if constexpr (kIsFloat<T>)
+      store_one(row + j * channels + channel, sum * 0.00390625f);
+    else
+      store_one(row + j * channels + channel, static_cast<T>((sum + 128) >> 8));
   }
 };
 
 template <int channels, class T>
 NUQI_NOINLINE void down_columns(const DownBand<T>& band, int64_t from, int64_t to, int64_t half) {
-  using S = PixelSum<T>;
-  using Sums = typename IfElse<kIsFloat<T>, FloatColumnSums<S>, ColumnSums<S>>::Type;
   for (int64_t j = from; j < to; ++j)
     for (int channel = 0; channel < channels; ++channel)
-      walk<Sums>(band, AlongColumn<channels, T>{j, half, channel}, [&](T* row, S sum) NUQI_FORCED {
-        T* const at = row + j * channels + channel;
-        if constexpr (kIsFloat<T>)
-          store_one(at, sum * 0.00390625f);
-        else
-          store_one(at, static_cast<T>((sum + 128) >> 8));
-      });
+      walk(band, DownColumn<channels, T>{j, half, channel});
+}
+
+// ---- Rows
+
+template <int channels, class T>
+NUQI_INLINE void walk_permuted(const DownBand<T>& band, int64_t elements) {
+  using Block = DownPermuted<channels, T>;
+  for (int64_t x = 0; x < elements; x += Block::kSums) {
+    if (channels == 1 && x > 0 && elements - x > Block::kSums)
+      walk(band, DownPairs<T>(x));
+    else
+      walk(band, Block(x, elements));
+  }
+}
+
+template <int channels, class T>
+struct DownBlock {
+  template <class Part>
+  using Type = typename IfElse<channels == 1, DownPairs<T>, DownTriples<T>>::Type;
+};
+template <int channels>
+struct DownBlock<channels, float> {
+  template <class Part>
+  using Type = typename IfElse<channels == 1 || kRegBytes == 64, DownFloats<channels, Part>,
+                               DownFloatTriple>::Type;
+};
+
+template <int channels, class T>
+NUQI_INLINE void walk_inside(const DownBand<T>& band, int64_t half) {
+  constexpr int kSums = DownBlock<channels, T>::template Type<Whole>::kSums;
+  const int64_t inside = (half - 2) * channels;
+  if (inside <= 0 || (!Machine::kMasks && inside < kSums))
+    return down_columns<channels>(band, 0, half, half);
+  for_row<kSums>(channels, channels + inside, [&](int64_t x, auto part) NUQI_FORCED {
+    if constexpr (kIsFloat<T>)
+      walk(band, typename DownBlock<channels, T>::template Type<decltype(part)>(x, part));
+    else
+      walk(band, typename DownBlock<channels, T>::template Type<Whole>(x));
+  });
+  down_columns<channels>(band, 0, 1, half);
+  down_columns<channels>(band, half - 1, half, half);
 }
 
 template <int channels, class T>
@@ -137,7 +176,14 @@ void down(const PyramidJob<T>& job) {
   const int64_t half = job.roi.width / 2;
   for (int64_t y = 0; y < job.roi.height / 2; y += kBandRows) {
     const DownBand<T> band(job, y);
-    down_columns<channels>(band, 0, half, half);
+    if constexpr (Machine::kPermutesBytes && sizeof(T) == 1) {
+      if (half == 1)
+        down_columns<channels>(band, 0, 1, 1);
+      else
+        walk_permuted<channels>(band, half * channels);
+    } else {
+      walk_inside<channels>(band, half);
+    }
   }
 }
 

@@ -2,7 +2,7 @@
 //
 // A band of rows is walked down block by block, so that the sums along the rows stay in registers until
 // the columns have used them.
-#include "pyramid/sums.h"
+#include "pyramid/up_rows.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
@@ -36,26 +36,6 @@ struct UpBand {
   NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
 };
 
-// ---- Both directions: of three neighbours, the sums at b and between b and c
-
-template <class S>
-struct UpSums {
-  S even, odd;
-};
-
-template <class S>
-NUQI_INLINE UpSums<S> three_taps(const S& a, const S& b, const S& c) {
-  return {a + c + times(b, 6), times(b + c, 4)};
-}
-// Floats are added in the contract's order.
-template <class S>
-NUQI_INLINE UpSums<S> float_taps(const S& a, const S& b, const S& c, Place place) {
-  if (place.first && place.last) return {times(b, 8), times(b, 8)};
-  if (place.last) return {a + times(b, 7), times(b, 8)};
-  const S odd = times(b + c, 4);
-  return {place.first ? times(times(b, 3) + c, 2) : a + times(b, 6) + c, odd};
-}
-
 template <class T, class S>
 NUQI_INLINE UpSums<S> taps(const S& a, const S& b, const S& c, Place place) {
   if constexpr (kIsFloat<T>)
@@ -64,17 +44,16 @@ NUQI_INLINE UpSums<S> taps(const S& a, const S& b, const S& c, Place place) {
     return three_taps(a, b, c);
 }
 
-// Walks down a block of columns: along.sums(row) are its sums along a row; put(row, sums) takes those of
-// both directions.
-template <class T, class Along, class Put>
-NUQI_INLINE void walk(const UpBand<T>& band, const Along& along, const Put& put) {
-  auto a = along.sums(band.rows[0]), b = along.sums(band.rows[1]);
+// Walks down a block of columns.
+template <class T, class Block>
+NUQI_INLINE void walk(const UpBand<T>& band, const Block& block) {
+  auto a = block.sums(band.rows[0]), b = block.sums(band.rows[1]);
   for (int y = 0; y < band.count; ++y) {
-    const auto c = along.sums(band.rows[y + 2]);
+    const auto c = block.sums(band.rows[y + 2]);
     const auto even = taps<T>(a.even, b.even, c.even, band.place(y));
     const auto odd = taps<T>(a.odd, b.odd, c.odd, band.place(y));
-    put(row_of(band.dst, 2 * y), even.even, odd.even);
-    put(row_of(band.dst, 2 * y + 1), even.odd, odd.odd);
+    block.store_result(row_of(band.dst, 2 * y), {even.even, odd.even});
+    block.store_result(row_of(band.dst, 2 * y + 1), {even.odd, odd.odd});
     a = b;
     b = c;
   }
@@ -83,8 +62,8 @@ NUQI_INLINE void walk(const UpBand<T>& band, const Along& along, const Put& put)
 // ---- Single columns: those at the edges, and all of narrow images
 
 template <int channels, class T>
-struct AlongColumn {
-  using S = PixelSum<T>;
+struct UpColumn {
+  using S = ColumnSum<T>;
   int64_t i, width;
   int channel;
 
@@ -96,33 +75,72 @@ struct AlongColumn {
     const S after = s(place.last ? i : i + 1);
     return taps<T>(place.first ? after : s(i - 1), s(i), after, place);
   }
-};
-
-template <int channels, class T>
-NUQI_NOINLINE void up_columns(const UpBand<T>& band, int64_t from, int64_t to, int64_t width) {
-  using S = PixelSum<T>;
-  const auto result = [](S sum) NUQI_FORCED {
+  NUQI_INLINE void store_result(T* row, const UpSums<S>& sums) const {
+    T* const to = row + 2 * i * channels + channel;
+    store_one(to, result(sums.even));
+    store_one(to + channels, result(sums.odd));
+  }
+  static NUQI_INLINE T result(S sum) {
     if constexpr (kIsFloat<T>)
       return sum * 0.015625f;
     else
       return static_cast<T>((sum + 32) >> 6);
-  };
+  }
+};
+
+template <int channels, class T>
+NUQI_NOINLINE void up_columns(const UpBand<T>& band, int64_t from, int64_t to, int64_t width) {
   for (int64_t i = from; i < to; ++i)
     for (int channel = 0; channel < channels; ++channel)
-      walk(band, AlongColumn<channels, T>{i, width, channel},
-           [&](T* row, S even, S odd) NUQI_FORCED {
-             T* const at = row + 2 * i * channels + channel;
-             store_one(at, result(even));
-             store_one(at + channels, result(odd));
-           });
+      walk(band, UpColumn<channels, T>{i, width, channel});
+}
+
+// ---- Rows
+
+template <int channels, class T>
+NUQI_INLINE void walk_permuted(const UpBand<T>& band, int64_t elements) {
+  using Block = UpPermuted<channels, T>;
+  for (int64_t x = 0; x < elements; x += Block::kSums) walk(band, Block(x, elements));
+}
+
+template <int channels, class T>
+struct UpBlock {
+  template <class Part>
+  using Type = UpWidened<channels, T>;
+};
+template <int channels>
+struct UpBlock<channels, float> {
+  static constexpr int kLanes = channels == 1 || Machine::kMasks ? Reg<float>::kLanes : 4;
+  template <class Part>
+  using Type = UpFloats<channels, kLanes, Part>;
+};
+
+template <int channels, class T>
+NUQI_INLINE void walk_inside(const UpBand<T>& band, int64_t width) {
+  constexpr int kSums = UpBlock<channels, T>::template Type<Whole>::kSums;
+  // Without masks a block of three channels loads an element beyond the pixels next to it.
+  constexpr int kLast = channels == 3 && !Machine::kMasks ? 2 : 1;
+  const int64_t inside = (width - 1 - kLast) * channels;
+  if (inside <= 0 || (!Machine::kMasks && inside < kSums))
+    return up_columns<channels>(band, 0, width, width);
+  for_row<kSums>(channels, channels + inside, [&](int64_t x, auto part) NUQI_FORCED {
+    if constexpr (kIsFloat<T>)
+      walk(band, typename UpBlock<channels, T>::template Type<decltype(part)>(x, part));
+    else
+      walk(band, typename UpBlock<channels, T>::template Type<Whole>(x));
+  });
+  up_columns<channels>(band, 0, 1, width);
+  up_columns<channels>(band, width - kLast, width, width);
 }
 
 template <int channels, class T>
 void up(const PyramidJob<T>& job) {
-  const int64_t width = job.roi.width;
   for (int64_t y = 0; y < job.roi.height; y += kBandRows) {
     const UpBand<T> band(job, y);
-    up_columns<channels>(band, 0, width, width);
+    if constexpr (Machine::kPermutesBytes && sizeof(T) == 1)
+      walk_permuted<channels>(band, int64_t{job.roi.width} * channels);
+    else
+      walk_inside<channels>(band, job.roi.width);
   }
 }
 

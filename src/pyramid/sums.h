@@ -1,5 +1,5 @@
-// What both directions of the pyramid share: sums are 16-bit lanes or floats, of single pixels int32_t or
-// float.
+// What both directions of the pyramid share. Sums are floats, or of bytes 16-bit lanes scaled so that the
+// result is the upper byte once 128 has been added; sums of single columns of bytes are int32_t.
 #pragma once
 
 #include "core/simd/arithmetic.h"
@@ -21,29 +21,31 @@ NUQI_INLINE S times(S a, int weight) {
 }
 
 template <class T>
-using PixelSum = typename IfElse<kIsFloat<T>, float, int32_t>::Type;
+using ColumnSum = typename IfElse<kIsFloat<T>, float, int32_t>::Type;
 
-// The first and the last line of an image have sums of their own, or those of mirrored pixels, which for
-// floats is not the same.
+// Whether a line is an image's first or last: for floats, the sums there are not those of mirrored pixels,
+// which would round differently.
 struct Place {
   bool first, last;
 };
+constexpr Place kInside = {false, false};
 
-// Walks elements from `from` to `to`, N or more, in blocks: body(x). The last block overlaps the one
-// before it.
+// Walks the elements from `from` to `to` in blocks of N: body(x, part). Without masks there are N or more,
+// and the last block overlaps the one before it.
 template <int N, class Body>
-NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
-  for (; from < to - N; from += N) body(from);
-  body(to - N);
+NUQI_INLINE void for_row(int64_t from, int64_t to, const Body& body) {
+  if constexpr (Machine::kMasks) {
+    for_blocks<N>(to - from, [&](int64_t x, auto part) NUQI_FORCED { body(from + x, part); });
+  } else {
+    for (; from < to - N; from += N) body(from, Whole{});
+    body(to - N, Whole{});
+  }
 }
 
-// Stores the first `elements` of a block's lanes. All lanes, where those beyond are written later.
-template <int elements, class T, int N>
-NUQI_INLINE void store_block(T* to, const Vec<T, N>& a) {
-  if constexpr (Machine::kMasks && elements < N)
-    store(to, a, First{elements});
-  else
-    store(to, a);
+// Bytes to 16-bit lanes.
+template <class T>
+NUQI_INLINE Vec<int16_t, 16> load_widened(const T* from) {
+  return convert<int16_t>(load<16>(from));
 }
 
 }  // namespace

@@ -1,0 +1,203 @@
+// Sums along a row for pyramid levels down: blocks of columns, each with sum<weight>(row), the sums times
+// the weight, and store(row, sums), which takes those of both directions.
+#pragma once
+
+#include "pyramid/sums.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+// ---- Bytes
+
+// Of pairs s(2j), s(2j+1): those before, here and after, the latter's first alone.
+template <int weight, class T, int N>
+NUQI_INLINE Vec<int16_t, N / 2> sum_pairs_around(const Vec<T, N>& before, const Vec<T, N>& here,
+                                                 const Vec<T, N>& after) {
+  if constexpr (Machine::kMultipliesBytes)
+    return multiply_pairs<weight, 4 * weight>(before) +
+           multiply_pairs<6 * weight, 4 * weight>(here) + multiply_pairs<weight, 0>(after);
+  else
+    return times(even_bytes(before) + even_bytes(after), weight) +
+           times(odd_bytes(before) + odd_bytes(here), 4 * weight) +
+           times(even_bytes(here), 6 * weight);
+}
+
+// One channel, away from the edges.
+template <class T>
+class DownPairs {
+ public:
+  static constexpr int kSums = kRegBytes > 32 ? kRegBytes / 2 : 16;
+
+  NUQI_INLINE explicit DownPairs(int64_t x) : x_(x) {}
+  template <int weight>
+  NUQI_INLINE Vec<int16_t, kSums> sum(const T* row) const {
+    const auto pairs = [&](int ahead) NUQI_FORCED { return load<2 * kSums>(row + 2 * x_ + ahead); };
+    return sum_pairs_around<weight>(pairs(-2), pairs(0), pairs(2));
+  }
+  NUQI_INLINE void store_result(T* row, const Vec<int16_t, kSums>& sums) const {
+    store((uint8_t*)row + x_, high_bytes(sums + broadcast<int16_t, kSums>(128)));
+  }
+
+ private:
+  int64_t x_;
+};
+
+// Three channels, away from the edges: sums at all places of a register, those of odd columns for nothing.
+template <class T>
+class DownTriples {
+ public:
+  static constexpr int kSums = 9;
+
+  NUQI_INLINE explicit DownTriples(int64_t x) : x_(x) {}
+  template <int weight>
+  NUQI_INLINE Vec<int16_t, 16> sum(const T* row) const {
+    const auto s = [&](int ahead) NUQI_FORCED { return load_widened(row + 2 * x_ + ahead); };
+    return times(s(-6) + s(6), weight) + times(s(-3) + s(3), 4 * weight) + times(s(0), 6 * weight);
+  }
+  NUQI_INLINE void store_result(T* row, const Vec<int16_t, 16>& sums) const {
+    alignas(16) uint8_t lanes[16];
+    store(lanes, high_bytes(sums + broadcast<int16_t>(128)));
+    // The fourth byte is written again later.
+    for_each<3>([&](int i) NUQI_FORCED { __builtin_memcpy(row + x_ + 3 * i, lanes + 6 * i, 4); });
+  }
+
+ private:
+  int64_t x_;
+};
+
+// Where bytes permute across the register: any block of one channel or three, at the edges too.
+template <int channels, class T>
+class DownPermuted {
+  static constexpr int n = Reg<T>::kLanes;
+
+ public:
+  static constexpr int kSums = n / 2 / channels * channels;
+
+  NUQI_INLINE DownPermuted(int64_t x, int64_t elements)
+      : x_(x),
+        count_(elements - x < kSums ? int(elements - x) : kSums),
+        start_(x == 0),
+        end_(elements - x <= kSums) {
+    const auto lanes = typename UpTo<n>::Type{};
+    here_ = pairs_from<0>(lanes);
+    before_ = start_ ? mirrored_pairs(lanes) : here_;
+    const auto next = pairs_from<2 * channels>(lanes);
+    after_ =
+        end_ ? Reg<uint8_t>{{next.r[0] < uint8_t(2 * count_) ? next.r[0] : here_.r[0]}} : here_;
+  }
+  template <int weight>
+  NUQI_INLINE Vec<int16_t, n / 2> sum(const T* row) const {
+    const auto pairs = [&](int64_t ahead, const Reg<uint8_t>& places) NUQI_FORCED {
+      const auto window = load<n>(row + 2 * x_ + ahead, First{2 * count_});
+      return Reg<T>{{machine::permute_bytes(window.r[0], places.r[0])}};
+    };
+    return sum_pairs_around<weight>(pairs(start_ ? 0 : -2 * channels, before_), pairs(0, here_),
+                                    pairs(end_ ? 0 : 2 * channels, after_));
+  }
+  NUQI_INLINE void store_result(T* row, const Vec<int16_t, n / 2>& sums) const {
+    store((uint8_t*)row + x_, high_bytes(sums + broadcast<int16_t, n / 2>(128)), First{count_});
+  }
+
+ private:
+  // Pixel 2 * j of each sum's channel, `ahead` bytes later, and the one behind it.
+  static constexpr int place(int lane) {
+    return lane / 2 / channels * 2 * channels + lane / 2 % channels + lane % 2 * channels;
+  }
+  template <int ahead, int... I>
+  static NUQI_INLINE Reg<uint8_t> pairs_from(Indices<I...>) {
+    return {{Reg<uint8_t>::Native{uint8_t(place(I) + ahead)...}}};
+  }
+  // The pairs before: that of the row's first column is the pixels 2 and 1.
+  template <int... I>
+  static NUQI_INLINE Reg<uint8_t> mirrored_pairs(Indices<I...>) {
+    return {{Reg<uint8_t>::Native{
+        uint8_t(I / 2 < channels ? I / 2 + (2 - I % 2) * channels : place(I) - 2 * channels)...}}};
+  }
+
+  int64_t x_;
+  int count_;
+  bool start_, end_;
+  Reg<uint8_t> before_, here_, after_;
+};
+
+// ---- Floats, away from the edges
+
+// Floats are added in the contract's order.
+template <class S>
+NUQI_INLINE S five_taps(const S& a, const S& b, const S& c, const S& d, const S& e, Place place) {
+  if (place.first && place.last) return times(c + d, 8);
+  if (place.first) return times(times(c, 3) + times(d, 4) + e, 2);
+  const S before = a + times(b + d, 4);
+  return place.last ? before + times(c, 7) : before + times(c, 6) + e;
+}
+
+// By lane permutations of two registers.
+template <int channels, class Part>
+class DownFloats {
+  static constexpr int n = Reg<float>::kLanes;
+
+ public:
+  static constexpr int kSums = n / channels * channels;
+
+  NUQI_INLINE DownFloats(int64_t x, Part part) : x_(x), part_(part) {}
+  template <int>
+  NUQI_INLINE Reg<float> sum(const float* row) const {
+    const auto lanes = typename UpTo<n>::Type{};
+    const auto pixels = [&](int ahead, auto take) NUQI_FORCED {
+      const float* const from = row + 2 * x_ + 2 * channels * ahead;
+      const First all = {2 * lane_count<kSums>(part_)};
+      if constexpr (Part::kWhole && kSums == n)
+        return take(load<n>(from), load<n>(from + n));
+      else
+        return take(load<n>(from, part_from<n>(all, 0)), load<n>(from + n, part_from<n>(all, n)));
+    };
+    const auto even = [&](const Reg<float>& low, const Reg<float>& high)
+                          NUQI_FORCED { return take_pixels<0>(low, high, lanes); };
+    const auto odd = [&](const Reg<float>& low, const Reg<float>& high)
+                         NUQI_FORCED { return take_pixels<channels>(low, high, lanes); };
+    return five_taps(pixels(-1, even), pixels(-1, odd), pixels(0, even), pixels(0, odd),
+                     pixels(1, even), kInside);
+  }
+  NUQI_INLINE void store_result(float* row, const Reg<float>& sums) const {
+    const auto result = sums * broadcast<float, n>(0.00390625f);
+    if constexpr (Part::kWhole && kSums == n)
+      store(row + x_, result);
+    else
+      store(row + x_, result, First{lane_count<kSums>(part_)});
+  }
+
+ private:
+  template <int first, int... I>
+  static NUQI_INLINE Reg<float> take_pixels(const Reg<float>& low, const Reg<float>& high,
+                                            Indices<I...>) {
+    constexpr auto place = [](int lane) {
+      return (lane / channels * 2 * channels + lane % channels + first) % (2 * n);
+    };
+    return {{__builtin_shufflevector(low.r[0], high.r[0], place(I)...)}};
+  }
+
+  int64_t x_;
+  Part part_;
+};
+
+// A pixel of three channels, as it lies.
+class DownFloatTriple {
+ public:
+  static constexpr int kSums = 3;
+
+  NUQI_INLINE DownFloatTriple(int64_t x, Whole) : x_(x) {}
+  template <int>
+  NUQI_INLINE Vec<float, 4> sum(const float* row) const {
+    const auto s = [&](int ahead) NUQI_FORCED { return load<4>(row + 2 * x_ + ahead); };
+    return five_taps(s(-6), s(-3), s(0), s(3), s(6), kInside);
+  }
+  NUQI_INLINE void store_result(float* row, const Vec<float, 4>& sums) const {
+    store(row + x_, sums * broadcast<float, 4>(0.00390625f));
+  }
+
+ private:
+  int64_t x_;
+};
+
+}  // namespace
+}  // namespace nuqi::NUQI_ISA

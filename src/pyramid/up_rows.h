@@ -1,0 +1,193 @@
+// Sums along a row for pyramid levels up: blocks of columns, each with sums(row), those of even and odd
+// columns, and store_result(row, sums), which takes those of both directions.
+#pragma once
+
+#include "pyramid/sums.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+// Of three neighbours in either direction, the sums at b and between b and c.
+template <class S>
+struct UpSums {
+  S even, odd;
+};
+
+template <class S>
+NUQI_INLINE UpSums<S> three_taps(const S& a, const S& b, const S& c) {
+  return {a + c + times(b, 6), times(b + c, 4)};
+}
+// Floats are added in the contract's order.
+template <class S>
+NUQI_INLINE UpSums<S> float_taps(const S& a, const S& b, const S& c, Place place) {
+  if (place.first && place.last) return {times(b, 8), times(b, 8)};
+  if (place.last) return {a + times(b, 7), times(b, 8)};
+  const S odd = times(b + c, 4);
+  return {place.first ? times(times(b, 3) + c, 2) : a + times(b, 6) + c, odd};
+}
+
+// ---- Bytes
+
+// Results are the upper bytes of 4 * sum + 128, where all weights make 256: 16 on each row's sum, which
+// counts eight times, makes the 128.
+template <int N>
+NUQI_INLINE UpSums<Vec<int16_t, N>> scaled_sums(const UpSums<Vec<int16_t, N>>& sums) {
+  return {sums.even + broadcast<int16_t, N>(16), sums.odd + broadcast<int16_t, N>(16)};
+}
+
+// Away from the edges.
+template <int channels, class T>
+class UpWidened {
+ public:
+  static constexpr int kSums = 16 / channels * channels;
+
+  NUQI_INLINE explicit UpWidened(int64_t x) : x_(x) {}
+  NUQI_INLINE UpSums<Px<int16_t>> sums(const T* row) const {
+    const auto s = [&](int ahead) NUQI_FORCED { return load_widened(row + x_ + ahead); };
+    const auto [even, odd] = three_taps(s(-channels), s(0), s(channels));
+    return scaled_sums(UpSums<Px<int16_t>>{times(even, 4), times(odd, 4)});
+  }
+  NUQI_INLINE void store_result(T* row, const UpSums<Px<int16_t>>& sums) const {
+    uint8_t* const to = (uint8_t*)row + 2 * x_;
+    const auto even = high_bytes(sums.even), odd = high_bytes(sums.odd);
+    if constexpr (channels == 1) {
+      const auto lanes = typename UpTo<16>::Type{};
+      store(to, Px<uint8_t>{{zip_low(even.r[0], odd.r[0], lanes)}});
+      store(to + 16, Px<uint8_t>{{zip_high(even.r[0], odd.r[0], lanes)}});
+    } else {
+      alignas(16) uint8_t lanes[2][16];
+      store(lanes[0], even);
+      store(lanes[1], odd);
+      for_each<10>([&](int i)
+                       NUQI_FORCED { __builtin_memcpy(to + 3 * i, lanes[i % 2] + i / 2 * 3, 4); });
+    }
+  }
+
+ private:
+  int64_t x_;
+};
+
+// Where bytes permute across the register: any block of one channel or three, at the edges too.
+template <int channels, class T>
+class UpPermuted {
+  static constexpr int n = Reg<T>::kLanes;
+  using Sums = Vec<int16_t, n / 2>;
+
+ public:
+  static constexpr int kSums = n / 2 / channels * channels;
+
+  NUQI_INLINE UpPermuted(int64_t x, int64_t elements)
+      : count_(elements - x < kSums ? int(elements - x) : kSums) {
+    const auto lanes = typename UpTo<n>::Type{};
+    const bool start = x == 0, end = elements - x <= kSums;
+    const int before = start ? 0 : channels;
+    first_ = x - before;
+    bytes_ = before + count_ + (end ? 0 : channels);
+    // Beyond the last pixel stands that one again, before the first the second, if there is one.
+    const auto inside = [&](const Reg<uint8_t>& places) NUQI_FORCED {
+      const auto& p = places.r[0];
+      return Reg<uint8_t>{{p < uint8_t(bytes_) ? p : p - uint8_t(channels)}};
+    };
+    left_ = start ? inside(mirrored_pairs(lanes)) : pairs_from<0>(lanes);
+    right_ = inside(start ? pairs_from<0>(lanes) : pairs_from<channels>(lanes));
+  }
+  NUQI_INLINE UpSums<Sums> sums(const T* row) const {
+    const auto window = load<n>(row + first_, First{bytes_});
+    const Reg<T> left = {{machine::permute_bytes(window.r[0], left_.r[0])}};
+    const Reg<T> right = {{machine::permute_bytes(window.r[0], right_.r[0])}};
+    return scaled_sums(UpSums<Sums>{multiply_pairs<4, 12>(left) + multiply_pairs<12, 4>(right),
+                                    multiply_pairs<16, 16>(right)});
+  }
+  NUQI_INLINE void store_result(T* row, const UpSums<Sums>& sums) const {
+    const Reg<uint8_t> result = {{machine::permute_bytes(
+        (typename Reg<uint8_t>::Native)sums.even.r[0], (typename Reg<uint8_t>::Native)sums.odd.r[0],
+        high_bytes_in_turns(typename UpTo<n>::Type{}))}};
+    store((uint8_t*)row + 2 * x(), result, First{2 * count_});
+  }
+
+ private:
+  NUQI_INLINE int64_t x() const { return first_ == 0 ? 0 : first_ + channels; }
+
+  // The element of each sum, `ahead` bytes later, and that of the next pixel.
+  template <int ahead, int... I>
+  static NUQI_INLINE Reg<uint8_t> pairs_from(Indices<I...>) {
+    return {{typename Reg<uint8_t>::Native{uint8_t(I / 2 + I % 2 * channels + ahead)...}}};
+  }
+  // That of the pixel before, in the first pixel that of the next, and the sum's own.
+  template <int... I>
+  static NUQI_INLINE Reg<uint8_t> mirrored_pairs(Indices<I...>) {
+    return {{typename Reg<uint8_t>::Native{uint8_t(I % 2 == 1         ? I / 2
+                                                   : I / 2 < channels ? I / 2 + channels
+                                                                      : I / 2 - channels)...}}};
+  }
+  // Pixels of two registers of sums in turns.
+  template <int... I>
+  static NUQI_INLINE auto high_bytes_in_turns(Indices<I...>) {
+    return
+        typename Reg<uint8_t>::Native{uint8_t(2 * (I / (2 * channels) * channels + I % channels) +
+                                              1 + (I / channels % 2 == 0 ? 0 : n))...};
+  }
+
+  int64_t first_;
+  int count_, bytes_;
+  Reg<uint8_t> left_, right_;
+};
+
+// ---- Floats, away from the edges
+
+// Blocks of N lanes; of three channels, whole pixels.
+template <int channels, int N, class Part>
+class UpFloats {
+ public:
+  static constexpr int kSums = N / channels * channels;
+
+  NUQI_INLINE UpFloats(int64_t x, Part part) : x_(x), part_(part) {}
+  NUQI_INLINE UpSums<Vec<float, N>> sums(const float* row) const {
+    const auto s = [&](int ahead) NUQI_FORCED {
+      if constexpr (kWhole)
+        return load<N>(row + x_ + ahead);
+      else
+        return load<N>(row + x_ + ahead, First{lane_count<kSums>(part_)});
+    };
+    return float_taps(s(-channels), s(0), s(channels), kInside);
+  }
+  NUQI_INLINE void store_result(float* row, const UpSums<Vec<float, N>>& sums) const {
+    const auto scale = broadcast<float, N>(0.015625f);
+    const auto even = sums.even * scale, odd = sums.odd * scale;
+    float* const to = row + 2 * x_;
+    if constexpr (N == 4 && channels == 3) {  // the fourth lane is written again later
+      store(to, even);
+      store(to + 3, odd);
+    } else {
+      const auto lanes = typename UpTo<N>::Type{};
+      const auto low = in_turns<0>(even, odd, lanes), high = in_turns<N>(even, odd, lanes);
+      if constexpr (kWhole) {
+        store(to, low);
+        store(to + N, high);
+      } else {
+        const First all = {2 * lane_count<kSums>(part_)};
+        store(to, low, part_from<N>(all, 0));
+        store(to + N, high, part_from<N>(all, N));
+      }
+    }
+  }
+
+ private:
+  static constexpr bool kWhole = Part::kWhole && (kSums == N || !Machine::kMasks);
+
+  // Pixels in turns: lanes `first` and on of the result.
+  template <int first, int... I>
+  static NUQI_INLINE Vec<float, N> in_turns(const Vec<float, N>& even, const Vec<float, N>& odd,
+                                            Indices<I...>) {
+    constexpr auto place = [](int i) {
+      return (i / (2 * channels) * channels + i % channels) % N + (i / channels % 2 == 0 ? 0 : N);
+    };
+    return {{__builtin_shufflevector(even.r[0], odd.r[0], place(first + I)...)}};
+  }
+
+  int64_t x_;
+  Part part_;
+};
+
+}  // namespace
+}  // namespace nuqi::NUQI_ISA
