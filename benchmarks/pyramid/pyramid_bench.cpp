@@ -1,4 +1,6 @@
 // Benchmarks of the Gaussian pyramid. Sizes are the source's: up writes four times as many pixels.
+#include <memory>
+
 #include "pyramid/pyramid_members.h"
 #include "pyramid/pyramid_plain.h"
 #include "support/registry.h"

@@ -2,6 +2,7 @@
 // buffers. Compiled by each compiler.
 #include "pyramid/pyramid_plain.h"
 
+#include <cstddef>
 #include <type_traits>
 #include <vector>
 
@@ -36,7 +37,7 @@ void down(const PyramidArgs<T>& a) {
   using S = Sum<T>;
   const int width = a.roi.width, height = a.roi.height, half = width / 2;
   static thread_local std::vector<S> buffer;
-  buffer.resize(static_cast<size_t>(half) * channels * 5);
+  buffer.resize(static_cast<std::size_t>(half) * channels * 5);
   const auto ring = [&](int y) { return buffer.data() + (y + 5) % 5 * half * channels; };
   const auto add_row = [&](int y) {
     const T* __restrict src = row(a.src, a.srcStep, mirrored(y, height));
@@ -74,7 +75,7 @@ void up(const PyramidArgs<T>& a) {
   const int width = a.roi.width, height = a.roi.height;
   const auto inside = [](int i, int n) { return i < 0 ? (n > 1 ? 1 : 0) : i < n ? i : n - 1; };
   static thread_local std::vector<S> buffer;
-  buffer.resize(static_cast<size_t>(width) * channels * 6);
+  buffer.resize(static_cast<std::size_t>(width) * channels * 6);
   const auto ring = [&](int y) { return buffer.data() + (y + 3) % 3 * 2 * width * channels; };
   const auto add_row = [&](int y) {
     const T* __restrict src = row(a.src, a.srcStep, inside(y, height));
