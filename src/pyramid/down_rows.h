@@ -65,59 +65,67 @@ class DownTriples {
   int64_t x_;
 };
 
-// Where bytes permute across the register: any block of one channel or three, at the edges too.
-template <int channels, class T>
+// Where bytes permute across the register: blocks of one channel or three, also at the row's start or end,
+// where one load serves the pairs around it too.
+template <int channels, class T, bool start, bool end, class Part>
 class DownPermuted {
   static constexpr int n = Reg<T>::kLanes;
 
  public:
   static constexpr int kSums = n / 2 / channels * channels;
 
-  NUQI_INLINE DownPermuted(int64_t x, int64_t elements)
-      : x_(x),
-        count_(elements - x < kSums ? int(elements - x) : kSums),
-        start_(x == 0),
-        end_(elements - x <= kSums) {
-    const auto lanes = typename UpTo<n>::Type{};
-    here_ = pairs_from<0>(lanes);
-    before_ = start_ ? mirrored_pairs(lanes) : here_;
-    const auto next = pairs_from<2 * channels>(lanes);
-    after_ =
-        end_ ? Reg<uint8_t>{{next.r[0] < uint8_t(2 * count_) ? next.r[0] : here_.r[0]}} : here_;
+  NUQI_INLINE DownPermuted(int64_t x, Part part) : x_(x), part_(part) {
+    const auto next = pairs_from<2 * channels>(lanes());
+    const uint8_t bytes = uint8_t(2 * lane_count<kSums>(part));
+    after_ = {{next.r[0] < bytes ? next.r[0] : pairs_from<0>(lanes()).r[0]}};
   }
   template <int weight>
   NUQI_INLINE Vec<int16_t, n / 2> sum(const T* row) const {
-    const auto pairs = [&](int64_t ahead, const Reg<uint8_t>& places) NUQI_FORCED {
-      const auto window = load<n>(row + 2 * x_ + ahead, First{2 * count_});
-      return Reg<T>{{machine::permute_bytes(window.r[0], places.r[0])}};
+    const auto window = [&](int ahead) NUQI_FORCED {
+      if constexpr (Part::kWhole && 2 * kSums == n)
+        return load<n>(row + 2 * x_ + ahead);
+      else
+        return load<n>(row + 2 * x_ + ahead, First{2 * lane_count<kSums>(part_)});
     };
-    return sum_pairs_around<weight>(pairs(start_ ? 0 : -2 * channels, before_), pairs(0, here_),
-                                    pairs(end_ ? 0 : 2 * channels, after_));
+    const auto pick = [](const Reg<T>& from, const Reg<uint8_t>& places) NUQI_FORCED {
+      return Reg<T>{{machine::permute_bytes(from.r[0], places.r[0])}};
+    };
+    const auto pairs = [&](const Reg<T>& from) NUQI_FORCED {
+      return channels == 1 ? from : pick(from, pairs_from<0>(lanes()));
+    };
+    const auto here = window(0);
+    return sum_pairs_around<weight>(
+        start ? pick(here, mirrored_pairs(lanes())) : pairs(window(start ? 0 : -2 * channels)),
+        pairs(here), end ? pick(here, after_) : pairs(window(end ? 0 : 2 * channels)));
   }
   NUQI_INLINE void store_result(T* row, const Vec<int16_t, n / 2>& sums) const {
-    store((uint8_t*)row + x_, high_bytes(sums + broadcast<int16_t, n / 2>(128)), First{count_});
+    const auto result = high_bytes(sums + broadcast<int16_t, n / 2>(128));
+    if constexpr (Part::kWhole && 2 * kSums == n)
+      store((uint8_t*)row + x_, result);
+    else
+      store((uint8_t*)row + x_, result, First{lane_count<kSums>(part_)});
   }
 
  private:
+  static NUQI_INLINE auto lanes() { return typename UpTo<n>::Type{}; }
   // Pixel 2 * j of each sum's channel, `ahead` bytes later, and the one behind it.
   static constexpr int place(int lane) {
     return lane / 2 / channels * 2 * channels + lane / 2 % channels + lane % 2 * channels;
   }
   template <int ahead, int... I>
   static NUQI_INLINE Reg<uint8_t> pairs_from(Indices<I...>) {
-    return {{Reg<uint8_t>::Native{uint8_t(place(I) + ahead)...}}};
+    return {{typename Reg<uint8_t>::Native{uint8_t(place(I) + ahead)...}}};
   }
   // The pairs before: that of the row's first column is the pixels 2 and 1.
   template <int... I>
   static NUQI_INLINE Reg<uint8_t> mirrored_pairs(Indices<I...>) {
-    return {{Reg<uint8_t>::Native{
+    return {{typename Reg<uint8_t>::Native{
         uint8_t(I / 2 < channels ? I / 2 + (2 - I % 2) * channels : place(I) - 2 * channels)...}}};
   }
 
   int64_t x_;
-  int count_;
-  bool start_, end_;
-  Reg<uint8_t> before_, here_, after_;
+  Part part_;
+  Reg<uint8_t> after_;  // at the end, the pixel of the last column again
 };
 
 // ---- Floats, away from the edges

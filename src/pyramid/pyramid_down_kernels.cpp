@@ -13,24 +13,22 @@ constexpr int kBandRows = 16;  // of the result
 
 template <class T>
 struct DownBand {
-  // Beyond the image's edges the rows are mirrored: those of result row y begin at rows[2 * y].
-  const T* rows[2 * kBandRows + 3];
+  Image<const T> src;  // from the row of the first result's middle on
+  const T* before[2];  // the two rows before that; all are mirrored at the image's edges
   Image<T> dst;
   int count;  // rows of the result
   bool first, last;
 
-  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y)
-      : dst{row_of(job.dst, y), job.dst.step},
-        count(job.roi.height / 2 - y < kBandRows ? int(job.roi.height / 2 - y) : kBandRows),
-        first(y == 0),
-        last(y + count == job.roi.height / 2) {
-    const int64_t end = job.roi.height;
-    for (int i = 0; i < 2 * count + 3; ++i) {
-      int64_t from = 2 * y + i - 2;
-      if (from < 0) from = -from;
-      if (from >= end) from = 2 * end - 2 - from;
-      rows[i] = row_of(job.src, from);
-    }
+  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y) {
+    const int64_t rest = job.roi.height / 2 - y;
+    count = rest < kBandRows ? int(rest) : kBandRows;
+    first = y == 0;
+    last = rest <= kBandRows;
+    const auto row = [&](int64_t i) NUQI_FORCED { return row_of(job.src, i); };
+    src = {row(2 * y), job.src.step};
+    before[0] = first ? row(job.roi.height == 2 ? 0 : 2) : row(2 * y - 2);
+    before[1] = row(first ? 1 : 2 * y - 1);
+    dst = {row_of(job.dst, y), job.dst.step};
   }
   NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
 };
@@ -43,10 +41,10 @@ class ColumnSums {
   static constexpr int kOdd = 4;  // d comes multiplied
 
   NUQI_INLINE ColumnSums(const S& a, const S& b, const S& c)
-      : before_(a + times(b, 4) + times(c, 6)), last_(c) {}
+      : before_(a + times(b, 4) + six_times(c)), last_(c) {}
   NUQI_INLINE S next(const S& four_d, const S& e, Place) {
     const S sum = before_ + four_d + e;
-    before_ = last_ + four_d + times(e, 6);
+    before_ = last_ + four_d + six_times(e);
     last_ = e;
     return sum;
   }
@@ -76,17 +74,18 @@ class FloatColumnSums {
 // Walks down a block of columns.
 template <class Sums, class Block, class T>
 NUQI_INLINE void walk(const DownBand<T>& band, const Block& block) {
-  const T* const* rows = band.rows;
-  Sums sums(block.template sum<1>(rows[0]), block.template sum<1>(rows[1]),
-            block.template sum<1>(rows[2]));
-  for (int y = 0; y < band.count; ++y, rows += 2)
-    block.store_result(row_of(band.dst, y),
-                       sums.next(block.template sum<Sums::kOdd>(rows[3]),
-                                 block.template sum<1>(rows[4]), band.place(y)));
+  Sums sums(block.template sum<1>(band.before[0]), block.template sum<1>(band.before[1]),
+            block.template sum<1>(band.src.data));
+  for (int y = 0; y < band.count; ++y) {
+    const Place place = band.place(y);
+    const auto odd = block.template sum<Sums::kOdd>(row_of(band.src, 2 * y + 1));
+    const auto even = block.template sum<1>(row_of(band.src, place.last ? 2 * y : 2 * y + 2));
+    block.store_result(row_of(band.dst, y), sums.next(odd, even, place));
+  }
 }
 template <class T, class Block>
 NUQI_INLINE void walk(const DownBand<T>& band, const Block& block) {
-  using S = decltype(block.template sum<1>(band.rows[0]));
+  using S = decltype(block.template sum<1>(band.src.data));
   if constexpr (kIsFloat<T>)
     walk<FloatColumnSums<S>>(band, block);
   else
@@ -133,17 +132,6 @@ NUQI_NOINLINE void down_columns(const DownBand<T>& band, int64_t from, int64_t t
 // ---- Rows
 
 template <int channels, class T>
-NUQI_INLINE void walk_permuted(const DownBand<T>& band, int64_t elements) {
-  using Block = DownPermuted<channels, T>;
-  for (int64_t x = 0; x < elements; x += Block::kSums) {
-    if (channels == 1 && x > 0 && elements - x > Block::kSums)
-      walk(band, DownPairs<T>(x));
-    else
-      walk(band, Block(x, elements));
-  }
-}
-
-template <int channels, class T>
 struct DownBlock {
   template <class Part>
   using Type = typename IfElse<channels == 1, DownPairs<T>, DownTriples<T>>::Type;
@@ -180,7 +168,11 @@ void down(const PyramidJob<T>& job) {
       if (half == 1)
         down_columns<channels>(band, 0, 1, 1);
       else
-        walk_permuted<channels>(band, half * channels);
+        for_whole_row<Reg<T>::kLanes / 2 / channels * channels>(
+            half * channels, [&](auto start, auto end, int64_t x, auto part) NUQI_FORCED {
+              walk(band,
+                   DownPermuted<channels, T, start.value, end.value, decltype(part)>(x, part));
+            });
     } else {
       walk_inside<channels>(band, half);
     }

@@ -13,25 +13,20 @@ constexpr int kBandRows = 8;  // of the source
 
 template <class T>
 struct UpBand {
-  // The row before the image's first is its second, that behind its last the last again: those of
-  // source row y begin at rows[y].
-  const T* rows[kBandRows + 2];
+  Image<const T> src;
+  const T* before;  // the row before; the image's second before its first
   Image<T> dst;
   int count;  // rows of the source
   bool first, last;
 
-  NUQI_INLINE UpBand(const PyramidJob<T>& job, int64_t y)
-      : dst{row_of(job.dst, 2 * y), job.dst.step},
-        count(job.roi.height - y < kBandRows ? int(job.roi.height - y) : kBandRows),
-        first(y == 0),
-        last(y + count == job.roi.height) {
-    const int64_t end = job.roi.height;
-    for (int i = 0; i < count + 2; ++i) {
-      int64_t from = y + i - 1;
-      if (from < 0) from = 1;
-      if (from >= end) from = end - 1;
-      rows[i] = row_of(job.src, from);
-    }
+  NUQI_INLINE UpBand(const PyramidJob<T>& job, int64_t y) {
+    const int64_t rest = job.roi.height - y;
+    count = rest < kBandRows ? int(rest) : kBandRows;
+    first = y == 0;
+    last = rest <= kBandRows;
+    src = {row_of(job.src, y), job.src.step};
+    before = row_of(job.src, !first ? y - 1 : job.roi.height > 1 ? 1 : 0);
+    dst = {row_of(job.dst, 2 * y), job.dst.step};
   }
   NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
 };
@@ -47,11 +42,12 @@ NUQI_INLINE UpSums<S> taps(const S& a, const S& b, const S& c, Place place) {
 // Walks down a block of columns.
 template <class T, class Block>
 NUQI_INLINE void walk(const UpBand<T>& band, const Block& block) {
-  auto a = block.sums(band.rows[0]), b = block.sums(band.rows[1]);
+  auto a = block.sums(band.before), b = block.sums(band.src.data);
   for (int y = 0; y < band.count; ++y) {
-    const auto c = block.sums(band.rows[y + 2]);
-    const auto even = taps<T>(a.even, b.even, c.even, band.place(y));
-    const auto odd = taps<T>(a.odd, b.odd, c.odd, band.place(y));
+    const Place place = band.place(y);
+    const auto c = block.sums(row_of(band.src, place.last ? y : y + 1));
+    const auto even = taps<T>(a.even, b.even, c.even, place);
+    const auto odd = taps<T>(a.odd, b.odd, c.odd, place);
     block.store_result(row_of(band.dst, 2 * y), {even.even, odd.even});
     block.store_result(row_of(band.dst, 2 * y + 1), {even.odd, odd.odd});
     a = b;
@@ -98,12 +94,6 @@ NUQI_NOINLINE void up_columns(const UpBand<T>& band, int64_t from, int64_t to, i
 // ---- Rows
 
 template <int channels, class T>
-NUQI_INLINE void walk_permuted(const UpBand<T>& band, int64_t elements) {
-  using Block = UpPermuted<channels, T>;
-  for (int64_t x = 0; x < elements; x += Block::kSums) walk(band, Block(x, elements));
-}
-
-template <int channels, class T>
 struct UpBlock {
   template <class Part>
   using Type = UpWidened<channels, T>;
@@ -138,7 +128,11 @@ void up(const PyramidJob<T>& job) {
   for (int64_t y = 0; y < job.roi.height; y += kBandRows) {
     const UpBand<T> band(job, y);
     if constexpr (Machine::kPermutesBytes && sizeof(T) == 1)
-      walk_permuted<channels>(band, int64_t{job.roi.width} * channels);
+      for_whole_row<Reg<T>::kLanes / 2 / channels * channels>(
+          int64_t{job.roi.width} * channels,
+          [&](auto start, auto end, int64_t x, auto part) NUQI_FORCED {
+            walk(band, UpPermuted<channels, T, start.value, end.value, decltype(part)>(x, part));
+          });
     else
       walk_inside<channels>(band, job.roi.width);
   }

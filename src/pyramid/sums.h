@@ -20,6 +20,14 @@ NUQI_INLINE S times(S a, int weight) {
   return a * static_cast<S>(weight);
 }
 
+// a * 6 by a product: as two shifts and an addition, which compilers make of it, it takes longer.
+template <class S>
+NUQI_INLINE S six_times(const S& a) {
+  int six = 6;
+  __asm__("" : "+r"(six));
+  return times(a, six);
+}
+
 template <class T>
 using ColumnSum = typename IfElse<kIsFloat<T>, float, int32_t>::Type;
 
@@ -40,6 +48,23 @@ NUQI_INLINE void for_row(int64_t from, int64_t to, const Body& body) {
     for (; from < to - N; from += N) body(from, Whole{});
     body(to - N, Whole{});
   }
+}
+
+// Walks all elements of a row, N in a block, where one block reaches both ends or the last one overlaps the
+// one before it: body(start, end, x, part).
+struct No {
+  static constexpr bool value = false;
+};
+struct Yes {
+  static constexpr bool value = true;
+};
+template <int N, class Body>
+NUQI_INLINE void for_whole_row(int64_t elements, const Body& body) {
+  if (elements < N) return body(Yes{}, Yes{}, 0, First{int(elements)});
+  if (elements == N) return body(Yes{}, Yes{}, 0, Whole{});
+  body(Yes{}, No{}, 0, Whole{});
+  for (int64_t x = N; x < elements - N; x += N) body(No{}, No{}, x, Whole{});
+  body(No{}, Yes{}, elements - N, Whole{});
 }
 
 // Bytes to 16-bit lanes.

@@ -15,7 +15,7 @@ struct UpSums {
 
 template <class S>
 NUQI_INLINE UpSums<S> three_taps(const S& a, const S& b, const S& c) {
-  return {a + c + times(b, 6), times(b + c, 4)};
+  return {a + c + six_times(b), times(b + c, 4)};
 }
 // Floats are added in the contract's order.
 template <class S>
@@ -67,8 +67,8 @@ class UpWidened {
   int64_t x_;
 };
 
-// Where bytes permute across the register: any block of one channel or three, at the edges too.
-template <int channels, class T>
+// Where bytes permute across the register: blocks of one channel or three, also at the row's start or end.
+template <int channels, class T, bool start, bool end, class Part>
 class UpPermuted {
   static constexpr int n = Reg<T>::kLanes;
   using Sums = Vec<int16_t, n / 2>;
@@ -76,38 +76,41 @@ class UpPermuted {
  public:
   static constexpr int kSums = n / 2 / channels * channels;
 
-  NUQI_INLINE UpPermuted(int64_t x, int64_t elements)
-      : count_(elements - x < kSums ? int(elements - x) : kSums) {
-    const auto lanes = typename UpTo<n>::Type{};
-    const bool start = x == 0, end = elements - x <= kSums;
-    const int before = start ? 0 : channels;
-    first_ = x - before;
-    bytes_ = before + count_ + (end ? 0 : channels);
-    // Beyond the last pixel stands that one again, before the first the second, if there is one.
-    const auto inside = [&](const Reg<uint8_t>& places) NUQI_FORCED {
-      const auto& p = places.r[0];
-      return Reg<uint8_t>{{p < uint8_t(bytes_) ? p : p - uint8_t(channels)}};
-    };
-    left_ = start ? inside(mirrored_pairs(lanes)) : pairs_from<0>(lanes);
-    right_ = inside(start ? pairs_from<0>(lanes) : pairs_from<channels>(lanes));
+  NUQI_INLINE UpPermuted(int64_t x, Part part) : x_(x), part_(part) {
+    left_ = start ? inside(mirrored_pairs(lanes())) : pairs_from<0>(lanes());
+    right_ = inside(pairs_from<kBefore>(lanes()));
   }
   NUQI_INLINE UpSums<Sums> sums(const T* row) const {
-    const auto window = load<n>(row + first_, First{bytes_});
+    const auto window = load<n>(row + x_ - kBefore, First{bytes()});
     const Reg<T> left = {{machine::permute_bytes(window.r[0], left_.r[0])}};
     const Reg<T> right = {{machine::permute_bytes(window.r[0], right_.r[0])}};
     return scaled_sums(UpSums<Sums>{multiply_pairs<4, 12>(left) + multiply_pairs<12, 4>(right),
                                     multiply_pairs<16, 16>(right)});
   }
   NUQI_INLINE void store_result(T* row, const UpSums<Sums>& sums) const {
-    const Reg<uint8_t> result = {{machine::permute_bytes(
-        (typename Reg<uint8_t>::Native)sums.even.r[0], (typename Reg<uint8_t>::Native)sums.odd.r[0],
-        high_bytes_in_turns(typename UpTo<n>::Type{}))}};
-    store((uint8_t*)row + 2 * x(), result, First{2 * count_});
+    const auto [even, odd] = sums;
+    using Bytes = typename Reg<uint8_t>::Native;
+    const Reg<uint8_t> result = {
+        {machine::permute_bytes((Bytes)even.r[0], (Bytes)odd.r[0], high_bytes_in_turns(lanes()))}};
+    if constexpr (Part::kWhole && 2 * kSums == n)
+      store((uint8_t*)row + 2 * x_, result);
+    else
+      store((uint8_t*)row + 2 * x_, result, First{2 * lane_count<kSums>(part_)});
   }
 
  private:
-  NUQI_INLINE int64_t x() const { return first_ == 0 ? 0 : first_ + channels; }
+  static constexpr int kBefore = start ? 0 : channels;
 
+  static NUQI_INLINE auto lanes() { return typename UpTo<n>::Type{}; }
+  // Of the window that all pairs come from.
+  NUQI_INLINE int bytes() const {
+    return kBefore + lane_count<kSums>(part_) + (end ? 0 : channels);
+  }
+  // Beyond the last pixel stands that one again, before the first the second, if there is one.
+  NUQI_INLINE Reg<uint8_t> inside(const Reg<uint8_t>& places) const {
+    const auto& p = places.r[0];
+    return {{p < uint8_t(bytes()) ? p : p - uint8_t(channels)}};
+  }
   // The element of each sum, `ahead` bytes later, and that of the next pixel.
   template <int ahead, int... I>
   static NUQI_INLINE Reg<uint8_t> pairs_from(Indices<I...>) {
@@ -128,8 +131,8 @@ class UpPermuted {
                                               1 + (I / channels % 2 == 0 ? 0 : n))...};
   }
 
-  int64_t first_;
-  int count_, bytes_;
+  int64_t x_;
+  Part part_;
   Reg<uint8_t> left_, right_;
 };
 
