@@ -26,9 +26,9 @@ NUQI_INLINE Vec<int16_t, N / 2> sum_pairs_around(const Vec<T, N>& before, const 
 template <class T>
 class DownPairs {
  public:
-  static constexpr int kSums = kRegBytes > 32 ? kRegBytes / 2 : 16;
+  static constexpr int kSums = 16;
 
-  NUQI_INLINE explicit DownPairs(int64_t x) : x_(x) {}
+  NUQI_INLINE DownPairs(int64_t x, Whole) : x_(x) {}
   template <int weight>
   NUQI_INLINE Vec<int16_t, kSums> sum(const T* row) const {
     const auto pairs = [&](int ahead) NUQI_FORCED { return load<2 * kSums>(row + 2 * x_ + ahead); };
@@ -48,7 +48,7 @@ class DownTriples {
  public:
   static constexpr int kSums = 9;
 
-  NUQI_INLINE explicit DownTriples(int64_t x) : x_(x) {}
+  NUQI_INLINE DownTriples(int64_t x, Whole) : x_(x) {}
   template <int weight>
   NUQI_INLINE Vec<int16_t, 16> sum(const T* row) const {
     const auto s = [&](int ahead) NUQI_FORCED { return load_widened(row + 2 * x_ + ahead); };
@@ -139,8 +139,9 @@ NUQI_INLINE S five_taps(const S& a, const S& b, const S& c, const S& d, const S&
   return place.last ? before + times(c, 7) : before + times(c, 6) + e;
 }
 
-// By lane permutations of two registers.
-template <int channels, class Part>
+// By lane permutations of two registers. Where there are masks also at the row's start or end, where one
+// load serves the pixels around it too, and the first or last pixel is summed once more in its own way.
+template <int channels, bool start, bool end, class Part>
 class DownFloats {
   static constexpr int n = Reg<float>::kLanes;
 
@@ -150,38 +151,54 @@ class DownFloats {
   NUQI_INLINE DownFloats(int64_t x, Part part) : x_(x), part_(part) {}
   template <int>
   NUQI_INLINE Reg<float> sum(const float* row) const {
-    const auto lanes = typename UpTo<n>::Type{};
-    const auto pixels = [&](int ahead, auto take) NUQI_FORCED {
-      const float* const from = row + 2 * x_ + 2 * channels * ahead;
-      const First all = {2 * lane_count<kSums>(part_)};
-      if constexpr (Part::kWhole && kSums == n)
-        return take(load<n>(from), load<n>(from + n));
-      else
-        return take(load<n>(from, part_from<n>(all, 0)), load<n>(from + n, part_from<n>(all, n)));
-    };
-    const auto even = [&](const Reg<float>& low, const Reg<float>& high)
-                          NUQI_FORCED { return take_pixels<0>(low, high, lanes); };
-    const auto odd = [&](const Reg<float>& low, const Reg<float>& high)
-                         NUQI_FORCED { return take_pixels<channels>(low, high, lanes); };
-    return five_taps(pixels(-1, even), pixels(-1, odd), pixels(0, even), pixels(0, odd),
-                     pixels(1, even), kInside);
+    const Window here = window(row);
+    const Window before = start ? here : window(row - (start ? 0 : 2 * channels));
+    const Window after = end ? here : window(row + (end ? 0 : 2 * channels));
+    constexpr int kBack = start ? -2 * channels : 0, kAhead = end ? 2 * channels : 0;
+    const auto a = take<kBack>(before), b = take<kBack + channels>(before);
+    const auto c = take<0>(here), d = take<channels>(here), e = take<kAhead>(after);
+    auto sums = five_taps(a, b, c, d, e, kInside);
+    if (start)
+      sums = select(lane_below<n>(channels), five_taps(a, b, c, d, e, {true, false}), sums);
+    if (end)
+      sums = select(lane_below<n>(lane_count<kSums>(part_) - channels), sums,
+                    five_taps(a, b, c, d, e, {false, true}));
+    return sums;
   }
   NUQI_INLINE void store_result(float* row, const Reg<float>& sums) const {
     const auto result = sums * broadcast<float, n>(0.00390625f);
-    if constexpr (Part::kWhole && kSums == n)
+    if constexpr (kWhole)
       store(row + x_, result);
     else
       store(row + x_, result, First{lane_count<kSums>(part_)});
   }
 
  private:
+  static constexpr bool kWhole = Part::kWhole && kSums == n;
+  struct Window {
+    Reg<float> low, high;
+  };
+
+  NUQI_INLINE Window window(const float* row) const {
+    const float* const from = row + 2 * x_;
+    if constexpr (kWhole) {
+      return {load<n>(from), load<n>(from + n)};
+    } else {
+      const First all = {2 * lane_count<kSums>(part_)};
+      return {load<n>(from, part_from<n>(all, 0)), load<n>(from + n, part_from<n>(all, n))};
+    }
+  }
+  // The even pixels of a window that begins `first` elements later.
+  template <int first>
+  static NUQI_INLINE Reg<float> take(const Window& window) {
+    return take_at<first>(window, typename UpTo<n>::Type{});
+  }
   template <int first, int... I>
-  static NUQI_INLINE Reg<float> take_pixels(const Reg<float>& low, const Reg<float>& high,
-                                            Indices<I...>) {
+  static NUQI_INLINE Reg<float> take_at(const Window& window, Indices<I...>) {
     constexpr auto place = [](int lane) {
-      return (lane / channels * 2 * channels + lane % channels + first) % (2 * n);
+      return (lane / channels * 2 * channels + lane % channels + first + 2 * n) % (2 * n);
     };
-    return {{__builtin_shufflevector(low.r[0], high.r[0], place(I)...)}};
+    return {{__builtin_shufflevector(window.low.r[0], window.high.r[0], place(I)...)}};
   }
 
   int64_t x_;

@@ -131,30 +131,37 @@ NUQI_NOINLINE void down_columns(const DownBand<T>& band, int64_t from, int64_t t
 
 // ---- Rows
 
+// With masks: blocks that reach the row's ends.
 template <int channels, class T>
-struct DownBlock {
-  template <class Part>
+NUQI_INLINE void walk_all(const DownBand<T>& band, int64_t half) {
+  for_whole_row<kBlockSums<channels, T>>(
+      half * channels, [&](auto start, auto end, int64_t x, auto part) NUQI_FORCED {
+        using Part = decltype(part);
+        if constexpr (kIsFloat<T>)
+          walk(band, DownFloats<channels, start.value, end.value, Part>(x, part));
+        else
+          walk(band, DownPermuted<channels, T, start.value, end.value, Part>(x, part));
+      });
+}
+
+template <int channels, class T>
+struct DownInside {
   using Type = typename IfElse<channels == 1, DownPairs<T>, DownTriples<T>>::Type;
 };
 template <int channels>
-struct DownBlock<channels, float> {
-  template <class Part>
-  using Type = typename IfElse<channels == 1 || kRegBytes == 64, DownFloats<channels, Part>,
-                               DownFloatTriple>::Type;
+struct DownInside<channels, float> {
+  using Type =
+      typename IfElse<channels == 1, DownFloats<1, false, false, Whole>, DownFloatTriple>::Type;
 };
 
+// Without masks: whole blocks between the edges.
 template <int channels, class T>
 NUQI_INLINE void walk_inside(const DownBand<T>& band, int64_t half) {
-  constexpr int kSums = DownBlock<channels, T>::template Type<Whole>::kSums;
+  using Block = typename DownInside<channels, T>::Type;
   const int64_t inside = (half - 2) * channels;
-  if (inside <= 0 || (!Machine::kMasks && inside < kSums))
-    return down_columns<channels>(band, 0, half, half);
-  for_row<kSums>(channels, channels + inside, [&](int64_t x, auto part) NUQI_FORCED {
-    if constexpr (kIsFloat<T>)
-      walk(band, typename DownBlock<channels, T>::template Type<decltype(part)>(x, part));
-    else
-      walk(band, typename DownBlock<channels, T>::template Type<Whole>(x));
-  });
+  if (inside < Block::kSums) return down_columns<channels>(band, 0, half, half);
+  for_whole_blocks<Block::kSums>(channels, channels + inside,
+                                 [&](int64_t x) NUQI_FORCED { walk(band, Block(x, Whole{})); });
   down_columns<channels>(band, 0, 1, half);
   down_columns<channels>(band, half - 1, half, half);
 }
@@ -164,18 +171,12 @@ void down(const PyramidJob<T>& job) {
   const int64_t half = job.roi.width / 2;
   for (int64_t y = 0; y < job.roi.height / 2; y += kBandRows) {
     const DownBand<T> band(job, y);
-    if constexpr (Machine::kPermutesBytes && sizeof(T) == 1) {
-      if (half == 1)
-        down_columns<channels>(band, 0, 1, 1);
-      else
-        for_whole_row<Reg<T>::kLanes / 2 / channels * channels>(
-            half * channels, [&](auto start, auto end, int64_t x, auto part) NUQI_FORCED {
-              walk(band,
-                   DownPermuted<channels, T, start.value, end.value, decltype(part)>(x, part));
-            });
-    } else {
+    if constexpr (!Machine::kMasks)
       walk_inside<channels>(band, half);
-    }
+    else if (half == 1)
+      down_columns<channels>(band, 0, 1, 1);
+    else
+      walk_all<channels>(band, half);
   }
 }
 

@@ -9,7 +9,7 @@ namespace {
 
 // ---- Rows
 
-constexpr int kBandRows = 8;  // of the source
+constexpr int kBandRows = 16;  // of the source
 
 template <class T>
 struct UpBand {
@@ -93,48 +93,53 @@ NUQI_NOINLINE void up_columns(const UpBand<T>& band, int64_t from, int64_t to, i
 
 // ---- Rows
 
+// With masks: blocks that reach the row's ends.
 template <int channels, class T>
-struct UpBlock {
-  template <class Part>
+NUQI_INLINE void walk_all(const UpBand<T>& band, int64_t width) {
+  for_whole_row<kBlockSums<channels, T>>(
+      width * channels, [&](auto start, auto end, int64_t x, auto part) NUQI_FORCED {
+        using Part = decltype(part);
+        if constexpr (kIsFloat<T>)
+          walk(band, UpFloats<channels, Reg<T>::kLanes, start.value, end.value, Part>(x, part));
+        else
+          walk(band, UpPermuted<channels, T, start.value, end.value, Part>(x, part));
+      });
+}
+
+template <int channels, class T>
+struct UpInside {
   using Type = UpWidened<channels, T>;
 };
 template <int channels>
-struct UpBlock<channels, float> {
-  static constexpr int kLanes = channels == 1 || Machine::kMasks ? Reg<float>::kLanes : 4;
-  template <class Part>
-  using Type = UpFloats<channels, kLanes, Part>;
+struct UpInside<channels, float> {
+  using Type = UpFloats<channels, channels == 1 ? Reg<float>::kLanes : 4, false, false, Whole>;
 };
 
+// Without masks: whole blocks between the edges.
 template <int channels, class T>
 NUQI_INLINE void walk_inside(const UpBand<T>& band, int64_t width) {
-  constexpr int kSums = UpBlock<channels, T>::template Type<Whole>::kSums;
-  // Without masks a block of three channels loads an element beyond the pixels next to it.
-  constexpr int kLast = channels == 3 && !Machine::kMasks ? 2 : 1;
+  using Block = typename UpInside<channels, T>::Type;
+  // A block of three channels loads an element beyond the pixels next to it.
+  constexpr int kLast = channels == 3 ? 2 : 1;
   const int64_t inside = (width - 1 - kLast) * channels;
-  if (inside <= 0 || (!Machine::kMasks && inside < kSums))
-    return up_columns<channels>(band, 0, width, width);
-  for_row<kSums>(channels, channels + inside, [&](int64_t x, auto part) NUQI_FORCED {
-    if constexpr (kIsFloat<T>)
-      walk(band, typename UpBlock<channels, T>::template Type<decltype(part)>(x, part));
-    else
-      walk(band, typename UpBlock<channels, T>::template Type<Whole>(x));
-  });
+  if (inside < Block::kSums) return up_columns<channels>(band, 0, width, width);
+  for_whole_blocks<Block::kSums>(channels, channels + inside,
+                                 [&](int64_t x) NUQI_FORCED { walk(band, Block(x, Whole{})); });
   up_columns<channels>(band, 0, 1, width);
   up_columns<channels>(band, width - kLast, width, width);
 }
 
 template <int channels, class T>
 void up(const PyramidJob<T>& job) {
+  const int64_t width = job.roi.width;
   for (int64_t y = 0; y < job.roi.height; y += kBandRows) {
     const UpBand<T> band(job, y);
-    if constexpr (Machine::kPermutesBytes && sizeof(T) == 1)
-      for_whole_row<Reg<T>::kLanes / 2 / channels * channels>(
-          int64_t{job.roi.width} * channels,
-          [&](auto start, auto end, int64_t x, auto part) NUQI_FORCED {
-            walk(band, UpPermuted<channels, T, start.value, end.value, decltype(part)>(x, part));
-          });
+    if constexpr (!Machine::kMasks)
+      walk_inside<channels>(band, width);
+    else if (kIsFloat<T> && width == 1)
+      up_columns<channels>(band, 0, 1, 1);
     else
-      walk_inside<channels>(band, job.roi.width);
+      walk_all<channels>(band, width);
   }
 }
 

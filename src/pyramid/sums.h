@@ -5,6 +5,7 @@
 #include "core/simd/arithmetic.h"
 #include "core/simd/convert.h"
 #include "core/simd/memory.h"
+#include "core/simd/shuffle.h"
 #include "pyramid/pyramid.h"
 
 namespace nuqi::NUQI_ISA {
@@ -38,16 +39,12 @@ struct Place {
 };
 constexpr Place kInside = {false, false};
 
-// Walks the elements from `from` to `to` in blocks of N: body(x, part). Without masks there are N or more,
-// and the last block overlaps the one before it.
+// Walks the elements from `from` to `to`, N or more, in blocks: body(x). The last block overlaps the one
+// before it.
 template <int N, class Body>
-NUQI_INLINE void for_row(int64_t from, int64_t to, const Body& body) {
-  if constexpr (Machine::kMasks) {
-    for_blocks<N>(to - from, [&](int64_t x, auto part) NUQI_FORCED { body(from + x, part); });
-  } else {
-    for (; from < to - N; from += N) body(from, Whole{});
-    body(to - N, Whole{});
-  }
+NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
+  for (; from < to - N; from += N) body(from);
+  body(to - N);
 }
 
 // Walks all elements of a row, N in a block, where one block reaches both ends or the last one overlaps the
@@ -65,6 +62,16 @@ NUQI_INLINE void for_whole_row(int64_t elements, const Body& body) {
   body(Yes{}, No{}, 0, Whole{});
   for (int64_t x = N; x < elements - N; x += N) body(No{}, No{}, x, Whole{});
   body(No{}, Yes{}, elements - N, Whole{});
+}
+
+// Sums that a block has, where there are masks: of whole pixels.
+template <int channels, class T>
+constexpr int kBlockSums = kRegBytes / (kIsFloat<T> ? 4 : 2) / channels* channels;
+
+// The first lanes of floats.
+template <int N>
+NUQI_INLINE Mask<float, N> lane_below(int count) {
+  return lane_numbers<float>(typename UpTo<N>::Type{}) < broadcast<int32_t, N>(count);
 }
 
 // Bytes to 16-bit lanes.

@@ -41,7 +41,7 @@ class UpWidened {
  public:
   static constexpr int kSums = 16 / channels * channels;
 
-  NUQI_INLINE explicit UpWidened(int64_t x) : x_(x) {}
+  NUQI_INLINE UpWidened(int64_t x, Whole) : x_(x) {}
   NUQI_INLINE UpSums<Px<int16_t>> sums(const T* row) const {
     const auto s = [&](int ahead) NUQI_FORCED { return load_widened(row + x_ + ahead); };
     const auto [even, odd] = three_taps(s(-channels), s(0), s(channels));
@@ -138,8 +138,9 @@ class UpPermuted {
 
 // ---- Floats, away from the edges
 
-// Blocks of N lanes; of three channels, whole pixels.
-template <int channels, int N, class Part>
+// Blocks of N lanes; of three channels, whole pixels. Where there are masks also at the row's start or end,
+// where the first or last pixel is summed once more in its own way.
+template <int channels, int N, bool start, bool end, class Part>
 class UpFloats {
  public:
   static constexpr int kSums = N / channels * channels;
@@ -152,7 +153,20 @@ class UpFloats {
       else
         return load<N>(row + x_ + ahead, First{lane_count<kSums>(part_)});
     };
-    return float_taps(s(-channels), s(0), s(channels), kInside);
+    const auto lanes = typename UpTo<N>::Type{};
+    const auto b = s(0);
+    const auto a = start ? moved<-channels>(b, lanes) : s(start ? 0 : -channels);
+    const auto c = end ? moved<channels>(b, lanes) : s(end ? 0 : channels);
+    auto sums = float_taps(a, b, c, kInside);
+    if (start)
+      sums.even =
+          select(lane_below<N>(channels), float_taps(a, b, c, {true, false}).even, sums.even);
+    if (end) {
+      const auto others = lane_below<N>(lane_count<kSums>(part_) - channels);
+      const auto last = float_taps(a, b, c, {false, true});
+      sums = {select(others, sums.even, last.even), select(others, sums.odd, last.odd)};
+    }
+    return sums;
   }
   NUQI_INLINE void store_result(float* row, const UpSums<Vec<float, N>>& sums) const {
     const auto scale = broadcast<float, N>(0.015625f);
@@ -178,6 +192,11 @@ class UpFloats {
  private:
   static constexpr bool kWhole = Part::kWhole && (kSums == N || !Machine::kMasks);
 
+  // Lane i from lane i + by, where there is one.
+  template <int by, int... I>
+  static NUQI_INLINE Vec<float, N> moved(const Vec<float, N>& a, Indices<I...>) {
+    return {{__builtin_shufflevector(a.r[0], a.r[0], ((I + by + N) % N)...)}};
+  }
   // Pixels in turns: lanes `first` and on of the result.
   template <int first, int... I>
   static NUQI_INLINE Vec<float, N> in_turns(const Vec<float, N>& even, const Vec<float, N>& odd,
