@@ -77,15 +77,16 @@ class DownPermuted {
   NUQI_INLINE DownPermuted(int64_t x, Part part) : x_(x), part_(part) {
     const auto next = pairs_from<2 * channels>(lanes());
     const uint8_t bytes = uint8_t(2 * lane_count<kSums>(part));
-    after_ = {{next.r[0] < bytes ? next.r[0] : pairs_from<0>(lanes()).r[0]}};
+    after_ =
+        end ? Reg<uint8_t>{{next.r[0] < bytes ? next.r[0] : pairs_from<0>(lanes()).r[0]}} : next;
   }
   template <int weight>
   NUQI_INLINE Vec<int16_t, n / 2> sum(const T* row) const {
-    const auto window = [&](int ahead) NUQI_FORCED {
+    const auto window = [&](int ahead, int more) NUQI_FORCED {
       if constexpr (Part::kWhole && 2 * kSums == n)
         return load<n>(row + 2 * x_ + ahead);
       else
-        return load<n>(row + 2 * x_ + ahead, First{2 * lane_count<kSums>(part_)});
+        return load<n>(row + 2 * x_ + ahead, First{2 * lane_count<kSums>(part_) + more});
     };
     const auto pick = [](const Reg<T>& from, const Reg<uint8_t>& places) NUQI_FORCED {
       return Reg<T>{{machine::permute_bytes(from.r[0], places.r[0])}};
@@ -93,10 +94,12 @@ class DownPermuted {
     const auto pairs = [&](const Reg<T>& from) NUQI_FORCED {
       return channels == 1 ? from : pick(from, pairs_from<0>(lanes()));
     };
-    const auto here = window(0);
+    // Of the pairs after, the first pixels alone count: of three channels, the register still has them.
+    constexpr bool kHasAfter = end || channels == 3;
+    const auto here = window(0, kHasAfter && !end ? channels : 0);
     return sum_pairs_around<weight>(
-        start ? pick(here, mirrored_pairs(lanes())) : pairs(window(start ? 0 : -2 * channels)),
-        pairs(here), end ? pick(here, after_) : pairs(window(end ? 0 : 2 * channels)));
+        start ? pick(here, mirrored_pairs(lanes())) : pairs(window(start ? 0 : -2 * channels, 0)),
+        pairs(here), kHasAfter ? pick(here, after_) : window(kHasAfter ? 0 : 2 * channels, 0));
   }
   NUQI_INLINE void store_result(T* row, const Vec<int16_t, n / 2>& sums) const {
     const auto result = high_bytes(sums + broadcast<int16_t, n / 2>(128));
@@ -125,7 +128,7 @@ class DownPermuted {
 
   int64_t x_;
   Part part_;
-  Reg<uint8_t> after_;  // at the end, the pixel of the last column again
+  Reg<uint8_t> after_;  // at the end, the last column's own pixel again
 };
 
 // ---- Floats, away from the edges

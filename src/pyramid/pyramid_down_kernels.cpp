@@ -9,8 +9,6 @@ namespace {
 
 // ---- Rows
 
-constexpr int kBandRows = 16;  // of the result
-
 template <class T>
 struct DownBand {
   Image<const T> src;  // from the row of the first result's middle on
@@ -19,11 +17,11 @@ struct DownBand {
   int count;  // rows of the result
   bool first, last;
 
-  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y) {
+  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y, int most) {
     const int64_t rest = job.roi.height / 2 - y;
-    count = rest < kBandRows ? int(rest) : kBandRows;
+    count = rest < most ? int(rest) : most;
     first = y == 0;
-    last = rest <= kBandRows;
+    last = rest <= most;
     const auto row = [&](int64_t i) NUQI_FORCED { return row_of(job.src, i); };
     src = {row(2 * y), job.src.step};
     before[0] = first ? row(job.roi.height == 2 ? 0 : 2) : row(2 * y - 2);
@@ -169,8 +167,9 @@ NUQI_INLINE void walk_inside(const DownBand<T>& band, int64_t half) {
 template <int channels, class T>
 void down(const PyramidJob<T>& job) {
   const int64_t half = job.roi.width / 2;
-  for (int64_t y = 0; y < job.roi.height / 2; y += kBandRows) {
-    const DownBand<T> band(job, y);
+  const int rows = band_rows(131072, (4 + 1) * half * channels * int{sizeof(T)});
+  for (int64_t y = 0; y < job.roi.height / 2; y += rows) {
+    const DownBand<T> band(job, y, rows);
     if constexpr (!Machine::kMasks)
       walk_inside<channels>(band, half);
     else if (half == 1)

@@ -9,8 +9,6 @@ namespace {
 
 // ---- Rows
 
-constexpr int kBandRows = 16;  // of the source
-
 template <class T>
 struct UpBand {
   Image<const T> src;
@@ -19,11 +17,11 @@ struct UpBand {
   int count;  // rows of the source
   bool first, last;
 
-  NUQI_INLINE UpBand(const PyramidJob<T>& job, int64_t y) {
+  NUQI_INLINE UpBand(const PyramidJob<T>& job, int64_t y, int most) {
     const int64_t rest = job.roi.height - y;
-    count = rest < kBandRows ? int(rest) : kBandRows;
+    count = rest < most ? int(rest) : most;
     first = y == 0;
-    last = rest <= kBandRows;
+    last = rest <= most;
     src = {row_of(job.src, y), job.src.step};
     before = row_of(job.src, !first ? y - 1 : job.roi.height > 1 ? 1 : 0);
     dst = {row_of(job.dst, 2 * y), job.dst.step};
@@ -31,12 +29,18 @@ struct UpBand {
   NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
 };
 
-template <class T, class S>
-NUQI_INLINE UpSums<S> taps(const S& a, const S& b, const S& c, Place place) {
-  if constexpr (kIsFloat<T>)
-    return float_taps(a, b, c, place);
-  else
-    return three_taps(a, b, c);
+// Of sums along rows, those of both directions.
+NUQI_INLINE UpSums<int32_t> taps(int32_t a, int32_t b, int32_t c, Place) {
+  return three_taps(a, b, c);
+}
+template <int N>
+NUQI_INLINE UpSums<Vec<uint16_t, N>> taps(const Vec<uint16_t, N>& a, const Vec<uint16_t, N>& b,
+                                          const Vec<uint16_t, N>& c, Place) {
+  return offset_taps(a, b, c);
+}
+template <class Floats>
+NUQI_INLINE UpSums<Floats> taps(const Floats& a, const Floats& b, const Floats& c, Place place) {
+  return float_taps(a, b, c, place);
 }
 
 // Walks down a block of columns.
@@ -46,8 +50,8 @@ NUQI_INLINE void walk(const UpBand<T>& band, const Block& block) {
   for (int y = 0; y < band.count; ++y) {
     const Place place = band.place(y);
     const auto c = block.sums(row_of(band.src, place.last ? y : y + 1));
-    const auto even = taps<T>(a.even, b.even, c.even, place);
-    const auto odd = taps<T>(a.odd, b.odd, c.odd, place);
+    const auto even = taps(a.even, b.even, c.even, place);
+    const auto odd = taps(a.odd, b.odd, c.odd, place);
     block.store_result(row_of(band.dst, 2 * y), {even.even, odd.even});
     block.store_result(row_of(band.dst, 2 * y + 1), {even.odd, odd.odd});
     a = b;
@@ -69,7 +73,7 @@ struct UpColumn {
     };
     const Place place = {i == 0, i == width - 1};
     const S after = s(place.last ? i : i + 1);
-    return taps<T>(place.first ? after : s(i - 1), s(i), after, place);
+    return taps(place.first ? after : s(i - 1), s(i), after, place);
   }
   NUQI_INLINE void store_result(T* row, const UpSums<S>& sums) const {
     T* const to = row + 2 * i * channels + channel;
@@ -132,8 +136,9 @@ NUQI_INLINE void walk_inside(const UpBand<T>& band, int64_t width) {
 template <int channels, class T>
 void up(const PyramidJob<T>& job) {
   const int64_t width = job.roi.width;
-  for (int64_t y = 0; y < job.roi.height; y += kBandRows) {
-    const UpBand<T> band(job, y);
+  const int rows = band_rows(65536, (1 + 4) * width * channels * int{sizeof(T)});
+  for (int64_t y = 0; y < job.roi.height; y += rows) {
+    const UpBand<T> band(job, y, rows);
     if constexpr (!Machine::kMasks)
       walk_inside<channels>(band, width);
     else if (kIsFloat<T> && width == 1)

@@ -39,6 +39,13 @@ struct Place {
 };
 constexpr Place kInside = {false, false};
 
+// Rows that a band has: few of long rows, whose lines would leave L1 before the next block of columns comes.
+NUQI_INLINE int band_rows(int64_t bytes, int64_t row_bytes) {
+  constexpr int kFewest = 4, kMost = 32;
+  const int64_t rows = bytes / row_bytes;
+  return int(rows < kFewest ? kFewest : rows < kMost ? rows : kMost);
+}
+
 // Walks the elements from `from` to `to`, N or more, in blocks: body(x). The last block overlaps the one
 // before it.
 template <int N, class Body>

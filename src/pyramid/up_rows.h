@@ -15,7 +15,7 @@ struct UpSums {
 
 template <class S>
 NUQI_INLINE UpSums<S> three_taps(const S& a, const S& b, const S& c) {
-  return {a + c + six_times(b), times(b + c, 4)};
+  return {a + c + times(b, 6), times(b + c, 4)};
 }
 // Floats are added in the contract's order.
 template <class S>
@@ -28,11 +28,24 @@ NUQI_INLINE UpSums<S> float_taps(const S& a, const S& b, const S& c, Place place
 
 // ---- Bytes
 
-// Results are the upper bytes of 4 * sum + 128, where all weights make 256: 16 on each row's sum, which
-// counts eight times, makes the 128.
+// Sums along a row are 16 times as large, and 64 more: so much that a result, 64 times a pixel by its
+// weights, lies in the upper byte, rounded. Signed bytes count from -128, so that no sum is negative.
+template <class T, int N>
+NUQI_INLINE UpSums<Vec<uint16_t, N>> offset(const Vec<int16_t, N>& even,
+                                            const Vec<int16_t, N>& odd) {
+  const auto by = broadcast<int16_t, N>(64 + (kIsSigned<T> ? 16 * 8 * 128 : 0));
+  return {as<uint16_t>(even + by), as<uint16_t>(odd + by)};
+}
+template <class T, int N>
+NUQI_INLINE Vec<uint8_t, N> without_offset(const Vec<uint8_t, N>& a) {
+  return kIsSigned<T> ? a ^ broadcast<uint8_t, N>(128) : a;
+}
+// The averages are exact: a, b and c are multiples of 16, but for an offset common to all.
 template <int N>
-NUQI_INLINE UpSums<Vec<int16_t, N>> scaled_sums(const UpSums<Vec<int16_t, N>>& sums) {
-  return {sums.even + broadcast<int16_t, N>(16), sums.odd + broadcast<int16_t, N>(16)};
+NUQI_INLINE UpSums<Vec<uint16_t, N>> offset_taps(const Vec<uint16_t, N>& a,
+                                                 const Vec<uint16_t, N>& b,
+                                                 const Vec<uint16_t, N>& c) {
+  return {average(average(a, c), b) + b, b + c};
 }
 
 // Away from the edges.
@@ -42,14 +55,15 @@ class UpWidened {
   static constexpr int kSums = 16 / channels * channels;
 
   NUQI_INLINE UpWidened(int64_t x, Whole) : x_(x) {}
-  NUQI_INLINE UpSums<Px<int16_t>> sums(const T* row) const {
+  NUQI_INLINE UpSums<Px<uint16_t>> sums(const T* row) const {
     const auto s = [&](int ahead) NUQI_FORCED { return load_widened(row + x_ + ahead); };
     const auto [even, odd] = three_taps(s(-channels), s(0), s(channels));
-    return scaled_sums(UpSums<Px<int16_t>>{times(even, 4), times(odd, 4)});
+    return offset<T>(times(even, 16), times(odd, 16));
   }
-  NUQI_INLINE void store_result(T* row, const UpSums<Px<int16_t>>& sums) const {
+  NUQI_INLINE void store_result(T* row, const UpSums<Px<uint16_t>>& sums) const {
     uint8_t* const to = (uint8_t*)row + 2 * x_;
-    const auto even = high_bytes(sums.even), odd = high_bytes(sums.odd);
+    const auto even = without_offset<T>(high_bytes(sums.even));
+    const auto odd = without_offset<T>(high_bytes(sums.odd));
     if constexpr (channels == 1) {
       const auto lanes = typename UpTo<16>::Type{};
       store(to, Px<uint8_t>{{zip_low(even.r[0], odd.r[0], lanes)}});
@@ -71,7 +85,7 @@ class UpWidened {
 template <int channels, class T, bool start, bool end, class Part>
 class UpPermuted {
   static constexpr int n = Reg<T>::kLanes;
-  using Sums = Vec<int16_t, n / 2>;
+  using Sums = Vec<uint16_t, n / 2>;
 
  public:
   static constexpr int kSums = n / 2 / channels * channels;
@@ -84,14 +98,15 @@ class UpPermuted {
     const auto window = load<n>(row + x_ - kBefore, First{bytes()});
     const Reg<T> left = {{machine::permute_bytes(window.r[0], left_.r[0])}};
     const Reg<T> right = {{machine::permute_bytes(window.r[0], right_.r[0])}};
-    return scaled_sums(UpSums<Sums>{multiply_pairs<4, 12>(left) + multiply_pairs<12, 4>(right),
-                                    multiply_pairs<16, 16>(right)});
+    return offset<T>(multiply_pairs<16, 48>(left) + multiply_pairs<48, 16>(right),
+                     multiply_pairs<64, 64>(right));
   }
   NUQI_INLINE void store_result(T* row, const UpSums<Sums>& sums) const {
     const auto [even, odd] = sums;
     using Bytes = typename Reg<uint8_t>::Native;
-    const Reg<uint8_t> result = {
-        {machine::permute_bytes((Bytes)even.r[0], (Bytes)odd.r[0], high_bytes_in_turns(lanes()))}};
+    const Reg<uint8_t> turns = high_bytes_in_turns(lanes());
+    const auto result = without_offset<T>(
+        Reg<uint8_t>{{machine::permute_bytes((Bytes)even.r[0], (Bytes)odd.r[0], turns.r[0])}});
     if constexpr (Part::kWhole && 2 * kSums == n)
       store((uint8_t*)row + 2 * x_, result);
     else
@@ -125,10 +140,10 @@ class UpPermuted {
   }
   // Pixels of two registers of sums in turns.
   template <int... I>
-  static NUQI_INLINE auto high_bytes_in_turns(Indices<I...>) {
-    return
-        typename Reg<uint8_t>::Native{uint8_t(2 * (I / (2 * channels) * channels + I % channels) +
-                                              1 + (I / channels % 2 == 0 ? 0 : n))...};
+  static NUQI_INLINE Reg<uint8_t> high_bytes_in_turns(Indices<I...>) {
+    return {
+        {typename Reg<uint8_t>::Native{uint8_t(2 * (I / (2 * channels) * channels + I % channels) +
+                                               1 + (I / channels % 2 == 0 ? 0 : n))...}}};
   }
 
   int64_t x_;

@@ -73,13 +73,12 @@ NUQI_INLINE Vec<int16_t, N / 2> odd_bytes(const Vec<T, N>& a) {
 // The upper bytes of 16-bit lanes.
 template <class V, int... I>
 NUQI_INLINE auto high_bytes_at(const V& a, const V& b, Indices<I...>) {
-  const auto low = (NativeAs<uint8_t, V>)a, high = (NativeAs<uint8_t, V>)b;
-  return __builtin_shufflevector(low, high, (2 * I + 1)...);
+  return __builtin_shufflevector((NativeAs<uint8_t, V>)a, (NativeAs<uint8_t, V>)b, (2 * I + 1)...);
 }
-template <int N>
-NUQI_INLINE Vec<uint8_t, N> high_bytes(const Vec<int16_t, N>& a) {
-  static_assert(Vec<uint8_t, N>::kRegs == 1);
-  return {{high_bytes_at(a.r[0], a.r[Vec<int16_t, N>::kRegs - 1], typename UpTo<N>::Type{})}};
+template <class T, int N>
+NUQI_INLINE Vec<uint8_t, N> high_bytes(const Vec<T, N>& a) {
+  static_assert(sizeof(T) == 2 && Vec<uint8_t, N>::kRegs == 1);
+  return {{high_bytes_at(a.r[0], a.r[Vec<T, N>::kRegs - 1], typename UpTo<N>::Type{})}};
 }
 
 // 64 bits to bytes, the lowest first: 255 where the bit is set.
