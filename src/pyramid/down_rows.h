@@ -1,5 +1,5 @@
 // Sums along a row for pyramid levels down: blocks of columns, each with sum<weight>(row), the sums times
-// the weight, and store(row, sums), which takes those of both directions.
+// the weight, and store_result(row, sums), which takes those of both directions.
 #pragma once
 
 #include "pyramid/sums.h"
@@ -72,7 +72,7 @@ class DownPermuted {
   static constexpr int n = Reg<T>::kLanes;
 
  public:
-  static constexpr int kSums = n / 2 / channels * channels;
+  static constexpr int kSums = kBlockSums<channels, T>;
 
   NUQI_INLINE DownPermuted(int64_t x, Part part) : x_(x), part_(part) {
     const auto next = pairs_from<2 * channels>(lanes());
@@ -131,7 +131,7 @@ class DownPermuted {
   Reg<uint8_t> after_;  // at the end, the last column's own pixel again
 };
 
-// ---- Floats, away from the edges
+// ---- Floats
 
 // Floats are added in the contract's order.
 template <class S>
@@ -149,7 +149,7 @@ class DownFloats {
   static constexpr int n = Reg<float>::kLanes;
 
  public:
-  static constexpr int kSums = n / channels * channels;
+  static constexpr int kSums = kBlockSums<channels, float>;
 
   NUQI_INLINE DownFloats(int64_t x, Part part) : x_(x), part_(part) {}
   template <int>
@@ -208,7 +208,7 @@ class DownFloats {
   Part part_;
 };
 
-// A pixel of three channels, as it lies.
+// A pixel of three channels, as it lies, away from the edges.
 class DownFloatTriple {
  public:
   static constexpr int kSums = 3;

@@ -1,5 +1,5 @@
-// What both directions of the pyramid share. Sums are floats, or of bytes 16-bit lanes scaled so that the
-// result is the upper byte once 128 has been added; sums of single columns of bytes are int32_t.
+// What both directions of the pyramid share: sums of floats, 16-bit sums of bytes, and int32_t where single
+// columns of bytes are summed.
 #pragma once
 
 #include "core/simd/arithmetic.h"
@@ -39,7 +39,8 @@ struct Place {
 };
 constexpr Place kInside = {false, false};
 
-// Rows that a band has: few of long rows, whose lines would leave L1 before the next block of columns comes.
+// Rows that a band of so many bytes has. Tall bands repeat little of their neighbours' work; those of long
+// rows are left by the prefetchers, and their lines by the cache, before the next block of columns comes.
 NUQI_INLINE int band_rows(int64_t bytes, int64_t row_bytes) {
   constexpr int kFewest = 4, kMost = 32;
   const int64_t rows = bytes / row_bytes;
@@ -54,14 +55,14 @@ NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
   body(to - N);
 }
 
-// Walks all elements of a row, N in a block, where one block reaches both ends or the last one overlaps the
-// one before it: body(start, end, x, part).
 struct No {
   static constexpr bool value = false;
 };
 struct Yes {
   static constexpr bool value = true;
 };
+// Walks all elements of a row, N in a block, where one block reaches both ends or the last one overlaps the
+// one before it: body(start, end, x, part), start and end being a Yes or a No.
 template <int N, class Body>
 NUQI_INLINE void for_whole_row(int64_t elements, const Body& body) {
   if (elements < N) return body(Yes{}, Yes{}, 0, First{int(elements)});
@@ -71,7 +72,7 @@ NUQI_INLINE void for_whole_row(int64_t elements, const Body& body) {
   body(No{}, Yes{}, elements - N, Whole{});
 }
 
-// Sums that a block has, where there are masks: of whole pixels.
+// The sums that fill a register, less those of a part of a pixel.
 template <int channels, class T>
 constexpr int kBlockSums = kRegBytes / (kIsFloat<T> ? 4 : 2) / channels* channels;
 

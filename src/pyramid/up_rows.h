@@ -88,7 +88,7 @@ class UpPermuted {
   using Sums = Vec<uint16_t, n / 2>;
 
  public:
-  static constexpr int kSums = n / 2 / channels * channels;
+  static constexpr int kSums = kBlockSums<channels, T>;
 
   NUQI_INLINE UpPermuted(int64_t x, Part part) : x_(x), part_(part) {
     left_ = start ? inside(mirrored_pairs(lanes())) : pairs_from<0>(lanes());
@@ -151,7 +151,7 @@ class UpPermuted {
   Reg<uint8_t> left_, right_;
 };
 
-// ---- Floats, away from the edges
+// ---- Floats
 
 // Blocks of N lanes; of three channels, whole pixels. Where there are masks also at the row's start or end,
 // where the first or last pixel is summed once more in its own way.
