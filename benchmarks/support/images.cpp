@@ -21,7 +21,7 @@ Images::Images(RoiSize size)
       f32b(pixels(size) * kChannels),
       acc(pixels(size)),
       in(pixels(size) * 32),
-      out(pixels(size) * 24) {
+      out(pixels(size) * 48) {
   uint32_t state = 1;
   const auto noise = [&] { return (state = state * 1664525u + 1013904223u) >> 16; };
   for (size_t i = 0; i < pixels(size) * kChannels; ++i) {
@@ -37,7 +37,7 @@ Images::Images(RoiSize size)
     acc.get()[i] = 1.5f;
   }
   for (size_t i = 0; i < pixels(size) * 32; ++i) in.get()[i] = static_cast<uint8_t>(noise());
-  for (size_t i = 0; i < pixels(size) * 24; ++i) out.get()[i] = 0;
+  for (size_t i = 0; i < pixels(size) * 48; ++i) out.get()[i] = 0;
 }
 
 Images& images(RoiSize size) {

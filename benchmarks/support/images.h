@@ -36,7 +36,7 @@ struct Images {
   Buffer<float> f32, f32b;  // from 1 to 2: no denormals, which cost time of their own
   Buffer<float> acc;
   Buffer<uint8_t> in;   // 32 bytes a pixel, for the sources of a limit
-  Buffer<uint8_t> out;  // 24 bytes a pixel, for any destination
+  Buffer<uint8_t> out;  // 48 bytes a pixel, for any destination
 
   template <class T>
   const T* source() const;

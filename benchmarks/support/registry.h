@@ -78,11 +78,11 @@ struct Limit {
   }
 
   template <int Pixels, Stores stores>
-  static void add(const std::string& limit, const char* loop, RoiSize roi) {
+  static void add(const std::string& limit, const char* loop, RoiSize roi, int area) {
     const std::string name = bench_name(limit, loop, roi);
     if (!first_time(name)) return;
-    register_loop(name, roi, [](const Images& im) {
-      const int64_t pixels = int64_t{im.roi.width} * im.roi.height;
+    register_loop(name, roi, [area](const Images& im) {
+      const int64_t pixels = int64_t{im.roi.width} * im.roi.height / area;
       // The float images have room for the widest streams, of four channels.
       Traffic traffic = {{}, {(uint8_t*)im.acc.get(), (uint8_t*)im.s8b.get()}, {}, pixels};
       place(traffic.sources, im.in.get(), pixels, Sources{});
@@ -94,20 +94,23 @@ struct Limit {
   }
 };
 
-// The limit of a function that reads, updates and writes so many bytes a pixel.
-template <class Sources, class Accumulators = Streams<>, class Destinations = Streams<>>
+// The limit of a function that reads, updates and writes so many bytes a pixel, or for every `area`
+// pixels.
+template <class Sources, class Accumulators = Streams<>, class Destinations = Streams<>,
+          int area = 1>
 void register_limit(const std::string& function, RoiSize roi) {
   const std::string limit =
       "limit:read" + std::to_string(Sources::kBytes) + "in" + std::to_string(Sources::kCount) +
       ",update" + std::to_string(Accumulators::kBytes) + ",write" +
-      std::to_string(Destinations::kBytes) + "in" + std::to_string(Destinations::kCount);
+      std::to_string(Destinations::kBytes) + "in" + std::to_string(Destinations::kCount) +
+      (area == 1 ? "" : ",of" + std::to_string(area));
   set_limit(function, limit);
   using Loops = Limit<Sources, Accumulators, Destinations>;
-  Loops::template add<64, Stores::cached>(limit, "fine", roi);
+  Loops::template add<64, Stores::cached>(limit, "fine", roi, area);
   if (roi.width < 64) return;
-  Loops::template add<1024, Stores::cached>(limit, "coarse", roi);
+  Loops::template add<1024, Stores::cached>(limit, "coarse", roi, area);
   if (Destinations::kCount != 0)
-    Loops::template add<1024, Stores::streaming>(limit, "streaming", roi);
+    Loops::template add<1024, Stores::streaming>(limit, "streaming", roi, area);
 }
 
 }  // namespace nuqi::bench

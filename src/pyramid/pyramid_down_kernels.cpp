@@ -2,35 +2,31 @@
 //
 // A band of rows is walked down block by block, so that the sums along the rows stay in registers until
 // the columns have used them.
-#include "pyramid/sums.h"
+#include "pyramid/down_rows.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
 // ---- Rows
 
-constexpr int kBandRows = 16;  // of the result
-
 template <class T>
 struct DownBand {
-  // Beyond the image's edges the rows are mirrored: those of result row y begin at rows[2 * y].
-  const T* rows[2 * kBandRows + 3];
+  Image<const T> src;  // from the row of the first result's middle on
+  const T* before[2];  // the two rows before that; all are mirrored at the image's edges
   Image<T> dst;
   int count;  // rows of the result
   bool first, last;
 
-  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y)
-      : dst{row_of(job.dst, y), job.dst.step},
-        count(job.roi.height / 2 - y < kBandRows ? int(job.roi.height / 2 - y) : kBandRows),
-        first(y == 0),
-        last(y + count == job.roi.height / 2) {
-    const int64_t end = job.roi.height;
-    for (int i = 0; i < 2 * count + 3; ++i) {
-      int64_t from = 2 * y + i - 2;
-      if (from < 0) from = -from;
-      if (from >= end) from = 2 * end - 2 - from;
-      rows[i] = row_of(job.src, from);
-    }
+  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y, int most) {
+    const int64_t rest = job.roi.height / 2 - y;
+    count = rest < most ? int(rest) : most;
+    first = y == 0;
+    last = rest <= most;
+    const auto row = [&](int64_t i) NUQI_FORCED { return row_of(job.src, i); };
+    src = {row(2 * y), job.src.step};
+    before[0] = first ? row(job.roi.height == 2 ? 0 : 2) : row(2 * y - 2);
+    before[1] = row(first ? 1 : 2 * y - 1);
+    dst = {row_of(job.dst, y), job.dst.step};
   }
   NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
 };
@@ -43,10 +39,10 @@ class ColumnSums {
   static constexpr int kOdd = 4;  // d comes multiplied
 
   NUQI_INLINE ColumnSums(const S& a, const S& b, const S& c)
-      : before_(a + times(b, 4) + times(c, 6)), last_(c) {}
+      : before_(a + times(b, 4) + six_times(c)), last_(c) {}
   NUQI_INLINE S next(const S& four_d, const S& e, Place) {
     const S sum = before_ + four_d + e;
-    before_ = last_ + four_d + times(e, 6);
+    before_ = last_ + four_d + six_times(e);
     last_ = e;
     return sum;
   }
@@ -55,14 +51,6 @@ class ColumnSums {
   S before_, last_;
 };
 
-// Floats are added in the contract's order.
-template <class S>
-NUQI_INLINE S five_taps(const S& a, const S& b, const S& c, const S& d, const S& e, Place place) {
-  if (place.first && place.last) return times(c + d, 8);
-  if (place.first) return times(times(c, 3) + times(d, 4) + e, 2);
-  const S before = a + times(b + d, 4);
-  return place.last ? before + times(c, 7) : before + times(c, 6) + e;
-}
 template <class S>
 class FloatColumnSums {
  public:
@@ -81,23 +69,32 @@ class FloatColumnSums {
   S a_, b_, c_;
 };
 
-// Walks down a block of columns: along.sum<weight>(row) are its sums along a row, times the weight;
-// put(y, sums) takes those of both directions.
-template <class Sums, class T, class Along, class Put>
-NUQI_INLINE void walk(const DownBand<T>& band, const Along& along, const Put& put) {
-  const T* const* rows = band.rows;
-  Sums sums(along.template sum<1>(rows[0]), along.template sum<1>(rows[1]),
-            along.template sum<1>(rows[2]));
-  for (int y = 0; y < band.count; ++y, rows += 2)
-    put(row_of(band.dst, y), sums.next(along.template sum<Sums::kOdd>(rows[3]),
-                                       along.template sum<1>(rows[4]), band.place(y)));
+// Walks down a block of columns.
+template <class Sums, class Block, class T>
+NUQI_INLINE void walk(const DownBand<T>& band, const Block& block) {
+  Sums sums(block.template sum<1>(band.before[0]), block.template sum<1>(band.before[1]),
+            block.template sum<1>(band.src.data));
+  for (int y = 0; y < band.count; ++y) {
+    const Place place = band.place(y);
+    const auto odd = block.template sum<Sums::kOdd>(row_of(band.src, 2 * y + 1));
+    const auto even = block.template sum<1>(row_of(band.src, place.last ? 2 * y : 2 * y + 2));
+    block.store_result(row_of(band.dst, y), sums.next(odd, even, place));
+  }
+}
+template <class T, class Block>
+NUQI_INLINE void walk(const DownBand<T>& band, const Block& block) {
+  using S = decltype(block.template sum<1>(band.src.data));
+  if constexpr (kIsFloat<T>)
+    walk<FloatColumnSums<S>>(band, block);
+  else
+    walk<ColumnSums<S>>(band, block);
 }
 
 // ---- Single columns: those at the edges, and all of narrow images
 
 template <int channels, class T>
-struct AlongColumn {
-  using S = PixelSum<T>;
+struct DownColumn {
+  using S = ColumnSum<T>;
   int64_t j, half;
   int channel;
 
@@ -107,37 +104,78 @@ struct AlongColumn {
       return static_cast<S>(load_one(row + x * channels + channel));
     };
     const Place place = {j == 0, j == half - 1};
-    const S before = place.first ? S{} : s(2 * j - 2), left = s(place.first ? 1 : 2 * j - 1);
-    const S after = !place.last ? s(2 * j + 2) : place.first ? s(0) : s(2 * j);
+    const S right = place.last ? S{} : s(2 * j + 2);
+    const S after = !place.last ? right : place.first ? s(0) : s(2 * j);
+    const S before = place.first ? after : s(2 * j - 2), left = s(place.first ? 1 : 2 * j - 1);
     if constexpr (kIsFloat<T>)
-      return five_taps(before, left, s(2 * j), s(2 * j + 1), after, place);
+      return five_taps(before, left, s(2 * j), s(2 * j + 1), right, place);
     else
-      return weight * (place.first ? after : before) + weight * 4 * (left + s(2 * j + 1)) +
-             weight * 6 * s(2 * j) + weight * after;
+      return weight * (before + 4 * (left + s(2 * j + 1)) + 6 * s(2 * j) + after);
+  }
+  NUQI_INLINE void store_result(T* row, S sum) const {
+    if constexpr (kIsFloat<T>)
+      store_one(row + j * channels + channel, sum * 0.00390625f);
+    else
+      store_one(row + j * channels + channel, static_cast<T>((sum + 128) >> 8));
   }
 };
 
 template <int channels, class T>
 NUQI_NOINLINE void down_columns(const DownBand<T>& band, int64_t from, int64_t to, int64_t half) {
-  using S = PixelSum<T>;
-  using Sums = typename IfElse<kIsFloat<T>, FloatColumnSums<S>, ColumnSums<S>>::Type;
   for (int64_t j = from; j < to; ++j)
     for (int channel = 0; channel < channels; ++channel)
-      walk<Sums>(band, AlongColumn<channels, T>{j, half, channel}, [&](T* row, S sum) NUQI_FORCED {
-        T* const at = row + j * channels + channel;
+      walk(band, DownColumn<channels, T>{j, half, channel});
+}
+
+// ---- Rows
+
+// With masks: blocks that reach the row's ends.
+template <int channels, class T>
+NUQI_INLINE void walk_all(const DownBand<T>& band, int64_t half) {
+  for_whole_row<kBlockSums<channels, T>>(
+      half * channels, [&](auto start, auto end, int64_t x, auto part) NUQI_FORCED {
+        using Part = decltype(part);
         if constexpr (kIsFloat<T>)
-          store_one(at, sum * 0.00390625f);
+          walk(band, DownFloats<channels, start.value, end.value, Part>(x, part));
         else
-          store_one(at, static_cast<T>((sum + 128) >> 8));
+          walk(band, DownPermuted<channels, T, start.value, end.value, Part>(x, part));
       });
+}
+
+template <int channels, class T>
+struct DownInside {
+  using Type = typename IfElse<channels == 1, DownPairs<T>, DownTriples<T>>::Type;
+};
+template <int channels>
+struct DownInside<channels, float> {
+  using Type =
+      typename IfElse<channels == 1, DownFloats<1, false, false, Whole>, DownFloatTriple>::Type;
+};
+
+// Without masks: whole blocks between the edges.
+template <int channels, class T>
+NUQI_INLINE void walk_inside(const DownBand<T>& band, int64_t half) {
+  using Block = typename DownInside<channels, T>::Type;
+  const int64_t inside = (half - 2) * channels;
+  if (inside < Block::kSums) return down_columns<channels>(band, 0, half, half);
+  for_whole_blocks<Block::kSums>(channels, channels + inside,
+                                 [&](int64_t x) NUQI_FORCED { walk(band, Block(x, Whole{})); });
+  down_columns<channels>(band, 0, 1, half);
+  down_columns<channels>(band, half - 1, half, half);
 }
 
 template <int channels, class T>
 void down(const PyramidJob<T>& job) {
   const int64_t half = job.roi.width / 2;
-  for (int64_t y = 0; y < job.roi.height / 2; y += kBandRows) {
-    const DownBand<T> band(job, y);
-    down_columns<channels>(band, 0, half, half);
+  const int rows = band_rows(131072, (4 + 1) * half * channels * int{sizeof(T)});
+  for (int64_t y = 0; y < job.roi.height / 2; y += rows) {
+    const DownBand<T> band(job, y, rows);
+    if constexpr (!Machine::kMasks)
+      walk_inside<channels>(band, half);
+    else if (half == 1)
+      down_columns<channels>(band, 0, 1, 1);
+    else
+      walk_all<channels>(band, half);
   }
 }
 

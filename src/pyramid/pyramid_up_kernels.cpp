@@ -2,79 +2,58 @@
 //
 // A band of rows is walked down block by block, so that the sums along the rows stay in registers until
 // the columns have used them.
-#include "pyramid/sums.h"
+#include "pyramid/up_rows.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
 // ---- Rows
 
-constexpr int kBandRows = 8;  // of the source
-
 template <class T>
 struct UpBand {
-  // The row before the image's first is its second, that behind its last the last again: those of
-  // source row y begin at rows[y].
-  const T* rows[kBandRows + 2];
+  Image<const T> src;
+  const T* before;  // the row before; the image's second before its first
   Image<T> dst;
   int count;  // rows of the source
   bool first, last;
 
-  NUQI_INLINE UpBand(const PyramidJob<T>& job, int64_t y)
-      : dst{row_of(job.dst, 2 * y), job.dst.step},
-        count(job.roi.height - y < kBandRows ? int(job.roi.height - y) : kBandRows),
-        first(y == 0),
-        last(y + count == job.roi.height) {
-    const int64_t end = job.roi.height;
-    for (int i = 0; i < count + 2; ++i) {
-      int64_t from = y + i - 1;
-      if (from < 0) from = 1;
-      if (from >= end) from = end - 1;
-      rows[i] = row_of(job.src, from);
-    }
+  NUQI_INLINE UpBand(const PyramidJob<T>& job, int64_t y, int most) {
+    const int64_t rest = job.roi.height - y;
+    count = rest < most ? int(rest) : most;
+    first = y == 0;
+    last = rest <= most;
+    src = {row_of(job.src, y), job.src.step};
+    before = row_of(job.src, !first ? y - 1 : job.roi.height > 1 ? 1 : 0);
+    dst = {row_of(job.dst, 2 * y), job.dst.step};
   }
   NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
 };
 
-// ---- Both directions: of three neighbours, the sums at b and between b and c
-
-template <class S>
-struct UpSums {
-  S even, odd;
-};
-
-template <class S>
-NUQI_INLINE UpSums<S> three_taps(const S& a, const S& b, const S& c) {
-  return {a + c + times(b, 6), times(b + c, 4)};
+// Of sums along rows, those of both directions.
+NUQI_INLINE UpSums<int32_t> taps(int32_t a, int32_t b, int32_t c, Place) {
+  return three_taps(a, b, c);
 }
-// Floats are added in the contract's order.
-template <class S>
-NUQI_INLINE UpSums<S> float_taps(const S& a, const S& b, const S& c, Place place) {
-  if (place.first && place.last) return {times(b, 8), times(b, 8)};
-  if (place.last) return {a + times(b, 7), times(b, 8)};
-  const S odd = times(b + c, 4);
-  return {place.first ? times(times(b, 3) + c, 2) : a + times(b, 6) + c, odd};
+template <int N>
+NUQI_INLINE UpSums<Vec<uint16_t, N>> taps(const Vec<uint16_t, N>& a, const Vec<uint16_t, N>& b,
+                                          const Vec<uint16_t, N>& c, Place) {
+  return offset_taps(a, b, c);
+}
+template <class Floats>
+NUQI_INLINE UpSums<Floats> taps(const Floats& a, const Floats& b, const Floats& c, Place place) {
+  return float_taps(a, b, c, place);
 }
 
-template <class T, class S>
-NUQI_INLINE UpSums<S> taps(const S& a, const S& b, const S& c, Place place) {
-  if constexpr (kIsFloat<T>)
-    return float_taps(a, b, c, place);
-  else
-    return three_taps(a, b, c);
-}
-
-// Walks down a block of columns: along.sums(row) are its sums along a row; put(row, sums) takes those of
-// both directions.
-template <class T, class Along, class Put>
-NUQI_INLINE void walk(const UpBand<T>& band, const Along& along, const Put& put) {
-  auto a = along.sums(band.rows[0]), b = along.sums(band.rows[1]);
+// Walks down a block of columns.
+template <class T, class Block>
+NUQI_INLINE void walk(const UpBand<T>& band, const Block& block) {
+  auto a = block.sums(band.before), b = block.sums(band.src.data);
   for (int y = 0; y < band.count; ++y) {
-    const auto c = along.sums(band.rows[y + 2]);
-    const auto even = taps<T>(a.even, b.even, c.even, band.place(y));
-    const auto odd = taps<T>(a.odd, b.odd, c.odd, band.place(y));
-    put(row_of(band.dst, 2 * y), even.even, odd.even);
-    put(row_of(band.dst, 2 * y + 1), even.odd, odd.odd);
+    const Place place = band.place(y);
+    const auto c = block.sums(row_of(band.src, place.last ? y : y + 1));
+    const auto even = taps(a.even, b.even, c.even, place);
+    const auto odd = taps(a.odd, b.odd, c.odd, place);
+    block.store_result(row_of(band.dst, 2 * y), {even.even, odd.even});
+    block.store_result(row_of(band.dst, 2 * y + 1), {even.odd, odd.odd});
     a = b;
     b = c;
   }
@@ -83,8 +62,8 @@ NUQI_INLINE void walk(const UpBand<T>& band, const Along& along, const Put& put)
 // ---- Single columns: those at the edges, and all of narrow images
 
 template <int channels, class T>
-struct AlongColumn {
-  using S = PixelSum<T>;
+struct UpColumn {
+  using S = ColumnSum<T>;
   int64_t i, width;
   int channel;
 
@@ -94,35 +73,78 @@ struct AlongColumn {
     };
     const Place place = {i == 0, i == width - 1};
     const S after = s(place.last ? i : i + 1);
-    return taps<T>(place.first ? after : s(i - 1), s(i), after, place);
+    return taps(place.first ? after : s(i - 1), s(i), after, place);
+  }
+  NUQI_INLINE void store_result(T* row, const UpSums<S>& sums) const {
+    T* const to = row + 2 * i * channels + channel;
+    store_one(to, result(sums.even));
+    store_one(to + channels, result(sums.odd));
+  }
+  static NUQI_INLINE T result(S sum) {
+    if constexpr (kIsFloat<T>)
+      return sum * 0.015625f;
+    else
+      return static_cast<T>((sum + 32) >> 6);
   }
 };
 
 template <int channels, class T>
 NUQI_NOINLINE void up_columns(const UpBand<T>& band, int64_t from, int64_t to, int64_t width) {
-  using S = PixelSum<T>;
-  const auto result = [](S sum) NUQI_FORCED {
-    if constexpr (kIsFloat<T>)
-      return sum * 0.015625f;
-    else
-      return static_cast<T>((sum + 32) >> 6);
-  };
   for (int64_t i = from; i < to; ++i)
     for (int channel = 0; channel < channels; ++channel)
-      walk(band, AlongColumn<channels, T>{i, width, channel},
-           [&](T* row, S even, S odd) NUQI_FORCED {
-             T* const at = row + 2 * i * channels + channel;
-             store_one(at, result(even));
-             store_one(at + channels, result(odd));
-           });
+      walk(band, UpColumn<channels, T>{i, width, channel});
+}
+
+// ---- Rows
+
+// With masks: blocks that reach the row's ends.
+template <int channels, class T>
+NUQI_INLINE void walk_all(const UpBand<T>& band, int64_t width) {
+  for_whole_row<kBlockSums<channels, T>>(
+      width * channels, [&](auto start, auto end, int64_t x, auto part) NUQI_FORCED {
+        using Part = decltype(part);
+        if constexpr (kIsFloat<T>)
+          walk(band, UpFloats<channels, Reg<T>::kLanes, start.value, end.value, Part>(x, part));
+        else
+          walk(band, UpPermuted<channels, T, start.value, end.value, Part>(x, part));
+      });
+}
+
+template <int channels, class T>
+struct UpInside {
+  using Type = UpWidened<channels, T>;
+};
+template <int channels>
+struct UpInside<channels, float> {
+  using Type = UpFloats<channels, channels == 1 ? Reg<float>::kLanes : 4, false, false, Whole>;
+};
+
+// Without masks: whole blocks between the edges.
+template <int channels, class T>
+NUQI_INLINE void walk_inside(const UpBand<T>& band, int64_t width) {
+  using Block = typename UpInside<channels, T>::Type;
+  // A block of three channels loads an element beyond the pixels next to it.
+  constexpr int kLast = channels == 3 ? 2 : 1;
+  const int64_t inside = (width - 1 - kLast) * channels;
+  if (inside < Block::kSums) return up_columns<channels>(band, 0, width, width);
+  for_whole_blocks<Block::kSums>(channels, channels + inside,
+                                 [&](int64_t x) NUQI_FORCED { walk(band, Block(x, Whole{})); });
+  up_columns<channels>(band, 0, 1, width);
+  up_columns<channels>(band, width - kLast, width, width);
 }
 
 template <int channels, class T>
 void up(const PyramidJob<T>& job) {
   const int64_t width = job.roi.width;
-  for (int64_t y = 0; y < job.roi.height; y += kBandRows) {
-    const UpBand<T> band(job, y);
-    up_columns<channels>(band, 0, width, width);
+  const int rows = band_rows(65536, (1 + 4) * width * channels * int{sizeof(T)});
+  for (int64_t y = 0; y < job.roi.height; y += rows) {
+    const UpBand<T> band(job, y, rows);
+    if constexpr (!Machine::kMasks)
+      walk_inside<channels>(band, width);
+    else if (kIsFloat<T> && width == 1)
+      up_columns<channels>(band, 0, 1, 1);
+    else
+      walk_all<channels>(band, width);
   }
 }
 

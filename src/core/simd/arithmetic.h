@@ -36,6 +36,13 @@ NUQI_INLINE Vec<int16_t, N> add_saturated(const Vec<int16_t, N>& a, const Vec<in
       [&](int i) NUQI_FORCED { return machine::add_saturated(a.r[i], b.r[i]); });
 }
 
+// The averages of unsigned lanes, rounded up.
+template <int N>
+NUQI_INLINE Vec<uint16_t, N> average(const Vec<uint16_t, N>& a, const Vec<uint16_t, N>& b) {
+  return generate<Vec<uint16_t, N>>(
+      [&](int i) NUQI_FORCED { return machine::average(a.r[i], b.r[i]); });
+}
+
 // Magnitudes: 128 of -128.
 template <int N>
 NUQI_INLINE Vec<uint8_t, N> abs(const Vec<int8_t, N>& a) {

@@ -76,6 +76,17 @@ NUQI_INLINE Vec<int16_t, N / 2> odd_bytes(const Vec<T, N>& a) {
   });
 }
 
+// The upper bytes of 16-bit lanes.
+template <class V, int... I>
+NUQI_INLINE auto high_bytes_at(const V& a, const V& b, Indices<I...>) {
+  return __builtin_shufflevector((NativeAs<uint8_t, V>)a, (NativeAs<uint8_t, V>)b, (2 * I + 1)...);
+}
+template <class T, int N>
+NUQI_INLINE Vec<uint8_t, N> high_bytes(const Vec<T, N>& a) {
+  static_assert(sizeof(T) == 2 && Vec<uint8_t, N>::kRegs == 1);
+  return {{high_bytes_at(a.r[0], a.r[Vec<T, N>::kRegs - 1], typename UpTo<N>::Type{})}};
+}
+
 // 64 bits to bytes, the lowest first: 255 where the bit is set.
 NUQI_INLINE Vec<uint8_t, 64> bytes_of_bits(uint64_t bits) {
   using Out = Vec<uint8_t, 64>;

@@ -94,6 +94,10 @@ NUQI_INLINE V subtract_saturated(const V& a, const V& b) {
   return (V)_mm256_subs_epi16((__m256i)a, (__m256i)b);
 }
 template <Ymm V>
+NUQI_INLINE V average(const V& a, const V& b) {
+  return (V)_mm256_avg_epu16((__m256i)a, (__m256i)b);
+}
+template <Ymm V>
 NUQI_INLINE V multiply_high(const V& a, const V& b) {
   return (V)_mm256_mulhi_epi16((__m256i)a, (__m256i)b);
 }

@@ -125,6 +125,10 @@ NUQI_INLINE V subtract_saturated(const V& a, const V& b) {
   return (V)_mm512_subs_epi16((__m512i)a, (__m512i)b);
 }
 template <Zmm V>
+NUQI_INLINE V average(const V& a, const V& b) {
+  return (V)_mm512_avg_epu16((__m512i)a, (__m512i)b);
+}
+template <Zmm V>
 NUQI_INLINE V multiply_high(const V& a, const V& b) {
   return (V)_mm512_mulhi_epi16((__m512i)a, (__m512i)b);
 }

@@ -195,6 +195,12 @@ NUQI_INLINE V subtract_saturated(const V& a, const V& b) {
   return ((a ^ b) & (a ^ rest)) < V{} ? limit : rest;
 }
 
+// Of unsigned lanes, rounded up.
+template <class V>
+NUQI_INLINE V average(const V& a, const V& b) {
+  return (a | b) - ((a ^ b) >> 1);
+}
+
 // The upper halves of the products.
 template <class V>
 NUQI_INLINE V multiply_high(const V& a, const V& b) {

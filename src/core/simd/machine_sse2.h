@@ -42,6 +42,10 @@ NUQI_INLINE V subtract_saturated(const V& a, const V& b) {
   return (V)_mm_subs_epi16((__m128i)a, (__m128i)b);
 }
 template <Xmm V>
+NUQI_INLINE V average(const V& a, const V& b) {
+  return (V)_mm_avg_epu16((__m128i)a, (__m128i)b);
+}
+template <Xmm V>
 NUQI_INLINE V multiply_high(const V& a, const V& b) {
   return (V)_mm_mulhi_epi16((__m128i)a, (__m128i)b);
 }
