@@ -11,15 +11,15 @@ constexpr bool kDiagonal = true;
 
 // 64 pixels of a row, the first in the lowest bit. The buffer, and so a word, has any alignment.
 struct __attribute__((packed, may_alias)) FillWord {
-  uint64_t open;    // pixels that may join and have not been reached
-  uint64_t filled;  // the region's
-  uint64_t
-      pending;  // open pixels that join, to be visited. Words with any stand in the queue, once
+  uint64_t open;     // pixels that may join and have not been reached
+  uint64_t filled;   // the region's
+  uint64_t pending;  // open pixels that join, to be visited
+  uint64_t queued;   // whether the word stands in the queue, where it stands but once
 };
 
-// Which words of a row hold anything: those from `first` to `end` - 1.
+// Which words of a row hold anything: `count` of them from `first` on.
 struct __attribute__((packed, may_alias)) FillRow {
-  int32_t first, end;
+  int32_t first, count;
 };
 
 // Where a word lies: its row, and its number in the row.
@@ -46,8 +46,8 @@ constexpr FillPlan plan_fill(RoiSize roi) {
   return plan;
 }
 
-// Narrower images have no room for words in their 6 bytes a pixel. A row takes 8 bytes and 32 a word:
-// 40 of the 48 at a width of 8, and every further word comes with 64 pixels, which bring 384.
+// Narrower images have no room for words in their 6 bytes a pixel. A row takes 8 bytes and 40 a word: all
+// of the 48 at a width of 8. A second word takes 40 more from a width of 65 on, which brings 390.
 constexpr int32_t kFillNarrow = 8;
 
 // What both kinds of fills hand to their kernels.

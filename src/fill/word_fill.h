@@ -54,9 +54,15 @@ NUQI_INLINE uint64_t spread(const RowSteps& steps, uint64_t seeds) {
 
 // ---- The search
 
+// Rows whose range of words is known, if only to be empty.
+struct RowRange {
+  int32_t top, bottom;
+};
+
 constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
 
-// Breadth first, by words: a word waits in the queue while more of its pixels are reached.
+// Breadth first, by words: a word waits in the queue while more of its pixels are reached. A visit takes
+// all words of the row that its region runs into on either side, and then looks at the rows next to it.
 //
 // A visit turns at least one open pixel into a filled one, so there are no more visits than pixels.
 // Words hold nothing until the region comes near: of each row those between the leftmost and the
@@ -64,93 +70,166 @@ constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
 template <bool diagonal, class Rule, class T>
 class Search {
  public:
-  NUQI_INLINE Search(const Rule& rule, const FillJob<T>& job) : rule_(rule), job_(job) {}
+  NUQI_INLINE Search(const Rule& rule, const FillJob<T>& job)
+      : rule_(rule),
+        job_(job),
+        row_words_(job.row_words),
+        ring_(job.row_words * job.roi.height),
+        height_(job.roi.height),
+        rows_(job.rows),
+        words_(job.words),
+        queue_(job.queue) {}
 
-  NUQI_INLINE void run() {
+  NUQI_INLINE RowRange run() {
     const PixelPoint seed = job_.seed;
-    top_ = seed.y, bottom_ = seed.y - 1;
-    offer(seed.y, seed.x / kFillWordPixels, kFirstPixel << seed.x % kFillWordPixels);
-    while (waiting_ != 0) {
-      const FillPlace place = job_.queue[head_];
-      if (++head_ == ring_) head_ = 0;
-      --waiting_;
+    RowRange known = {seed.y, seed.y};
+    known_ = &known;
+    rows_[seed.y] = {0, 0};
+    const int32_t k = seed.x / kFillWordPixels;
+    offer(ready(seed.y, k, seed.y), seed.y, k, kFirstPixel << seed.x % kFillWordPixels);
+    while (waiting_ != 0 || next_.y >= 0) {
+      FillPlace place = next_;
+      next_.y = -1;
+      if (place.y < 0) {
+        place = queue_[head_];
+        if (++head_ == ring_) head_ = 0;
+        --waiting_;
+      }
+      row_words(place.y)[place.k].queued = 0;
       visit(place.y, place.k);
     }
+    return known;
   }
-  int32_t top() const { return top_; }
-  int32_t bottom() const { return bottom_; }
 
  private:
-  // The word. It is made ready before, with all between it and those that are.
-  NUQI_INLINE FillWord& ready(int32_t y, int32_t k) {
-    if (y < top_ || y > bottom_ || k < job_.rows[y].first || k >= job_.rows[y].end) prepare(y, k);
-    return job_.words[y * job_.row_words + k];
+  NUQI_INLINE FillWord* row_words(int32_t y) const { return words_ + y * row_words_; }
+
+  // The word, which is made ready first; it is asked for from row `from`.
+  NUQI_INLINE FillWord& ready(int32_t y, int32_t k, int32_t from) {
+    const FillRow row = rows_[y];
+    if (uint32_t(k - row.first) >= uint32_t(row.count)) prepare(rule_, job_, *known_, y, k, from);
+    return row_words(y)[k];
   }
-  __attribute__((noinline)) void prepare(int32_t y, int32_t k) {
-    if (y < top_) job_.rows[top_ = y] = {k, k};
-    if (y > bottom_) job_.rows[bottom_ = y] = {k, k};
-    FillRow& row = job_.rows[y];
-    FillWord* const words = job_.words + y * job_.row_words;
-    for (; k < row.first; --row.first)
-      words[row.first - 1] = {rule_.matching(y, row.first - 1), 0, 0};
-    for (; k >= row.end; ++row.end) words[row.end] = {rule_.matching(y, row.end), 0, 0};
+  // With it all that the region will ask for, as the words of row `from` tell, and what lies between.
+  static __attribute__((noinline)) void prepare(const Rule& rule, const FillJob<T>& job,
+                                                RowRange& known, int32_t y, int32_t k,
+                                                int32_t from) {
+    if (y > 0 && y == known.top) job.rows[--known.top] = {0, 0};
+    if (y + 1 < job.roi.height && y == known.bottom) job.rows[++known.bottom] = {0, 0};
+    const FillRow other = job.rows[from];
+    const FillWord* const beside = job.words + from * job.row_words;
+    int32_t first = k, end = k + 1;
+    if (from != y) {
+      while (first > other.first && beside[first - 1].filled != 0) --first;
+      while (end < other.first + other.count && beside[end].filled != 0) ++end;
+    }
+
+    FillWord* const words = job.words + y * job.row_words;
+    FillRow row = job.rows[y];
+    if (row.count == 0) row.first = first;
+    for (int32_t i = row.first; i-- > first;) words[i] = {rule.matching(y, i), 0, 0, 0};
+    for (int32_t i = row.first + row.count; i < end; ++i) words[i] = {rule.matching(y, i), 0, 0, 0};
+    if (end < row.first + row.count) end = row.first + row.count;
+    if (first > row.first) first = row.first;
+    job.rows[y] = {first, end - first};
   }
 
-  NUQI_INLINE void offer(int32_t y, int32_t k, uint64_t pixels) {
-    FillWord& word = ready(y, k);
+  NUQI_INLINE void push(int32_t y, int32_t k) {
+    int64_t tail = head_ + waiting_++;
+    if (tail >= ring_) tail -= ring_;
+    queue_[tail] = {y, k};
+  }
+  NUQI_INLINE void offer(FillWord& word, int32_t y, int32_t k, uint64_t pixels) {
     const uint64_t hit = word.open & pixels;
     if (hit == 0) return;
-    if (word.pending == 0) {
-      int64_t tail = head_ + waiting_++;
-      if (tail >= ring_) tail -= ring_;
-      job_.queue[tail] = {y, k};
-    }
     word.pending |= hit;
+    if (word.queued != 0) return;
+    word.queued = 1;
+    if (next_.y < 0)
+      next_ = {y, k};
+    else
+      push(y, k);
   }
 
   NUQI_INLINE void visit(int32_t y, int32_t k) {
-    FillWord& word = job_.words[y * job_.row_words + k];
-    const uint64_t open = word.open, seeds = word.pending;
-    const uint64_t found = spread(rule_.in_row(y, k, open), seeds);
+    FillWord* const words = row_words(y);
+    if (words[k].pending == 0) return;  // taken along by a word beside it
+    int32_t first = k, last = k;
+    uint64_t found = take(words[k], y, k);
+    for (uint64_t end = found; crosses<1>(y, last, end); ++last) {
+      words[last + 1].pending |= kFirstPixel;
+      end = take(words[last + 1], y, last + 1);
+    }
+    for (uint64_t end = found; crosses<-1>(y, first, end); --first) {
+      words[first - 1].pending |= kLastPixel;
+      end = take(words[first - 1], y, first - 1);
+    }
+    if (y > 0) next_row(y, first, last, -1);
+    if (y + 1 < height_) next_row(y, first, last, 1);
+  }
+  // Fills what is reached within the word; gives it.
+  NUQI_INLINE uint64_t take(FillWord& word, int32_t y, int32_t k) {
+    const uint64_t open = word.open;
+    const uint64_t found = spread(rule_.in_row(y, k, open), word.pending);
     word.open = open & ~found;
     word.filled |= found;
     word.pending = 0;
-
-    beside<-1>(y, k, 0, found);
-    beside<1>(y, k, 0, found);
-    if (y > 0) next_row(y, k, -1, found);
-    if (y + 1 < job_.roi.height) next_row(y, k, 1, found);
+    return found;
   }
-
-  // From the word's end pixel to the neighbour beyond it.
+  // Whether the region goes on from the word's end pixel to the next word of the row.
   template <int dx>
-  NUQI_INLINE void beside(int32_t y, int32_t k, int dy, uint64_t found) {
-    const uint64_t from = dx < 0 ? kFirstPixel : kLastPixel;
-    if ((found & from) == 0 || (dx < 0 ? k == 0 : k + 1 == job_.row_words)) return;
-    const int32_t x = k * kFillWordPixels + (dx < 0 ? 0 : kFillWordPixels - 1);
-    if (rule_.joins(x, y, dx, dy)) offer(y + dy, k + dx, dx < 0 ? kLastPixel : kFirstPixel);
+  NUQI_INLINE bool crosses(int32_t y, int32_t k, uint64_t found) {
+    if (!has_beside<dx>(k, found)) return false;
+    if ((ready(y, k + dx, y).open & (dx < 0 ? kLastPixel : kFirstPixel)) == 0) return false;
+    return rule_.joins(end_pixel<dx>(k), y, dx, 0);
   }
 
-  NUQI_INLINE void next_row(int32_t y, int32_t k, int dy, uint64_t found) {
-    const uint64_t near = diagonal ? found | found << 1 | found >> 1 : found;
-    const uint64_t open = ready(y + dy, k).open;
-    if ((near & open) != 0) {
-      uint64_t hit = found & rule_.steps(y, k, 0, dy);
-      if constexpr (diagonal)
-        hit |= (found & rule_.steps(y, k, 1, dy)) << 1 | (found & rule_.steps(y, k, -1, dy)) >> 1;
-      offer(y + dy, k, hit);
+  template <int dx>
+  NUQI_INLINE bool has_beside(int32_t k, uint64_t found) const {
+    return (found & (dx < 0 ? kFirstPixel : kLastPixel)) != 0 &&
+           (dx < 0 ? k > 0 : k + 1 < row_words_);
+  }
+  template <int dx>
+  NUQI_INLINE static int32_t end_pixel(int32_t k) {
+    return k * kFillWordPixels + (dx < 0 ? 0 : kFillWordPixels - 1);
+  }
+
+  // Offers what is reached from a row's words to the row dy further on.
+  NUQI_INLINE void next_row(int32_t y, int32_t first, int32_t last, int dy) {
+    for (int32_t k = first; k <= last; ++k) {
+      const uint64_t filled = row_words(y)[k].filled;
+      const uint64_t near = diagonal ? filled | filled << 1 | filled >> 1 : filled;
+      FillWord& word = ready(y + dy, k, y);
+      if ((near & word.open) != 0) {
+        uint64_t reached = filled & rule_.steps(y, k, 0, dy);
+        if constexpr (diagonal)
+          reached |=
+              (filled & rule_.steps(y, k, 1, dy)) << 1 | (filled & rule_.steps(y, k, -1, dy)) >> 1;
+        offer(word, y + dy, k, reached);
+      }
+      if constexpr (diagonal) {
+        corner<-1>(y, k, dy, filled);
+        corner<1>(y, k, dy, filled);
+      }
     }
-    if constexpr (diagonal) {
-      beside<-1>(y, k, dy, found);
-      beside<1>(y, k, dy, found);
-    }
+  }
+  template <int dx>
+  NUQI_INLINE void corner(int32_t y, int32_t k, int dy, uint64_t filled) {
+    if (has_beside<dx>(k, filled) && rule_.joins(end_pixel<dx>(k), y, dx, dy))
+      offer(ready(y + dy, k + dx, y), y + dy, k + dx, dx < 0 ? kLastPixel : kFirstPixel);
   }
 
   const Rule& rule_;
   const FillJob<T>& job_;
-  const int64_t ring_ = job_.row_words * job_.roi.height;
+  // Copies: as far as the compiler knows, what is stored to words might change the job.
+  const int64_t row_words_, ring_;
+  const int32_t height_;
+  FillRow* const rows_;
+  FillWord* const words_;
+  FillPlace* const queue_;
+  RowRange* known_ = nullptr;
   int64_t head_ = 0, waiting_ = 0;
-  int32_t top_ = 0, bottom_ = 0;
+  FillPlace next_ = {-1, 0};  // visited before those of the queue; none where y is negative
 };
 
 // ---- Output
@@ -174,15 +253,15 @@ NUQI_INLINE void paint(float* at, uint64_t pixels, float value, Part part) {
 
 // Paints what is filled, and measures it.
 template <class T>
-NUQI_INLINE FillRegion write(const FillJob<T>& job, int32_t top, int32_t bottom) {
+NUQI_INLINE FillRegion write(const FillJob<T>& job, RowRange range) {
   int64_t area = 0;
-  int32_t left = job.roi.width, right = -1, first = bottom, last = top;
-  for (int32_t y = top; y <= bottom; ++y) {
+  int32_t left = job.roi.width, right = -1, first = range.bottom, last = range.top;
+  for (int32_t y = range.top; y <= range.bottom; ++y) {
     const FillRow row = job.rows[y];
     const FillWord* words = job.words + y * job.row_words;
     T* const pixels = row_of(job.image, y);
     bool any = false;
-    for (int32_t k = row.first; k < row.end; ++k) {
+    for (int32_t k = row.first; k < row.first + row.count; ++k) {
       const uint64_t filled = words[k].filled;
       if (filled == 0) continue;
       const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
@@ -204,8 +283,7 @@ NUQI_INLINE FillRegion write(const FillJob<T>& job, int32_t top, int32_t bottom)
 template <bool diagonal, class Rule, class T>
 NUQI_INLINE FillRegion fill_words(const Rule& rule, const FillJob<T>& job) {
   Search<diagonal, Rule, T> search(rule, job);
-  search.run();
-  return write(job, search.top(), search.bottom());
+  return write(job, search.run());
 }
 
 }  // namespace
