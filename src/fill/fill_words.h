@@ -12,14 +12,14 @@ constexpr bool kDiagonal = true;
 // 64 pixels of a row, the first in the lowest bit. The buffer, and so a word, has any alignment.
 struct __attribute__((packed, may_alias)) FillWord {
   uint64_t open;     // pixels that may join and have not been reached
-  uint64_t filled;   // the region's
   uint64_t pending;  // open pixels that join, to be visited
   uint64_t queued;   // whether the word stands in the queue, where it stands but once
+  uint64_t found;    // what the last visit has filled
 };
 
-// Which words of a row hold anything: `count` of them from `first` on.
+// Which words of a row hold anything: those from `first` to `end` - 1.
 struct __attribute__((packed, may_alias)) FillRow {
-  int32_t first, count;
+  int32_t first, end;
 };
 
 // Where a word lies: its row, and its number in the row.

@@ -9,6 +9,8 @@ namespace {
 template <class T>
 class Equality {
  public:
+  static constexpr bool kLocal = true;
+
   NUQI_INLINE explicit Equality(const FillJob<T>& job)
       : image_(job.image),
         width_(job.roi.width),

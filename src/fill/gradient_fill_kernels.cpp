@@ -74,6 +74,8 @@ class Joins<float> {
 template <class T>
 class Gradient {
  public:
+  static constexpr bool kLocal = false;
+
   NUQI_INLINE Gradient(const FillJob<T>& job, const FillDeltas<T>& deltas)
       : image_(job.image), width_(job.roi.width), joins_(deltas) {}
 

@@ -6,6 +6,7 @@
 //   steps(y, k, dx, dy)     the pixels of a word from which a step leads dx columns and dy rows further
 //   joins(x, y, dx, dy)     whether such a step leads on from one pixel
 // Steps are held against `open`: what they say of pixels that are not open makes no difference.
+//   kLocal                  whether all open pixels join; only then may pixels be painted when found
 #pragma once
 
 #include "core/simd/convert.h"
@@ -52,187 +53,7 @@ NUQI_INLINE uint64_t spread(const RowSteps& steps, uint64_t seeds) {
   return found;
 }
 
-// ---- The search
-
-// Rows whose range of words is known, if only to be empty.
-struct RowRange {
-  int32_t top, bottom;
-};
-
-constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
-
-// Breadth first, by words: a word waits in the queue while more of its pixels are reached. A visit takes
-// all words of the row that its region runs into on either side, and then looks at the rows next to it.
-//
-// A visit turns at least one open pixel into a filled one, so there are no more visits than pixels.
-// Words hold nothing until the region comes near: of each row those between the leftmost and the
-// rightmost that were asked for.
-template <bool diagonal, class Rule, class T>
-class Search {
- public:
-  NUQI_INLINE Search(const Rule& rule, const FillJob<T>& job)
-      : rule_(rule),
-        job_(job),
-        row_words_(job.row_words),
-        ring_(job.row_words * job.roi.height),
-        height_(job.roi.height),
-        rows_(job.rows),
-        words_(job.words),
-        queue_(job.queue) {}
-
-  NUQI_INLINE RowRange run() {
-    const PixelPoint seed = job_.seed;
-    RowRange known = {seed.y, seed.y};
-    known_ = &known;
-    rows_[seed.y] = {0, 0};
-    const int32_t k = seed.x / kFillWordPixels;
-    offer(ready(seed.y, k, seed.y), seed.y, k, kFirstPixel << seed.x % kFillWordPixels);
-    while (waiting_ != 0 || next_.y >= 0) {
-      FillPlace place = next_;
-      next_.y = -1;
-      if (place.y < 0) {
-        place = queue_[head_];
-        if (++head_ == ring_) head_ = 0;
-        --waiting_;
-      }
-      row_words(place.y)[place.k].queued = 0;
-      visit(place.y, place.k);
-    }
-    return known;
-  }
-
- private:
-  NUQI_INLINE FillWord* row_words(int32_t y) const { return words_ + y * row_words_; }
-
-  // The word, which is made ready first; it is asked for from row `from`.
-  NUQI_INLINE FillWord& ready(int32_t y, int32_t k, int32_t from) {
-    const FillRow row = rows_[y];
-    if (uint32_t(k - row.first) >= uint32_t(row.count)) prepare(rule_, job_, *known_, y, k, from);
-    return row_words(y)[k];
-  }
-  // With it all that the region will ask for, as the words of row `from` tell, and what lies between.
-  static __attribute__((noinline)) void prepare(const Rule& rule, const FillJob<T>& job,
-                                                RowRange& known, int32_t y, int32_t k,
-                                                int32_t from) {
-    if (y > 0 && y == known.top) job.rows[--known.top] = {0, 0};
-    if (y + 1 < job.roi.height && y == known.bottom) job.rows[++known.bottom] = {0, 0};
-    const FillRow other = job.rows[from];
-    const FillWord* const beside = job.words + from * job.row_words;
-    int32_t first = k, end = k + 1;
-    if (from != y) {
-      while (first > other.first && beside[first - 1].filled != 0) --first;
-      while (end < other.first + other.count && beside[end].filled != 0) ++end;
-    }
-
-    FillWord* const words = job.words + y * job.row_words;
-    FillRow row = job.rows[y];
-    if (row.count == 0) row.first = first;
-    for (int32_t i = row.first; i-- > first;) words[i] = {rule.matching(y, i), 0, 0, 0};
-    for (int32_t i = row.first + row.count; i < end; ++i) words[i] = {rule.matching(y, i), 0, 0, 0};
-    if (end < row.first + row.count) end = row.first + row.count;
-    if (first > row.first) first = row.first;
-    job.rows[y] = {first, end - first};
-  }
-
-  NUQI_INLINE void push(int32_t y, int32_t k) {
-    int64_t tail = head_ + waiting_++;
-    if (tail >= ring_) tail -= ring_;
-    queue_[tail] = {y, k};
-  }
-  NUQI_INLINE void offer(FillWord& word, int32_t y, int32_t k, uint64_t pixels) {
-    const uint64_t hit = word.open & pixels;
-    if (hit == 0) return;
-    word.pending |= hit;
-    if (word.queued != 0) return;
-    word.queued = 1;
-    if (next_.y < 0)
-      next_ = {y, k};
-    else
-      push(y, k);
-  }
-
-  NUQI_INLINE void visit(int32_t y, int32_t k) {
-    FillWord* const words = row_words(y);
-    if (words[k].pending == 0) return;  // taken along by a word beside it
-    int32_t first = k, last = k;
-    uint64_t found = take(words[k], y, k);
-    for (uint64_t end = found; crosses<1>(y, last, end); ++last) {
-      words[last + 1].pending |= kFirstPixel;
-      end = take(words[last + 1], y, last + 1);
-    }
-    for (uint64_t end = found; crosses<-1>(y, first, end); --first) {
-      words[first - 1].pending |= kLastPixel;
-      end = take(words[first - 1], y, first - 1);
-    }
-    if (y > 0) next_row(y, first, last, -1);
-    if (y + 1 < height_) next_row(y, first, last, 1);
-  }
-  // Fills what is reached within the word; gives it.
-  NUQI_INLINE uint64_t take(FillWord& word, int32_t y, int32_t k) {
-    const uint64_t open = word.open;
-    const uint64_t found = spread(rule_.in_row(y, k, open), word.pending);
-    word.open = open & ~found;
-    word.filled |= found;
-    word.pending = 0;
-    return found;
-  }
-  // Whether the region goes on from the word's end pixel to the next word of the row.
-  template <int dx>
-  NUQI_INLINE bool crosses(int32_t y, int32_t k, uint64_t found) {
-    if (!has_beside<dx>(k, found)) return false;
-    if ((ready(y, k + dx, y).open & (dx < 0 ? kLastPixel : kFirstPixel)) == 0) return false;
-    return rule_.joins(end_pixel<dx>(k), y, dx, 0);
-  }
-
-  template <int dx>
-  NUQI_INLINE bool has_beside(int32_t k, uint64_t found) const {
-    return (found & (dx < 0 ? kFirstPixel : kLastPixel)) != 0 &&
-           (dx < 0 ? k > 0 : k + 1 < row_words_);
-  }
-  template <int dx>
-  NUQI_INLINE static int32_t end_pixel(int32_t k) {
-    return k * kFillWordPixels + (dx < 0 ? 0 : kFillWordPixels - 1);
-  }
-
-  // Offers what is reached from a row's words to the row dy further on.
-  NUQI_INLINE void next_row(int32_t y, int32_t first, int32_t last, int dy) {
-    for (int32_t k = first; k <= last; ++k) {
-      const uint64_t filled = row_words(y)[k].filled;
-      const uint64_t near = diagonal ? filled | filled << 1 | filled >> 1 : filled;
-      FillWord& word = ready(y + dy, k, y);
-      if ((near & word.open) != 0) {
-        uint64_t reached = filled & rule_.steps(y, k, 0, dy);
-        if constexpr (diagonal)
-          reached |=
-              (filled & rule_.steps(y, k, 1, dy)) << 1 | (filled & rule_.steps(y, k, -1, dy)) >> 1;
-        offer(word, y + dy, k, reached);
-      }
-      if constexpr (diagonal) {
-        corner<-1>(y, k, dy, filled);
-        corner<1>(y, k, dy, filled);
-      }
-    }
-  }
-  template <int dx>
-  NUQI_INLINE void corner(int32_t y, int32_t k, int dy, uint64_t filled) {
-    if (has_beside<dx>(k, filled) && rule_.joins(end_pixel<dx>(k), y, dx, dy))
-      offer(ready(y + dy, k + dx, y), y + dy, k + dx, dx < 0 ? kLastPixel : kFirstPixel);
-  }
-
-  const Rule& rule_;
-  const FillJob<T>& job_;
-  // Copies: as far as the compiler knows, what is stored to words might change the job.
-  const int64_t row_words_, ring_;
-  const int32_t height_;
-  FillRow* const rows_;
-  FillWord* const words_;
-  FillPlace* const queue_;
-  RowRange* known_ = nullptr;
-  int64_t head_ = 0, waiting_ = 0;
-  FillPlace next_ = {-1, 0};  // visited before those of the queue; none where y is negative
-};
-
-// ---- Output
+// ---- Painting
 
 template <class Part>
 NUQI_INLINE void paint(uint8_t* at, uint64_t pixels, uint8_t value, Part part) {
@@ -251,39 +72,276 @@ NUQI_INLINE void paint(float* at, uint64_t pixels, float value, Part part) {
   }
 }
 
-// Paints what is filled, and measures it.
 template <class T>
-NUQI_INLINE FillRegion write(const FillJob<T>& job, RowRange range) {
-  int64_t area = 0;
-  int32_t left = job.roi.width, right = -1, first = range.bottom, last = range.top;
-  for (int32_t y = range.top; y <= range.bottom; ++y) {
-    const FillRow row = job.rows[y];
-    const FillWord* words = job.words + y * job.row_words;
-    T* const pixels = row_of(job.image, y);
-    bool any = false;
-    for (int32_t k = row.first; k < row.first + row.count; ++k) {
-      const uint64_t filled = words[k].filled;
-      if (filled == 0) continue;
-      const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
-      any = true;
-      area += count_bits(filled);
-      if (x < left && x + first_bit(filled) < left) left = x + first_bit(filled);
-      if (x + last_bit(filled) > right) right = x + last_bit(filled);
-      if (rest >= kFillWordPixels)
-        paint(pixels + x, filled, job.value, Whole{});
-      else
-        paint(pixels + x, filled, job.value, First{rest});
-    }
-    if (any) last = y;
-    if (any && y < first) first = y;
-  }
-  return {(double)area, (double)job.value, left, first, right - left + 1, last - first + 1};
+NUQI_INLINE void paint(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
+  const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
+  T* const at = row_of(job.image, y) + x;
+  if ((pixels & (pixels - 1)) == 0)
+    store_one(at + first_bit(pixels), job.value);  // as in corridors
+  else if (rest >= kFillWordPixels)
+    paint(at, pixels, job.value, Whole{});
+  else
+    paint(at, pixels, job.value, First{rest});
 }
+
+// ---- The search
+
+// Rows whose range of words is known, if only to be empty.
+struct RowRange {
+  int32_t top, bottom;
+};
+
+// How far the region reaches.
+struct Extent {
+  int64_t area;
+  int32_t left, right, top, bottom;
+
+  NUQI_INLINE void add_columns(int32_t first, int32_t last) {
+    if (first < left) left = first;
+    if (last > right) right = last;
+  }
+  NUQI_INLINE void add_row(int32_t y) {
+    if (y < top) top = y;
+    if (y > bottom) bottom = y;
+  }
+};
+
+constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
+
+// By words: a word waits in the queue while more of its pixels are reached, and one is visited at once,
+// which saves corridors the queue. A visit takes all words of the row that its region runs into on either
+// side, and then looks at the rows next to it.
+//
+// A visit turns at least one open pixel into a found one, so there are no more visits than pixels. Words
+// hold nothing until the region comes near: of each row those between the leftmost and the rightmost
+// that were asked for.
+template <bool diagonal, class Rule, class T>
+class Search {
+ public:
+  NUQI_INLINE Search(const Rule& rule, const FillJob<T>& job)
+      : rule_(rule),
+        job_(job),
+        row_words_(job.row_words),
+        ring_(job.row_words * job.roi.height),
+        height_(job.roi.height),
+        rows_(job.rows),
+        words_(job.words),
+        queue_(job.queue) {}
+
+  NUQI_INLINE void run() {
+    const PixelPoint seed = job_.seed;
+    const int32_t k = seed.x / kFillWordPixels;
+    rows_[seed.y] = {0, 0};
+    ready(seed.y, k, k);
+    offer(seed.y, k, kFirstPixel << seed.x % kFillWordPixels);
+    for (;;) {
+      FillPlace place = next_;
+      next_.y = -1;
+      if (place.y < 0) {
+        if (waiting_ == 0) break;
+        place = queue_[head_];
+        if (++head_ == ring_) head_ = 0;
+        --waiting_;
+      }
+      row_words(place.y)[place.k].queued = 0;
+      int32_t y = place.y;
+      if constexpr (Rule::kLocal)
+        if (follow(y, place.k)) continue;
+      visit(y, place.k);
+    }
+  }
+  NUQI_INLINE const Extent& extent() const { return extent_; }
+
+ private:
+  NUQI_INLINE FillWord* row_words(int32_t y) const { return words_ + y * row_words_; }
+
+  // Before words of a row are looked at.
+  NUQI_INLINE void ready(int32_t y, int32_t first, int32_t last) {
+    if (first < rows_[y].first || last >= rows_[y].end) {
+      if (y == known_.top && y > 0) rows_[known_.top = y - 1] = {0, 0};
+      if (y == known_.bottom && y + 1 < height_) rows_[known_.bottom = y + 1] = {0, 0};
+      rows_[y] = prepare(rule_, row_words(y), rows_[y], y, first, last + 1);
+    }
+  }
+  // The range of words with [first, end), and what lies between.
+  static __attribute__((noinline)) FillRow prepare(const Rule& rule, FillWord* words, FillRow row,
+                                                   int32_t y, int32_t first, int32_t end) {
+    if (row.first == row.end) row = {first, first};
+    for (; row.first > first; --row.first)
+      words[row.first - 1] = {rule.matching(y, row.first - 1), 0, 0, 0};
+    for (; row.end < end; ++row.end) words[row.end] = {rule.matching(y, row.end), 0, 0, 0};
+    return row;
+  }
+
+  NUQI_INLINE void offer(int32_t y, int32_t k, uint64_t pixels) {
+    FillWord& word = row_words(y)[k];
+    const uint64_t hit = word.open & pixels;
+    if (hit == 0) return;
+    word.pending |= hit;
+    if (word.queued != 0) return;
+    word.queued = 1;
+    if (next_.y < 0) {
+      next_ = {y, k};
+    } else {
+      int64_t tail = head_ + waiting_++;
+      if (tail >= ring_) tail -= ring_;
+      queue_[tail] = {y, k};
+    }
+  }
+
+  // A visit, and those that it leads to, as long as they stay in one column of words: corridors.
+  // Otherwise it leaves the last one undone and gives its place.
+  NUQI_INLINE bool follow(int32_t& y, int32_t k) {
+    const uint64_t ends = (k > 0 ? kFirstPixel : 0) | (k + 1 < row_words_ ? kLastPixel : 0);
+    uint64_t seeds = row_words(y)[k].pending, columns = 0;
+    bool done = true;
+    while (seeds != 0) {
+      FillWord& word = row_words(y)[k];
+      const uint64_t open = word.open;
+      const uint64_t found = spread(rule_.in_row(y, k, open), seeds);
+      if ((found & ends) != 0) {
+        word.pending = seeds;
+        done = false;
+        break;
+      }
+      word.open = open & ~found;
+      word.pending = 0;
+      extent_.area += count_bits(found);
+      extent_.add_row(y);
+      columns |= found;
+      paint(job_, y, k, found);
+      const uint64_t near = diagonal ? found | found << 1 | found >> 1 : found;
+      uint64_t up = 0, down = 0;
+      if (y > 0) {
+        ready(y - 1, k, k);
+        up = near & (&word)[-row_words_].open;
+      }
+      if (y + 1 < height_) {
+        ready(y + 1, k, k);
+        down = near & (&word)[row_words_].open;
+      }
+      if (up != 0) {
+        if (down != 0) offer(y + 1, k, down);
+        seeds = up | (&word)[-row_words_].pending;
+        --y;
+      } else if (down != 0) {
+        seeds = down | (&word)[row_words_].pending;
+        ++y;
+      } else {
+        break;
+      }
+    }
+    if (columns != 0)
+      extent_.add_columns(k * kFillWordPixels + first_bit(columns),
+                          k * kFillWordPixels + last_bit(columns));
+    return done;
+  }
+
+  NUQI_INLINE void visit(int32_t y, int32_t k) {
+    FillWord* const words = row_words(y);
+    if (words[k].pending == 0) return;  // taken along by a word beside it
+    int32_t first = k, last = k;
+    take(words[k], y, k);
+    for (; crosses<1>(y, last); ++last) take(words[last + 1], y, last + 1, kFirstPixel);
+    for (; crosses<-1>(y, first); --first) take(words[first - 1], y, first - 1, kLastPixel);
+    extent_.add_columns(first * kFillWordPixels + first_bit(words[first].found),
+                        last * kFillWordPixels + last_bit(words[last].found));
+    extent_.add_row(y);
+    if (y > 0) next_row(y, first, last, -1);
+    if (y + 1 < height_) next_row(y, first, last, 1);
+  }
+  // Finds what is reached within the word.
+  NUQI_INLINE void take(FillWord& word, int32_t y, int32_t k, uint64_t more = 0) {
+    const uint64_t open = word.open;
+    const uint64_t found = spread(rule_.in_row(y, k, open), word.pending | more);
+    word.open = open & ~found;
+    word.pending = 0;
+    word.found = found;
+    extent_.area += count_bits(found);
+    if constexpr (Rule::kLocal) paint(job_, y, k, found);
+  }
+  // Whether the region goes on from the word's end pixel to the next word of the row.
+  template <int dx>
+  NUQI_INLINE bool crosses(int32_t y, int32_t k) {
+    if (!has_beside<dx>(k, row_words(y)[k].found)) return false;
+    ready(y, k + dx, k + dx);
+    if ((row_words(y)[k + dx].open & (dx < 0 ? kLastPixel : kFirstPixel)) == 0) return false;
+    return rule_.joins(end_pixel<dx>(k), y, dx, 0);
+  }
+
+  // Whether the word's end pixel is found and has a word beside it.
+  template <int dx>
+  NUQI_INLINE bool has_beside(int32_t k, uint64_t found) const {
+    return (found & (dx < 0 ? kFirstPixel : kLastPixel)) != 0 &&
+           (dx < 0 ? k > 0 : k + 1 < row_words_);
+  }
+  template <int dx>
+  NUQI_INLINE static int32_t end_pixel(int32_t k) {
+    return k * kFillWordPixels + (dx < 0 ? 0 : kFillWordPixels - 1);
+  }
+
+  // Offers what is reached from a row's words to the row dy further on.
+  NUQI_INLINE void next_row(int32_t y, int32_t first, int32_t last, int dy) {
+    const FillWord* const words = row_words(y);
+    const FillWord* const there = row_words(y + dy);
+    const bool left = diagonal && has_beside<-1>(first, words[first].found);
+    const bool right = diagonal && has_beside<1>(last, words[last].found);
+    ready(y + dy, first - left, last + right);
+    for (int32_t k = first; k <= last; ++k) {
+      const uint64_t found = words[k].found;
+      const uint64_t near = diagonal ? found | found << 1 | found >> 1 : found;
+      if ((near & there[k].open) != 0) {
+        uint64_t reached = found & rule_.steps(y, k, 0, dy);
+        if constexpr (diagonal)
+          reached |=
+              (found & rule_.steps(y, k, 1, dy)) << 1 | (found & rule_.steps(y, k, -1, dy)) >> 1;
+        offer(y + dy, k, reached);
+      }
+      if constexpr (diagonal) {
+        corner<-1>(y, k, dy, found);
+        corner<1>(y, k, dy, found);
+      }
+    }
+  }
+  template <int dx>
+  NUQI_INLINE void corner(int32_t y, int32_t k, int dy, uint64_t found) {
+    if (has_beside<dx>(k, found) && rule_.joins(end_pixel<dx>(k), y, dx, dy))
+      offer(y + dy, k + dx, dx < 0 ? kLastPixel : kFirstPixel);
+  }
+
+  const Rule& rule_;
+  const FillJob<T>& job_;
+  // Copies: as far as the compiler knows, what is stored to words might change the job.
+  const int64_t row_words_, ring_;
+  const int32_t height_;
+  FillRow* const rows_;
+  FillWord* const words_;
+  FillPlace* const queue_;
+  int64_t head_ = 0, waiting_ = 0;
+  FillPlace next_ = {-1, 0};  // to be visited before those of the queue; none where y is negative
+  RowRange known_ = {job_.seed.y, job_.seed.y};
+  Extent extent_ = {0, job_.roi.width, -1, job_.seed.y, job_.seed.y};
+};
+
+// ---- Both
 
 template <bool diagonal, class Rule, class T>
 NUQI_INLINE FillRegion fill_words(const Rule& rule, const FillJob<T>& job) {
   Search<diagonal, Rule, T> search(rule, job);
-  return write(job, search.run());
+  search.run();
+  const Extent extent = search.extent();
+  if constexpr (!Rule::kLocal)
+    for (int32_t y = extent.top; y <= extent.bottom; ++y)
+      for (int32_t k = job.rows[y].first; k < job.rows[y].end; ++k) {
+        const uint64_t found = rule.matching(y, k) & ~job.words[y * job.row_words + k].open;
+        if (found != 0) paint(job, y, k, found);
+      }
+  return {(double)extent.area,
+          (double)job.value,
+          extent.left,
+          extent.top,
+          extent.right - extent.left + 1,
+          extent.bottom - extent.top + 1};
 }
 
 }  // namespace
