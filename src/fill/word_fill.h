@@ -91,6 +91,12 @@ struct RowRange {
   int32_t top, bottom;
 };
 
+// Of words of a row: the first and last, and how many of those between count.
+struct WordRange {
+  int32_t first, last, count;
+};
+constexpr int32_t kWide = 2;
+
 // How far the region reaches.
 struct Extent {
   int64_t area;
@@ -247,9 +253,96 @@ class Search {
     extent_.add_columns(first * kFillWordPixels + first_bit(words[first].found),
                         last * kFillWordPixels + last_bit(words[last].found));
     extent_.add_row(y);
+    if constexpr (Rule::kLocal)
+      if (last - first >= kWide) return sweep(y, first, last);
     if (y > 0) next_row(y, first, last, -1);
     if (y + 1 < height_) next_row(y, first, last, 1);
   }
+
+  // From words of a row that have been visited, through the rows above or below as long as many of their
+  // words are reached. The rows on the other side are left to the queue.
+  NUQI_INLINE void sweep(int32_t y, int32_t first, int32_t last) {
+    int dy = -1;
+    WordRange reached = reach(y, first, last, dy);
+    if (reached.count == 0) reached = reach(y, first, last, dy = 1);
+    while (reached.count != 0) {
+      if (y - dy >= 0 && y - dy < height_) next_row(y, first, last, -dy);
+      y += dy, first = reached.first, last = reached.last;
+      if (last - first > 4 * reached.count) {
+        for (int32_t k = first; k <= last; ++k) offer(y, k, row_words(y)[k].pending);
+        return;
+      }
+      take_range(y, first, last);
+      reached = reach(y, first, last, dy);
+    }
+    if (y - dy >= 0 && y - dy < height_) next_row(y, first, last, -dy);
+  }
+  // Makes pending what is reached from a row's words in the row dy further on.
+  NUQI_INLINE WordRange reach(int32_t y, int32_t first, int32_t last, int dy) {
+    if (y + dy < 0 || y + dy == height_) return {0, 0, 0};
+    const FillWord* const here = row_words(y);
+    FillWord* const words = row_words(y + dy);
+    const bool left = diagonal && has_beside<-1>(first, here[first].found);
+    const bool right = diagonal && has_beside<1>(last, here[last].found);
+    first -= left, last += right;
+    ready(y + dy, first, last);
+    WordRange reached = {last + 1, first - 1, 0};
+    for (int32_t k = first; k <= last; ++k) {
+      uint64_t near = 0;
+      if (k >= first + left && k <= last - right) near = here[k].found;
+      if constexpr (diagonal) {
+        near |= near << 1 | near >> 1;
+        if (k > first + left) near |= here[k - 1].found >> 63;
+        if (k < last - right) near |= here[k + 1].found << 63;
+      }
+      const uint64_t hit = near & words[k].open;
+      words[k].pending |= hit;
+      if (hit == 0) continue;
+      if (reached.count++ == 0) reached.first = k;
+      reached.last = k;
+    }
+    return reached;
+  }
+  // A visit of many words of a row; the region may lead on beyond them.
+  NUQI_INLINE void take_range(int32_t y, int32_t& first, int32_t& last) {
+    FillWord* const words = row_words(y);
+    uint64_t carry = 0;
+    for (int32_t k = first;; ++k) {
+      if (k > last) {
+        if (carry == 0 || k == row_words_) break;
+        ready(y, k, k);
+        if ((words[k].open & kFirstPixel) == 0) break;
+        last = k;
+      }
+      const uint64_t open = words[k].open, seeds = words[k].pending | (carry & open);
+      words[k].found = (((open + seeds) ^ open) | seeds) & open;
+      carry = words[k].found >> 63;
+    }
+    carry = 0;
+    for (int32_t k = last;; --k) {
+      if (k < first) {
+        if (carry == 0 || k < 0) break;
+        ready(y, k, k);
+        if ((words[k].open & kLastPixel) == 0) break;
+        first = k;
+        words[k].found = 0;
+      }
+      const uint64_t open = words[k].open, pending = words[k].pending;
+      const uint64_t found =
+          spread({open & open >> 1, open}, words[k].found | pending | (carry << 63 & open));
+      carry = found & 1;
+      words[k].open = open & ~found;
+      words[k].pending = 0;
+      words[k].found = found;
+      if (found == 0) continue;
+      extent_.area += count_bits(found);
+      extent_.add_columns(k * kFillWordPixels + first_bit(found),
+                          k * kFillWordPixels + last_bit(found));
+      paint(job_, y, k, found);
+    }
+    extent_.add_row(y);
+  }
+
   // Finds what is reached within the word.
   NUQI_INLINE void take(FillWord& word, int32_t y, int32_t k, uint64_t more = 0) {
     const uint64_t open = word.open;
