@@ -73,15 +73,19 @@ NUQI_INLINE void paint(float* at, uint64_t pixels, float value, Part part) {
 }
 
 template <class T>
-NUQI_INLINE void paint(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
+__attribute__((noinline)) void paint_word(const FillJob<T>& job, int32_t y, int32_t k,
+                                          uint64_t pixels) {
   const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
   T* const at = row_of(job.image, y) + x;
-  if ((pixels & (pixels - 1)) == 0)
-    store_one(at + first_bit(pixels), job.value);  // as in corridors
-  else if (rest >= kFillWordPixels)
+  if (rest >= kFillWordPixels)
     paint(at, pixels, job.value, Whole{});
   else
     paint(at, pixels, job.value, First{rest});
+}
+template <class T>
+NUQI_INLINE void paint(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
+  if ((pixels & (pixels - 1)) != 0) return paint_word(job, y, k, pixels);
+  store_one(row_of(job.image, y) + k * kFillWordPixels + first_bit(pixels), job.value);
 }
 
 // ---- The search
@@ -114,6 +118,22 @@ struct Extent {
 
 constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
 
+// Adds [first, end) to the row's range of words, with what lies between.
+template <class Rule, class T>
+__attribute__((noinline)) void prepare(const Rule& rule, const FillJob<T>& job, RowRange& known,
+                                       int32_t y, int32_t first, int32_t end) {
+  if (y == known.top && y > 0) job.rows[known.top = y - 1] = {0, 0};
+  if (y == known.bottom && y + 1 < job.roi.height) job.rows[known.bottom = y + 1] = {0, 0};
+  FillWord* const words = job.words + y * job.row_words;
+  FillRow row = job.rows[y];
+  if (row.first == row.end) row = {first, first};
+  while (row.first > first || row.end < end) {
+    const int32_t k = row.first > first ? --row.first : row.end++;
+    words[k] = {rule.matching(y, k), 0, 0, 0};
+  }
+  job.rows[y] = row;
+}
+
 // By words: a word waits in the queue while more of its pixels are reached, and one is visited at once,
 // which saves corridors the queue. A visit takes all words of the row that its region runs into on either
 // side, and then looks at the rows next to it.
@@ -124,9 +144,10 @@ constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
 template <bool diagonal, class Rule, class T>
 class Search {
  public:
-  NUQI_INLINE Search(const Rule& rule, const FillJob<T>& job)
+  NUQI_INLINE Search(const Rule& rule, const FillJob<T>& job, RowRange& known)
       : rule_(rule),
         job_(job),
+        known_(known),
         row_words_(job.row_words),
         ring_(job.row_words * job.roi.height),
         height_(job.roi.height),
@@ -159,24 +180,13 @@ class Search {
   NUQI_INLINE const Extent& extent() const { return extent_; }
 
  private:
+  NUQI_INLINE bool has_row(int32_t y) const { return uint32_t(y) < uint32_t(height_); }
   NUQI_INLINE FillWord* row_words(int32_t y) const { return words_ + y * row_words_; }
 
   // Before words of a row are looked at.
   NUQI_INLINE void ready(int32_t y, int32_t first, int32_t last) {
-    if (first < rows_[y].first || last >= rows_[y].end) {
-      if (y == known_.top && y > 0) rows_[known_.top = y - 1] = {0, 0};
-      if (y == known_.bottom && y + 1 < height_) rows_[known_.bottom = y + 1] = {0, 0};
-      rows_[y] = prepare(rule_, row_words(y), rows_[y], y, first, last + 1);
-    }
-  }
-  // The range of words with [first, end), and what lies between.
-  static __attribute__((noinline)) FillRow prepare(const Rule& rule, FillWord* words, FillRow row,
-                                                   int32_t y, int32_t first, int32_t end) {
-    if (row.first == row.end) row = {first, first};
-    for (; row.first > first; --row.first)
-      words[row.first - 1] = {rule.matching(y, row.first - 1), 0, 0, 0};
-    for (; row.end < end; ++row.end) words[row.end] = {rule.matching(y, row.end), 0, 0, 0};
-    return row;
+    const FillRow row = rows_[y];
+    if (first < row.first || last >= row.end) prepare(rule_, job_, known_, y, first, last + 1);
   }
 
   NUQI_INLINE void offer(int32_t y, int32_t k, uint64_t pixels) {
@@ -255,31 +265,32 @@ class Search {
     extent_.add_row(y);
     if constexpr (Rule::kLocal)
       if (last - first >= kWide) return sweep(y, first, last);
-    if (y > 0) next_row(y, first, last, -1);
-    if (y + 1 < height_) next_row(y, first, last, 1);
+    for (int dy = -1; dy <= 1; dy += 2)
+      if (has_row(y + dy)) next_row(y, first, last, dy);
   }
 
   // From words of a row that have been visited, through the rows above or below as long as many of their
   // words are reached. The rows on the other side are left to the queue.
   NUQI_INLINE void sweep(int32_t y, int32_t first, int32_t last) {
     int dy = -1;
-    WordRange reached = reach(y, first, last, dy);
-    if (reached.count == 0) reached = reach(y, first, last, dy = 1);
-    while (reached.count != 0) {
-      if (y - dy >= 0 && y - dy < height_) next_row(y, first, last, -dy);
-      y += dy, first = reached.first, last = reached.last;
-      if (last - first > 4 * reached.count) {
-        for (int32_t k = first; k <= last; ++k) offer(y, k, row_words(y)[k].pending);
-        return;
+    for (bool started = false;;) {
+      const WordRange reached = reach(y, first, last, dy);
+      if (reached.count == 0 && !started && dy < 0) {
+        dy = 1;
+        continue;
       }
+      started = true;
+      if (has_row(y - dy)) next_row(y, first, last, -dy);
+      if (reached.count == 0) return;
+      y += dy, first = reached.first, last = reached.last;
+      if (last - first > 4 * reached.count) break;
       take_range(y, first, last);
-      reached = reach(y, first, last, dy);
     }
-    if (y - dy >= 0 && y - dy < height_) next_row(y, first, last, -dy);
+    for (int32_t k = first; k <= last; ++k) offer(y, k, row_words(y)[k].pending);
   }
   // Makes pending what is reached from a row's words in the row dy further on.
   NUQI_INLINE WordRange reach(int32_t y, int32_t first, int32_t last, int dy) {
-    if (y + dy < 0 || y + dy == height_) return {0, 0, 0};
+    if (!has_row(y + dy)) return {0, 0, 0};
     const FillWord* const here = row_words(y);
     FillWord* const words = row_words(y + dy);
     const bool left = diagonal && has_beside<-1>(first, here[first].found);
@@ -404,6 +415,7 @@ class Search {
 
   const Rule& rule_;
   const FillJob<T>& job_;
+  RowRange& known_;
   // Copies: as far as the compiler knows, what is stored to words might change the job.
   const int64_t row_words_, ring_;
   const int32_t height_;
@@ -412,7 +424,6 @@ class Search {
   FillPlace* const queue_;
   int64_t head_ = 0, waiting_ = 0;
   FillPlace next_ = {-1, 0};  // to be visited before those of the queue; none where y is negative
-  RowRange known_ = {job_.seed.y, job_.seed.y};
   Extent extent_ = {0, job_.roi.width, -1, job_.seed.y, job_.seed.y};
 };
 
@@ -420,7 +431,8 @@ class Search {
 
 template <bool diagonal, class Rule, class T>
 NUQI_INLINE FillRegion fill_words(const Rule& rule, const FillJob<T>& job) {
-  Search<diagonal, Rule, T> search(rule, job);
+  RowRange known = {job.seed.y, job.seed.y};
+  Search<diagonal, Rule, T> search(rule, job, known);
   search.run();
   const Extent extent = search.extent();
   if constexpr (!Rule::kLocal)
