@@ -42,6 +42,14 @@ BinaryPicture text(RoiSize roi) {
   return picture;
 }
 
+// With a first row from which the pixels beside it are reached.
+template <int percent>
+BinaryPicture noise(RoiSize roi) {
+  BinaryPicture picture = test::noise(roi, percent);
+  std::fill(picture.pixels.begin(), picture.pixels.begin() + roi.width, 1);
+  return picture;
+}
+
 // So many columns from the top to the bottom.
 template <int width>
 BinaryPicture column(RoiSize roi) {
@@ -73,8 +81,8 @@ constexpr Scene kScenes[] = {
     {"full", [](RoiSize roi) { return BinaryPicture(roi, 1); }},
     {"islands", islands},
     {"text", text},
-    {"noise .6", [](RoiSize roi) { return test::noise(roi, 60); }},
-    {"noise .75", [](RoiSize roi) { return test::noise(roi, 75); }},
+    {"noise .6", noise<60>},
+    {"noise .75", noise<75>},
     {"maze", test::maze},
     {"spiral", test::spiral},
     {"comb", test::comb},
@@ -116,10 +124,10 @@ struct Canvas {
 };
 
 template <class T>
-Canvas<T>& canvas(const Scene& scene, RoiSize size) {
+Canvas<T>& canvas(const test::FillMember<T>& member, const Scene& scene, RoiSize size) {
   static std::map<std::string, std::unique_ptr<Canvas<T>>> made;
   const RoiSize roi = scene.large ? kLarge : size;
-  auto& entry = made[scene.name + std::to_string(roi.width)];
+  auto& entry = made[member.name + std::string(scene.name) + std::to_string(roi.width)];
   if (!entry) entry = std::make_unique<Canvas<T>>(scene, roi);
   return *entry;
 }
@@ -140,7 +148,7 @@ template <class T, class Call>
 auto run(const test::FillMember<T>& member, const Scene& scene, int lower, int upper,
          const Call& call) {
   return [=](const Images& im) {
-    Canvas<T>& c = canvas<T>(scene, im.roi);
+    Canvas<T>& c = canvas(member, scene, im.roi);
     return [call, member, &c, lower, upper] {
       test::FillArgs<T> args = args_of(c, lower, upper);
       if (member.gradient)
@@ -160,7 +168,7 @@ void register_fill(const test::FillMember<T>& member, const Scene& scene, int lo
   name += ")";
   for (RoiSize roi : kSizes) {
     if (roi.width < 64 || (scene.large && roi.width != 640)) continue;
-    register_limit<Streams<>, Streams<sizeof(T)>>(name, roi);
+    register_limit<Streams<sizeof(T)>, Streams<>, Streams<sizeof(T)>>(name, roi);
     register_function(name, roi, run(member, scene, lower, upper, member.call));
     const auto plain = [&](const char* compiler, auto fill) {
       register_plain(name, compiler, roi,

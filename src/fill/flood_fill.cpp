@@ -1,4 +1,6 @@
 // Flood fills of equal pixels: nuqiFloodFill_4Con, nuqiFloodFill_8Con and nuqiFloodFillGetSize.
+#include "fill/flood_fill.h"
+
 #include "core/validate.h"
 #include "fill/pixel_fill.h"
 
@@ -26,6 +28,11 @@ StatusCode fill(Image<T> image, RoiSize roi, PixelPoint seed, Value value, FillR
   const T old_value = pixel_of(image, seed), new_value = static_cast<T>(value);
   if (equal(old_value, new_value))
     return StatusOk;  // deliberate: nothing is written, no record either
+  if (roi.width >= kFillNarrow) {
+    const auto& kernels = flood_fill_kernels().of_type<T>();
+    *region = kernels.of[diagonal](fill_job(image, roi, seed, new_value, buffer));
+    return StatusOk;
+  }
   set_pixel(image, seed, new_value);
   *region = fill_pixels<diagonal>(roi, seed, buffer, [&](PixelPoint, PixelPoint to) {
     const bool taken = equal(pixel_of(image, to), old_value);

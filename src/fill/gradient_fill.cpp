@@ -1,5 +1,7 @@
 // Flood fills along gradual changes: nuqiFloodFill_Grad4Con, nuqiFloodFill_Grad8Con and
 // nuqiFloodFillGetSize_Grad.
+#include "fill/gradient_fill.h"
+
 #include "core/validate.h"
 #include "fill/pixel_fill.h"
 
@@ -55,6 +57,13 @@ StatusCode fill(Image<T> image, RoiSize roi, PixelPoint seed, Value value, Value
   if (sizeof(T) == 1 && lower > 255 - upper)                       return StatusBadArg;
   // clang-format on
 
+  const T new_value = static_cast<T>(value);
+  if (roi.width >= kFillNarrow) {
+    const auto& kernels = gradient_fill_kernels().of_type<T>();
+    const FillDeltas<T> deltas = {static_cast<T>(lower), static_cast<T>(upper)};
+    *region = kernels.of[diagonal](fill_job(image, roi, seed, new_value, buffer), deltas);
+    return StatusOk;
+  }
   const Joins<T> joins(lower, upper);
   const TakenMap taken(buffer, roi);
   taken[seed] = 1;
@@ -67,8 +76,8 @@ StatusCode fill(Image<T> image, RoiSize roi, PixelPoint seed, Value value, Value
   // Not before: steps are between the values as they were.
   for (int32_t y = region->y; y < region->y + region->height; ++y)
     for (int32_t x = region->x; x < region->x + region->width; ++x)
-      if (taken[{x, y}] != 0) set_pixel(image, {x, y}, static_cast<T>(value));
-  region->value = static_cast<double>(value);
+      if (taken[{x, y}] != 0) set_pixel(image, {x, y}, new_value);
+  region->value = new_value;
   return StatusOk;
 }
 

@@ -4,11 +4,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "core/image.h"
+#include "fill/fill_words.h"
 
 namespace nuqi {
-
-constexpr bool kDiagonal = true;
 
 // One pixel, wherever it lies.
 template <class T>

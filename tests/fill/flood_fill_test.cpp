@@ -5,6 +5,7 @@
 
 #include "fill/fill_fixture.h"
 #include "fill/fill_pictures.h"
+#include "fill/fill_words.h"
 #include "support/every_isa.h"
 
 namespace nuqi::test {
@@ -88,6 +89,31 @@ TEST_P(FloodFill, StaysInTheBuffer) {
           if (testing::Test::HasFatalFailure()) return;
         }
       }
+  });
+}
+
+// Rows of many words: rectangles of both kinds, so that wide regions part, meet and turn back.
+TEST_P(FloodFill, WideRegions) {
+  constexpr RoiSize kRoi = {470, 50};
+  for_each_flood_fill([&]<class T>(const FillMember<T>& member) {
+    Random random(6);
+    for (int round = 0; round < 25; ++round) {
+      BinaryPicture picture(kRoi, 1);
+      const int longest = random.between(2, 300), count = random.between(5, 150);
+      for (int i = 0; i < count; ++i) {
+        const PixelPoint corner = any_pixel(kRoi, random);
+        const int right = std::min(kRoi.width, corner.x + random.between(1, longest));
+        const int bottom = std::min(kRoi.height, corner.y + random.between(1, 6));
+        const uint8_t value = random.between(0, 2) == 0;
+        for (int y = corner.y; y < bottom; ++y)
+          for (int x = corner.x; x < right; ++x) picture.at(x, y) = value;
+      }
+      PixelPoint seed = any_pixel(kRoi, random);
+      while (picture.at(seed.x, seed.y) == 0) seed = any_pixel(kRoi, random);
+      FillFixture<T> fixture(member, Case{kRoi}, painter_of<T>(picture), round % 4);
+      fixture.expect_agreement(seed, 99, 5, 3);
+      ASSERT_FALSE(testing::Test::HasFatalFailure()) << round;
+    }
   });
 }
 
@@ -210,6 +236,17 @@ TEST_P(FloodFill, StepsMayLeadOneWayAlone) {
     fixture.expect_agreement({0, 1}, 5, 0, 1);
     EXPECT_EQ(fixture.region.area, 600) << member.name;
   });
+}
+
+TEST(FloodFillBuffer, HoldsAllItsParts) {
+  const auto check = [](int64_t width, int64_t height) {
+    const RoiSize roi = {static_cast<int32_t>(width), static_cast<int32_t>(height)};
+    ASSERT_LE(plan_fill(roi).end, 6 * width * height) << width << "x" << height;
+  };
+  for (int width = kFillNarrow; width <= 300; ++width)
+    for (int height : {1, 2, 3, 1000, INT32_MAX}) check(width, height);
+  check(INT32_MAX, 1);
+  check(INT32_MAX, INT32_MAX / 8);
 }
 
 // ---- Statuses and oddities

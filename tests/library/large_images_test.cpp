@@ -130,6 +130,30 @@ TEST_P(LargeImages, EveryRowGoesDownAPyramid) {
   EXPECT_TRUE(same_bits(expected, dst().piece()));
 }
 
+// A spot behind 2^31 pixels; its fill takes no more of the buffer, nor time, than it would in a small
+// image.
+TEST_P(LargeImages, FillsASpot) {
+  ASSERT_TRUE(dst().part_last());
+  const size_t pixels = size_t{65536} * 32772, size = 7 * pixels + 2 * (65536 + 32772) + 4;
+  void* const buffer = mmap(nullptr, size, PROT_READ | PROT_WRITE,
+                            MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (buffer == MAP_FAILED) GTEST_SKIP() << "no addresses for the buffer";
+  for (const auto fill : {nuqiFloodFill_4Con_8u_C1IR, nuqiFloodFill_8Con_8u_C1IR}) {
+    std::memset(dst().data(), 100, Repeated::kPiece);
+    std::memset(dst().last(), 100, Repeated::kPiece);
+    // Columns 65533 to 65535 of the last three rows.
+    for (size_t row = 9; row < 12; ++row) std::memset(dst().last() + (row + 1) * 65536 - 3, 7, 3);
+    FillRegion region = {};
+    ASSERT_EQ(fill(dst().data(), kStep, kRoi, {65534, 32771}, 9, &region, buffer), StatusOk);
+    EXPECT_EQ((std::vector<double>{region.area, region.value}), (std::vector<double>{9, 9}));
+    EXPECT_EQ((std::vector<int32_t>{region.x, region.y, region.width, region.height}),
+              (std::vector<int32_t>{65533, 32769, 3, 3}));
+    EXPECT_EQ(dst().last()[Repeated::kPiece - 1], 9);
+    EXPECT_EQ(dst().last()[Repeated::kPiece - 4], 100);
+  }
+  munmap(buffer, size);
+}
+
 // The extremes lie behind 2^31 bytes, of one channel and of three.
 TEST_P(LargeImages, PlacesBeyond32Bits) {
   ASSERT_TRUE(dst().part_last());

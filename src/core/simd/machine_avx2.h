@@ -160,8 +160,10 @@ NUQI_INLINE uint64_t bits(const V& predicate) {
   else if constexpr (sizeof(LaneOf<V>) == 2)
     return (uint32_t)_mm_movemask_epi8(
         _mm_packs_epi16(_mm256_castsi256_si128(p), _mm256_extracti128_si256(p, 1)));
-  else
+  else if constexpr (sizeof(LaneOf<V>) == 4)
     return (uint32_t)_mm256_movemask_ps((__m256)p);
+  else
+    return (uint32_t)_mm256_movemask_pd((__m256d)p);
 }
 
 }  // namespace machine

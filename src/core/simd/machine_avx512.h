@@ -227,7 +227,12 @@ NUQI_INLINE auto compare(const V& a, const V& b) {
   } else {
     static_assert(sizeof(V) == 64);
     const __m512i x = (__m512i)a, y = (__m512i)b;
-    if constexpr (sizeof(LaneOf<V>) == 1)
+    constexpr int of_floats = comparison == _MM_CMPINT_LT ? _CMP_LT_OQ : _CMP_EQ_OQ;
+    if constexpr (kIsFloat<LaneOf<V>> && sizeof(LaneOf<V>) == 4)
+      return _mm512_cmp_ps_mask((__m512)a, (__m512)b, of_floats);
+    else if constexpr (kIsFloat<LaneOf<V>>)
+      return _mm512_cmp_pd_mask((__m512d)a, (__m512d)b, of_floats);
+    else if constexpr (sizeof(LaneOf<V>) == 1)
       return is_signed ? _mm512_cmp_epi8_mask(x, y, comparison)
                        : _mm512_cmp_epu8_mask(x, y, comparison);
     else if constexpr (sizeof(LaneOf<V>) == 2)

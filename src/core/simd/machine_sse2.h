@@ -85,8 +85,10 @@ NUQI_INLINE uint64_t bits(const V& predicate) {
     return (uint32_t)_mm_movemask_epi8((__m128i)predicate);
   else if constexpr (sizeof(LaneOf<V>) == 2)
     return (uint32_t)_mm_movemask_epi8(_mm_packs_epi16((__m128i)predicate, __m128i{}));
-  else
+  else if constexpr (sizeof(LaneOf<V>) == 4)
     return (uint32_t)_mm_movemask_ps((__m128)predicate);
+  else
+    return (uint32_t)_mm_movemask_pd((__m128d)predicate);
 }
 
 }  // namespace machine
