@@ -66,7 +66,7 @@ TEST_F(OutputFiles, ReadAsThePictureThatWasWritten) {
 TEST_F(OutputFiles, TruncatedInputChangesNothing) {
   for (const std::string in : {"in.png", "in.jpg"}) {
     const std::string file = in == "in.png" ? png() : jpeg();
-    for (const size_t kept : {file.size() / 8, file.size() / 2, file.size() - 20}) {
+    for (const size_t kept : {file.size() / 8, file.size() / 2, file.size() - 2}) {
       SCOPED_TRACE(in + ", " + std::to_string(kept) + " bytes");
       write_text(in, file.substr(0, kept));
       write_text("out.png", "old");
