@@ -6,11 +6,32 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
+#include <csignal>
 #include <cstring>
 
 #include "failure.h"
 
 namespace tools {
+namespace {
+
+// The last file that has no name of its own yet: what a signal's handler removes.
+char unfinished[PATH_MAX];
+
+extern "C" void remove_and_end(int number) {
+  unlink(unfinished);
+  std::signal(number, SIG_DFL);
+  std::raise(number);
+}
+
+void remove_on_signals(const std::string& path) {
+  for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+    if (std::signal(number, remove_and_end) == SIG_IGN) std::signal(number, SIG_IGN);
+  }
+  std::snprintf(unfinished, sizeof unfinished, "%s", path.c_str());
+}
+
+}  // namespace
 
 void fail_on_file(const std::string& path, const char* what) {
   throw UserError(path + ": cannot be " + what + ": " + std::strerror(errno));
@@ -73,6 +94,7 @@ void OutputFile::open_beside() {
     temporary_.clear();
     return;
   }
+  remove_on_signals(temporary_);
   file_.reset(fdopen(descriptor, "wb"));
 }
 

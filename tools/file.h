@@ -25,7 +25,7 @@ void write_file(const std::string& path, const void* bytes, size_t count);
 bool is_regular_file(const std::string& path);
 
 // A file written under another name in the same folder: commit() gives it its own. Until then, and
-// for ever where it is not called, a file of that name stays as it was. What is there and no regular
+// for ever where it is not called or a signal ends the program, a file of that name stays as it was. What is there and no regular
 // file, a device or a pipe, is written directly.
 class OutputFile {
  public:

@@ -23,7 +23,8 @@ constexpr char kFooter[] =
     "The element is a rectangle, a cross of the row and the column through the anchor, a filled\n"
     "ellipse, or a FILE of 0 and 1 in lines or a picture that is bright (128 and more) inside the\n"
     "element. The library has an ellipse of its own, shape 2, whose middle row is empty at odd\n"
-    "heights (3x3 is two pixels); the one here is drawn and passed as a mask.\n";
+    "heights (3x3 is two pixels); the one here is drawn and passed as a mask. The second step of\n"
+    "open and close takes the element turned by 180 degrees.\n";
 
 enum class Operation { erode, dilate, open, close, gradient };
 

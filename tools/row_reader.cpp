@@ -122,7 +122,7 @@ std::unique_ptr<RowReader> open_rows(const std::string& path, Form form) {
   return open_rows(open_input(path), path, form);
 }
 
-std::function<std::unique_ptr<RowReader>()> rereadable(const std::string& path, Form form) {
+RowOpener rereadable(const std::string& path, Form form) {
   if (is_regular_file(path)) return [path, form] { return open_rows(path, form); };
   const auto picture = std::make_shared<const Picture>(whole_picture(*open_rows(path, form), path));
   return [picture] { return rows_of(picture); };

@@ -55,7 +55,8 @@ std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form fo
 bool may_be_picture(const File& file, const std::string& name);
 
 // The rows of a file that is read twice. A pipe gives its picture only once, so it is kept.
-std::function<std::unique_ptr<RowReader>()> rereadable(const std::string& path, Form form);
+using RowOpener = std::function<std::unique_ptr<RowReader>()>;
+RowOpener rereadable(const std::string& path, Form form);
 
 // All rows together. Throws UserError where the picture is larger than every command can take.
 Picture whole_picture(RowReader& rows, const std::string& name);

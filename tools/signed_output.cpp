@@ -27,7 +27,8 @@ void check(const SignedOutput& output) { check_ending(output.path); }
 void write_signed(const std::string& in, const SignedOutput& output, const std::string& how,
                   const std::function<FilterStage(RoiSize picture)>& filter_for) {
   const bool chosen = output.range > 0;
-  const auto open = rereadable(in, Form::grey);
+  const RowOpener once = [&] { return open_rows(in, Form::grey); };
+  const RowOpener open = chosen ? once : rereadable(in, Form::grey);
   auto rows = open();
   const RoiSize size = rows->size();
   const auto out = create_picture(output.path, size, 3);

@@ -77,7 +77,8 @@ Plane<uint8_t> covered_by(const Element& element) {
   Plane<uint8_t> sheet(element.size);
   sheet.values.assign(sheet.values.size(), 255);
   const Element other = turned(element);
-  sheet.values[size_t(other.anchor.y * element.size.width + other.anchor.x)] = 0;
+  const size_t width = size_t(element.size.width);
+  sheet.values[size_t(other.anchor.y) * width + size_t(other.anchor.x)] = 0;
   Plane<uint8_t> covered = apply(Extremum::least, element, sheet).result;
   std::reverse(covered.values.begin(), covered.values.end());
   return covered;
@@ -85,22 +86,21 @@ Plane<uint8_t> covered_by(const Element& element) {
 
 // The pixels of two elements as squares, side by side.
 Picture side_by_side(const Plane<uint8_t>& left, const Plane<uint8_t>& right) {
-  constexpr int32_t kSquare = 20;
-  Picture sheet({640, 320}, 1);
+  constexpr int32_t kSquare = 20, kHalf = 320;
+  Picture sheet({2 * kHalf, kHalf}, 1);
   std::fill(sheet.pixels.begin(), sheet.pixels.end(), uint8_t{190});
-  int32_t middle = 160;
-  for (const Plane<uint8_t>* element : {&left, &right}) {
-    const RoiSize size = element->size;
-    const int32_t x0 = middle - size.width * kSquare / 2, y0 = 160 - size.height * kSquare / 2;
-    for (int32_t y = 0; y < size.height * kSquare - 1; ++y) {
-      for (int32_t x = 0; x < size.width * kSquare - 1; ++x) {
-        if (x % kSquare == kSquare - 1 || y % kSquare == kSquare - 1)
-          continue;  // the lines between
-        sheet.pixels[size_t((y0 + y) * 640 + x0 + x)] =
-            element->values[size_t(y / kSquare * size.width + x / kSquare)];
-      }
+  uint8_t* pixel = sheet.pixels.data();
+  for (int32_t y = 0; y < kHalf; ++y) {
+    for (int32_t x = 0; x < 2 * kHalf; ++x, ++pixel) {
+      const Plane<uint8_t>& element = x < kHalf ? left : right;
+      const int32_t u = x % kHalf - (kHalf - element.size.width * kSquare) / 2;
+      const int32_t v = y - (kHalf - element.size.height * kSquare) / 2;
+      const PixelPoint at{u / kSquare, v / kSquare};
+      const bool line = u % kSquare == kSquare - 1 || v % kSquare == kSquare - 1;
+      if (u < 0 || v < 0 || at.x >= element.size.width || at.y >= element.size.height || line)
+        continue;
+      *pixel = element.values[size_t(at.y) * size_t(element.size.width) + size_t(at.x)];
     }
-    middle += 320;
   }
   return sheet;
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "element.h"
+#include "row_writer.h"
 #include "run_program.h"
 #include "sample_pictures.h"
 
@@ -205,6 +206,21 @@ TEST_F(MorphologyCommands, GreyWithAlphaAndJpegKeepWhatTheyCan) {
     EXPECT_EQ(int(out.pixels[size_t(4 * i + 3)]), 10 * (i / 9));
   }
   EXPECT_GT(int(read_picture(path("out.jpg")).pixels[0]), 240);  // transparent over white
+}
+
+// Ten times as high, the picture takes no more memory.
+TEST_F(MorphologyCommands, PicturesMayBeLargerThanMemory) {
+  const auto open_of_height = [&](int32_t height) {
+    constexpr int32_t kWidth = 40000;
+    const auto rows = create_picture(path("in.png"), {kWidth, height}, 1);
+    for (int32_t y = 0; y < height; ++y) rows->write(Bytes(kWidth, uint8_t(y)).data());
+    rows->finish();
+    return run({"open", path("in.png"), path("out.png"), "--size", "15x15"});
+  };
+  const Outcome low = open_of_height(60), high = open_of_height(600);
+  ASSERT_EQ(high.code, 0) << high.err;
+  EXPECT_LT(high.peak - low.peak, 4 << 10);  // the whole picture has 23 MiB
+  EXPECT_NE(high.err.find("600 of 600 rows"), std::string::npos) << high.err;
 }
 
 TEST_F(MorphologyCommands, Mistakes) {

@@ -2,6 +2,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
 #include <fstream>
 #include <thread>
 
@@ -65,7 +66,7 @@ TEST_F(OutputFiles, ReadAsThePictureThatWasWritten) {
 TEST_F(OutputFiles, TruncatedInputChangesNothing) {
   for (const std::string in : {"in.png", "in.jpg"}) {
     const std::string file = in == "in.png" ? png() : jpeg();
-    for (const size_t kept : {file.size() / 8, file.size() / 2, file.size() - 20}) {
+    for (const size_t kept : {file.size() / 8, file.size() / 2, file.size() - 2}) {
       SCOPED_TRACE(in + ", " + std::to_string(kept) + " bytes");
       write_text(in, file.substr(0, kept));
       write_text("out.png", "old");
@@ -96,6 +97,29 @@ TEST_F(OutputFiles, AFullDiskChangesNothing) {
   }
   EXPECT_TRUE(read_text("out.png") == "old");
   EXPECT_EQ(files(), (Names{"in.png", "out.png"}));
+}
+
+TEST_F(OutputFiles, ASignalLeavesNothing) {
+  write_text("out.png", "old");
+  ASSERT_EQ(mkfifo(path("pipe.png").c_str(), 0600), 0);
+  Outcome outcome;
+  std::thread program([&] { outcome = run({"blur", path("pipe.png"), path("out.png")}); });
+  {
+    std::ofstream pipe(path("pipe.png"));
+    const std::string picture = png();
+    pipe << picture.substr(0, picture.size() / 2) << std::flush;
+    std::string temporary;  // .nuqi-, the process, - and a number
+    while (temporary.empty()) {
+      for (const std::string& name : files()) {
+        if (name.rfind(".nuqi-", 0) == 0) temporary = name;
+      }
+    }
+    kill(pid_t(std::stol(temporary.substr(6))), SIGTERM);
+    program.join();
+  }
+  EXPECT_EQ(outcome.code, -1);
+  EXPECT_EQ(files(), (Names{"out.png", "pipe.png"}));
+  EXPECT_EQ(read_text("out.png"), "old");
 }
 
 TEST_F(OutputFiles, MayBeTheInput) {

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,9 +35,10 @@ Outcome ProgramTest::run(const std::vector<std::string>& arguments) const {
   posix_spawn_file_actions_destroy(&files);
   if (spawned != 0) return {};
   int status = 0;
-  waitpid(child, &status, 0);
+  rusage usage{};
+  wait4(child, &status, 0, &usage);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read_text("stdout.txt"),
-          read_text("stderr.txt")};
+          read_text("stderr.txt"), usage.ru_maxrss};
 }
 
 void ProgramTest::expect_refused(const std::vector<std::string>& arguments,

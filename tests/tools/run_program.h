@@ -15,6 +15,7 @@ namespace tools::test {
 struct Outcome {
   int code = -1;
   std::string out, err;
+  long peak = 0;  // of its memory, in KiB
 };
 
 class ProgramTest : public testing::Test {
