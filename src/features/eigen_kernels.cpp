@@ -233,8 +233,8 @@ NUQI_INLINE void write_block(const EigenJob& job, int32_t x, const Along& along)
 // ---- Sums along the rows
 
 // Nine products of bytes' 3x3 derivatives are below 2^24: floats would be exact, and so integers give the
-// same. Of each pair of columns, the left one's window is the pair and the column before it, the right one's the
-// pair and the column behind it.
+// same. Of each pair of columns, the left one's window is the pair and the column before it, the right
+// one's the pair and the column behind it.
 struct Pairs {
   Px<int16_t> both, before, behind;
 
