@@ -34,12 +34,13 @@ SobelWeights<D> weights_of(const D (&x)[4], const D (&y)[4]) {
   return weights;
 }
 
-// Fills a strip with the derivatives of its rows and columns and of the columns that windows reach on
-// either side; beyond the image's ends, with copies of its first or last column.
+// Fills a strip with the derivatives of its rows and columns and of a column on either side, for windows
+// of 3x3: the others keep columns from strip to strip. Beyond the image's ends lie copies of its first or
+// last column.
 template <class T, class D>
 void derive(const EigenCall<T>& call, const EigenJob& job, EigenStrip<D>& strip) {
   constexpr int kMargin = EigenStrip<D>::kMargin;
-  const int half = call.aperture / 2, reach = half + job.half;
+  const int half = call.aperture / 2, reach = half + 1;
   const int32_t left = std::min(job.x, reach);
   const int32_t end = job.x + job.columns, right = std::min(job.width - end, reach);
 
@@ -60,8 +61,8 @@ void derive(const EigenCall<T>& call, const EigenJob& job, EigenStrip<D>& strip)
     for (D(&row)[EigenStrip<D>::kPitch] : to) {
       D* const first = row + kMargin - left;
       D* const last = row + kMargin + job.columns + right - 1;
-      if (left == job.x) std::fill(first - job.half, first, *first);
-      if (right == job.width - end) std::fill(last + 1, last + 1 + kEigenLanes + job.half, *last);
+      if (left == job.x) first[-1] = *first;
+      if (right == job.width - end) std::fill(last + 1, last + 1 + kEigenLanes, *last);
     }
   };
   filter(strip.dx, kernels[1][0], weights_of(derive, smooth));

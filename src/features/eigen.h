@@ -44,10 +44,9 @@ struct EigenStrip {
 
 // What lasts from strip to strip, or from band to band of rows.
 struct EigenCarry {
-  // Products of the last columns; the sums around the next one; sums along the last block's rows.
+  // Products of the last columns, and sums around the next one.
   alignas(64) float columns[kEigenPlanes][64][kEigenRows];
   alignas(64) double sum[kEigenPlanes][kEigenRows];
-  alignas(64) float along[kEigenPlanes][kEigenRows][kEigenLanes];
   // Of the columns at the right that do not fill a vector, what the buffer holds of the others.
   alignas(64) float kept[kEigenKept][kEigenLanes];
 };

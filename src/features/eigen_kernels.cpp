@@ -113,38 +113,37 @@ class RunningDown {
  public:
   using Sum = float;
 
-  NUQI_INLINE RunningDown(const EigenJob& job, int32_t x)
+  NUQI_INLINE RunningDown(const EigenJob& job, int32_t x, Planes<float>& total)
       : half_(job.half), size_(2 * job.half + 1), top_(job.y == 0), kept_(job, x, size_ + 1) {
     if (top_) return;
     for (int k = 0; k < size_; ++k)
       for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(rows_[p][k], load(kept_(p, k))); });
-    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { total_.of[p] = load(kept_(p, size_)); });
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { total.of[p] = load(kept_(p, size_)); });
   }
-  NUQI_INLINE const Planes<float>& add(int i, const Planes<float>& row) {
+  // `total` becomes the sums over the window that ends with row i.
+  NUQI_INLINE void add(int i, const Planes<float>& row, Planes<float>& total) {
     for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
       if (top_ && i == 0) {
         // The first row counts half + 1 times; nothing leaves before it does.
         for (int k = 1; k <= size_; ++k) store(rows_[p][k], k <= half_ ? Px<float>{} : row.of[p]);
-        total_.of[p] = row.of[p] * broadcast(float(half_ + 1));
+        total.of[p] = row.of[p] * broadcast(float(half_ + 1));
       } else {
-        total_.of[p] = total_.of[p] + (row.of[p] - load(rows_[p][i]));
+        total.of[p] = total.of[p] + (row.of[p] - load(rows_[p][i]));
         store(rows_[p][size_ + i], row.of[p]);
       }
     });
-    return total_;
   }
-  NUQI_INLINE void keep(int rows) const {
+  NUQI_INLINE void keep(int rows, const Planes<float>& total) const {
     for (int k = 0; k < size_; ++k)
       for_each<kEigenPlanes>([&](int p)
                                  NUQI_FORCED { store(kept_(p, k), load(rows_[p][rows + k])); });
-    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(kept_(p, size_), total_.of[p]); });
+    for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(kept_(p, size_), total.of[p]); });
   }
 
  private:
   const int half_, size_;
   const bool top_;
   const Kept<float> kept_;
-  Planes<float> total_;
   // Of as many rows as a window has before the band, then of the band's.
   alignas(64) float rows_[kEigenPlanes][7 + kMostRows][16];
 };
@@ -154,23 +153,22 @@ class ThreeDown {
  public:
   using Sum = int32_t;
 
-  NUQI_INLINE ThreeDown(const EigenJob& job, int32_t x) : top_(job.y == 0), kept_(job, x, 2) {
+  NUQI_INLINE ThreeDown(const EigenJob& job, int32_t x, Planes<int32_t>&)
+      : top_(job.y == 0), kept_(job, x, 2) {
     for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
       last_.of[p] = top_ ? Px<int32_t>{} : load(kept_(p, 0));
       two_.of[p] = top_ ? Px<int32_t>{} : load(kept_(p, 1));
     });
   }
-  NUQI_INLINE Planes<int32_t> add(int i, const Planes<int32_t>& row) {
-    Planes<int32_t> total;
+  NUQI_INLINE void add(int i, const Planes<int32_t>& row, Planes<int32_t>& total) {
     for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
       if (top_ && i == 0) last_.of[p] = row.of[p];
       total.of[p] = two_.of[p] + row.of[p];
       two_.of[p] = last_.of[p] + row.of[p];
       last_.of[p] = row.of[p];
     });
-    return total;
   }
-  NUQI_INLINE void keep(int) const {
+  NUQI_INLINE void keep(int, const Planes<int32_t>&) const {
     for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
       store(kept_(p, 0), last_.of[p]);
       store(kept_(p, 1), two_.of[p]);
@@ -193,15 +191,15 @@ NUQI_INLINE void walk_down(const EigenJob& job, int32_t x, const Image<float>& d
   const int in_image = job.rows, count = in_image + job.repeats;
   const int first = job.y < job.half ? int(job.half - job.y) : 0;  // to end a window
   const double scale = job.scale;
-  Down down(job, x);
-  Planes<T> row;
+  Planes<T> row, total;
+  Down down(job, x, total);
   alignas(64) T sums[kEigenPlanes][16];
   // Row i is begun, row i - 1 finished.
   Results<result> results[16 / Doubles::kLanes];
   for (int i = 0; i <= count; ++i) {
     if (i < in_image) row = along(i);
     if (i < count) {
-      const Planes<T> total = down.add(i, row);
+      down.add(i, row, total);
       for_each<kEigenPlanes>([&](int p) NUQI_FORCED { store(sums[p], total.of[p]); });
     }
     for (int k = 0; k < 16 / Doubles::kLanes; ++k) {
@@ -213,7 +211,7 @@ NUQI_INLINE void walk_down(const EigenJob& job, int32_t x, const Image<float>& d
       if (i < count) results[k].begin(at(0), at(1), at(2), scale);
     }
   }
-  down.keep(count);
+  down.keep(count, total);
 }
 
 // The results of a block that is not whole go through a place of their own.
@@ -235,8 +233,8 @@ NUQI_INLINE void write_block(const EigenJob& job, int32_t x, const Along& along)
 // ---- Sums along the rows
 
 // Nine products of bytes' 3x3 derivatives are below 2^24: floats would be exact, and so integers give the
-// same. Of each pair of columns, the left one's window is the pair and the column before it, the right one's the
-// pair and the column behind it.
+// same. Of each pair of columns, the left one's window is the pair and the column before it, the right
+// one's the pair and the column behind it.
 struct Pairs {
   Px<int16_t> both, before, behind;
 
@@ -293,47 +291,31 @@ NUQI_NOINLINE void read(const EigenJob& job, const EigenStrip<D>& strip, int32_t
   }
 }
 
-// Gets the sums along the rows of the block from column x of the image on, if there is one, and writes
-// the block before it, column by column and row by row in turns: the square roots of the one and the
-// additions of the other are chains that leave most of the processor idle.
+// The sums along the rows of the block from column x of the image on, of one plane.
+NUQI_NOINLINE void sum_block(const EigenJob& job, int plane, int32_t x, float* along) {
+  double(&carried)[kEigenRows] = job.carry->sum[plane];
+  const RunningColumns columns = columns_of(job, plane);
+  auto sum = x == 0 ? columns.start(job.half) : load(carried);
+  sum_rows(columns, job.half, x, sum, along);
+  store(carried, sum);
+}
+
 template <EigenResult result>
-NUQI_NOINLINE void advance(const EigenJob& job, int32_t x) {
-  auto& carry = *job.carry;
-  alignas(64) float turned[kEigenPlanes][16][16];
-  Px<double> sum[kEigenPlanes];
-  for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-    sum[p] = x == 0 ? columns_of(job, p).start(job.half) : load(carry.sum[p]);
-  });
-  const auto add_column = [&](int i) NUQI_FORCED {
-    if (x >= job.width) return;
-    for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-      const float* const enters = columns_of(job, p).at(x + i + job.half);
-      const float* const leaves = columns_of(job, p).at(x + i - job.half - 1);
-      sum[p] = (sum[p] + load_doubles(enters)) - load_doubles(leaves);
-      store(turned[p][i], round_to_floats(sum[p]));
-    });
-  };
-  if (x > 0)
-    write_block<result, RunningDown>(job, x - 16, [&](int i) NUQI_FORCED {
-      add_column(i);
-      return Planes<float>{
-          {load(carry.along[0][i]), load(carry.along[1][i]), load(carry.along[2][i])}};
-    });
-  for (int i = x > 0 ? job.rows : 0; i < 16; ++i) add_column(i);
-  if (x >= job.width) return;
-  for_each<kEigenPlanes>([&](int p) NUQI_FORCED {
-    store(carry.sum[p], sum[p]);
-    transpose([&](int i) NUQI_FORCED { return turned[p][i]; }, carry.along[p][0]);
+NUQI_NOINLINE void write(const EigenJob& job, int32_t x) {
+  alignas(64) float along[kEigenPlanes][kEigenRows][16];
+  for (int p = 0; p < kEigenPlanes; ++p) sum_block(job, p, x, along[p][0]);
+  write_block<result, RunningDown>(job, x, [&](int i) NUQI_FORCED {
+    return Planes<float>{{load(along[0][i]), load(along[1][i]), load(along[2][i])}};
   });
 }
 
-// The last windows of a block reach into the next one.
+// The last windows of a block reach into the next one: it is written when that has been read.
 template <EigenResult result, class D>
 void running(const EigenJob& job, const EigenStrip<D>& strip) {
   int32_t x = 0;
   for (; x < job.columns; x += 16) {
     read(job, strip, x);
-    if (job.x + x > 0) advance<result>(job, job.x + x - 16);
+    if (job.x + x > 0) write<result>(job, job.x + x - 16);
   }
   const int32_t end = job.x + x;
   if (end < job.width) return;
@@ -341,8 +323,7 @@ void running(const EigenJob& job, const EigenStrip<D>& strip) {
     const auto last = load(columns_of(job, p).at(end - 1));
     for (int k = 0; k < job.half; ++k) columns_of(job, p).set(end + k, last);
   }
-  advance<result>(job, end - 16);
-  advance<result>(job, end);
+  write<result>(job, end - 16);
 }
 
 template <class D>

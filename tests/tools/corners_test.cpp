@@ -60,11 +60,11 @@ TEST_F(Corners, AreTheSameOnEveryInstructionSet) {
   write_grey("in.png", {90, 70}, noise);
   const std::string best = list({"--aperture", "5", "--block", "7", "--distance", "3"});
   EXPECT_GT(places(best).size(), 40u);
-  const Outcome info = run({"info"});
-  for (const char* level : {"sse2", "avx2", "avx512", "neon", "plain"})
-    if (info.out.find(level) != std::string::npos && run({"--isa", level, "info"}).code == 0)
-      EXPECT_EQ(list({"--isa", level, "--aperture", "5", "--block", "7", "--distance", "3"}), best)
-          << level;
+  for (const char* level : {"sse2", "avx2", "avx512", "neon", "plain"}) {
+    if (run({"--isa", level, "info"}).code != 0) continue;  // not on this machine
+    EXPECT_EQ(list({"--isa", level, "--aperture", "5", "--block", "7", "--distance", "3"}), best)
+        << level;
+  }
 }
 
 TEST_F(Corners, RingsStandAroundThem) {
@@ -76,8 +76,10 @@ TEST_F(Corners, RingsStandAroundThem) {
       const size_t at = 3 * (40u * unsigned(y) + unsigned(x));
       const bool same = std::equal(&before.pixels[at], &before.pixels[at] + 3, &after.pixels[at]);
       const double distance = std::hypot(x - 20, y - 20);
-      if (distance < 2 || distance > 5) EXPECT_TRUE(same) << x << " " << y;
-      if (distance > 2.6 && distance < 4.4) EXPECT_FALSE(same) << x << " " << y;
+      const bool ringed = distance > 2.6 && distance < 4.4;
+      const bool left_alone = distance < 2 || distance > 5;
+      EXPECT_FALSE(ringed && same) << x << " " << y;
+      EXPECT_FALSE(left_alone && !same) << x << " " << y;
     }
 }
 

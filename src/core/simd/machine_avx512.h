@@ -206,9 +206,8 @@ NUQI_INLINE V permute_bytes(V low, V high, NativeAs<uint8_t, V> places) {
 template <Ymm V>
 requires(sizeof(LaneOf<V>) == 4) NUQI_INLINE auto zip(const V& a, const V& b) {
   const __m512i places = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
-  typedef LaneOf<V> Both __attribute__((vector_size(64)));
-  return (Both)_mm512_permutex2var_epi32(_mm512_castsi256_si512((__m256i)a), places,
-                                         _mm512_castsi256_si512((__m256i)b));
+  return _mm512_permutex2var_epi32(_mm512_castsi256_si512((__m256i)a), places,
+                                   _mm512_castsi256_si512((__m256i)b));
 }
 
 // ---- Predicates

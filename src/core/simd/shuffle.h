@@ -68,7 +68,7 @@ template <class T, int N>
 NUQI_INLINE Vec<T, 2 * N> zip(const Vec<T, N>& a, const Vec<T, N>& b) {
   using Out = Vec<T, 2 * N>;
   if constexpr (Out::kRegs == Vec<T, N>::kRegs)
-    return {{machine::zip(a.r[0], b.r[0])}};
+    return {{(typename Out::Native)machine::zip(a.r[0], b.r[0])}};
   else
     return generate<Out>([&](int i) NUQI_FORCED {
       const typename UpTo<Out::kLanesPerReg>::Type lanes;
