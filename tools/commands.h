@@ -10,6 +10,7 @@ namespace tools {
 // Each adds its command, options and help to the program. main.cpp lists them.
 void add_tour(CLI::App& app);
 void add_edges(CLI::App& app);
+void add_distance(CLI::App& app);
 void add_background(CLI::App& app);
 void add_blur(CLI::App& app);
 void add_sobel(CLI::App& app);

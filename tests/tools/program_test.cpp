@@ -229,8 +229,8 @@ TEST_F(Info, ListsTheHeadersFunctions) {
 }
 
 TEST_F(Info, HelpAndVersionSucceed) {
-  for (const char* command : {"tour", "edges", "background", "blur", "sobel", "laplace", "stats",
-                              "diff", "split", "join", "profile", "motion", "info"}) {
+  for (const char* command : {"tour", "edges", "distance", "background", "blur", "sobel", "laplace",
+                              "stats", "diff", "split", "join", "profile", "motion", "info"}) {
     const Outcome outcome = run({command, "--help"});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_NE(outcome.out.find(command), std::string::npos);
