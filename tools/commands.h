@@ -11,6 +11,7 @@ namespace tools {
 void add_tour(CLI::App& app);
 void add_edges(CLI::App& app);
 void add_corners(CLI::App& app);
+void add_distance(CLI::App& app);
 void add_background(CLI::App& app);
 void add_blur(CLI::App& app);
 void add_sobel(CLI::App& app);

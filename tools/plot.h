@@ -11,6 +11,17 @@ using Ink = std::array<uint8_t, 3>;  // red, green, blue
 inline constexpr Ink kGreyInk = {70, 80, 96};
 inline constexpr Ink kChannelInks[3] = {{220, 60, 50}, {30, 160, 80}, {50, 100, 230}};
 
+// 1, 2 or 5 times a power of ten, so that at most six steps reach `end`; whole numbers.
+double step_to(double end);
+
+// A rectangle of a colour picture, both ends in.
+void fill(Picture& picture, int32_t left, int32_t top, int32_t right, int32_t bottom, Ink ink);
+
+// A whole number whose digits are 3 dots wide and 5 high, of `dot` pixels each: it ends before column
+// `right`, and `middle` is its middle row. Each digit takes 4 dots.
+void draw_number(Picture& picture, double value, int32_t right, int32_t middle, int32_t dot,
+                 Ink ink);
+
 class Plot {
  public:
   // A white sheet with a grid for places 0 to `last` and values 0 to `top`.
@@ -28,9 +39,7 @@ class Plot {
  private:
   int32_t column_of(double place) const;
   int32_t row_of(double value) const;
-  void dot(int32_t x, int32_t y, Ink ink);
   void fill(int32_t left, int32_t top, int32_t right, int32_t bottom, Ink ink);  // both ends in
-  void number(double value, int32_t right, int32_t middle);
   void grid();
 
   Picture picture_;

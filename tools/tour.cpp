@@ -30,6 +30,7 @@ constexpr Family kFamilies[] = {
     {"Canny edges", canny_section},
     {"corners", corners_section},
     {"erosion and dilation", morphology_section},
+    {"distance transforms", distance_section},
 };
 
 constexpr char kFooter[] =

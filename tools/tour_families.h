@@ -16,5 +16,6 @@ Section filters_section(const Scene& scene);
 Section canny_section(const Scene& scene);
 Section corners_section(const Scene& scene);
 Section morphology_section(const Scene& scene);
+Section distance_section(const Scene& scene);
 
 }  // namespace tools

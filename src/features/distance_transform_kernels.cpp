@@ -108,7 +108,8 @@ struct Steps {
 // The weights of the ways through 1, 2, 4 ... segments, along which they hand on distances.
 template <int kLanes, bool right>
 struct Ways {
-  Ints<kLanes> of[kLog2<kLanes>];
+  static constexpr int kSteps = kLog2<kLanes>;
+  Ints<kLanes> of[kSteps];
 
   NUQI_INLINE Ways(const Block<kLanes>& block, int32_t orthogonal) {
     const int64_t length = block.count * orthogonal;
@@ -116,24 +117,22 @@ struct Ways {
     const Ints<kLanes> lengths =
         min(whole + rest_of(block, all<kLanes>(orthogonal), Ints<kLanes>{}), far<kLanes>());
     of[0] = moved<right>(lengths, far<kLanes>());
-    for_each<kLog2<kLanes> - 1>(
-        [&](int k) NUQI_FORCED { of[k + 1] = min(of[k] + ahead(of[k], k), far<kLanes>()); });
+    lengthen(typename UpTo<kSteps - 1>::Type{});
   }
   // What every segment gets from all those before it, from what it gets from the last of them.
-  NUQI_INLINE Ints<kLanes> spread(Ints<kLanes> carry) const {
-    for_each<kLog2<kLanes>>([&](int k)
-                                NUQI_FORCED { carry = min(carry, ahead(carry, k) + of[k]); });
-    return carry;
+  NUQI_INLINE Ints<kLanes> spread(const Ints<kLanes>& carry) const {
+    return spread(carry, typename UpTo<kSteps>::Type{});
   }
 
  private:
-  NUQI_INLINE static Ints<kLanes> ahead(const Ints<kLanes>& a, int k) {
-    return k == 0   ? moved<right, 1>(a, far<kLanes>())
-           : k == 1 ? moved<right, 2>(a, far<kLanes>())
-                    : k == 2
-               ? moved < right,
-           kLanes == 4 ? 1 : 4 > (a, far<kLanes>()) : moved < right,
-           kLanes == 16 ? 8 : 1 > (a, far<kLanes>());
+  template <int... K>
+  NUQI_INLINE void lengthen(Indices<K...>) {
+    ((of[K + 1] = min(of[K] + moved<right, 1 << K>(of[K], far<kLanes>()), far<kLanes>())), ...);
+  }
+  template <int... K>
+  NUQI_INLINE Ints<kLanes> spread(Ints<kLanes> carry, Indices<K...>) const {
+    ((carry = min(carry, moved<right, 1 << K>(carry, far<kLanes>()) + of[K])), ...);
+    return carry;
   }
 };
 

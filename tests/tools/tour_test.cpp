@@ -97,6 +97,8 @@ TEST_F(Tour, ThePageShowsEachFamilyAndItsCalls) {
                            "nuqiScharr_Dx_8u16s_C1R",
                            "nuqiScharr_Dy_8u16s_C1R",
                            "nuqiCanny_16s8u_C1R",
+                           "nuqiDistanceTransform_3x3_8u32f_C1R",
+                           "nuqiDistanceTransform_5x5_8u32f_C1R",
                            "nuqiBlur_8u16s_C1R",
                            "nuqiSobel_8u16s_C1R",
                            "nuqiLaplace_8u16s_C1R",
