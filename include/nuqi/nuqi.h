@@ -1119,7 +1119,8 @@ NUQI_API StatusCode nuqiGetDistanceTransformMask(int32_t maskType, float* metric
  * dataType    1 for 8u, 9 for 32f.
  * Memory      One block. With p bytes a pixel, about p * (roiWidth + maskSize.width + 17) bytes for
  *             each of maskSize.height + 1 (8u) or + 2 (32f) rows; masks and ellipses besides 16 bytes
- *             for each pixel of the element.
+ *             for each pixel of the element. An erosion or dilation takes up to 25 KB of the caller's
+ *             stack.
  * Free        nuqiMorphologyFree ends a state's use, and by contract leaves its memory allocated until
  *             the program ends. So do not make a state for every image: keep one and reuse it.
  * Threads     One state serves one sequence of calls at a time.

@@ -117,7 +117,7 @@ MorphState* new_state(const MorphRequest& request, const int32_t* element) {
       .firstRow = block + plan.first_row,
       .rowStep = static_cast<int32_t>(plan.row_step),
       .held = 0,
-      .rows = reinterpret_cast<uint8_t**>(block + plan.table),
+      .rows = reinterpret_cast<void**>(block + plan.table),
       .spareRows = block + plan.spare_rows,
   };
   if (state->shape == kArbitrary) build_masks(request, element, *state);

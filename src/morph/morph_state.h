@@ -18,7 +18,7 @@ struct MorphState {
   uint8_t* firstRow;
   int32_t rowStep;  // bytes from one row buffer to the next
   int32_t held;     // ring rows that the next strip needs
-  uint8_t** rows;   // the ring rows in their order; behind them the spare ones
+  void** rows;      // the ring rows in their order; behind them the spare ones
   uint8_t* spareRows;
 };
 static_assert(sizeof(void*) != 4 || sizeof(MorphState) == 60);

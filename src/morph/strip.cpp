@@ -65,7 +65,7 @@ void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum
   const WindowKernelsOf<T>& kernels = window_kernels().template of_type<T>();
   MorphState& state = *call.state;
   const int32_t width = call.roi->width * state.channels;
-  const StripeRows<T> source = {stripe, call.src, reinterpret_cast<void* const*>(state.rows)};
+  const StripeRows<T> source = {stripe, call.src, state.rows};
   const T* rows[kWindowSources];
   const int which = static_cast<int>(extremum), size = state.maskWidth == 3 ? 0 : 1;
   const auto kernel = state.shape == kRectangle ? kernels.rectangle[which][size]

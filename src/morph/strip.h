@@ -22,7 +22,7 @@ struct StripJob {
   RoiSize element;
   PixelPoint anchor;
   const uint8_t* inside;  // of arbitrary masks
-  uint8_t** rows;         // the ring: those of the element, then as many as are computed besides
+  void** rows;            // the ring: those of the element, then as many as are computed besides
   int32_t slots, held;
 };
 

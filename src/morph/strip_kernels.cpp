@@ -1,4 +1,4 @@
-// Extrema over the pixels of an element: rectangles, crosses and arbitrary masks.
+// Extrema over elements of any size, whose rows pass through the state's ring.
 #include "morph/extremum.h"
 
 namespace nuqi::NUQI_ISA {
@@ -14,7 +14,7 @@ NUQI_INLINE Vec<T, N> best(const Vec<T, N>& a, const Vec<T, N>& b, const Vec<T, 
 
 template <class T>
 struct Ring {
-  uint8_t* const* rows;
+  void* const* rows;
   int32_t slots, oldest, held;
 
   // Row i, counted from the oldest.
@@ -94,8 +94,8 @@ NUQI_NOINLINE void expand(const StripJob<T>& job, const T* src, T* row) {
   for (int64_t i = 0; i < right; ++i) to[job.count + i] = to[job.count + i - job.channels];
 }
 
-// Runs a strip: enter(ring, source row, slot) puts a row in, leave(ring, dst) makes a result of the
-// element's rows from the oldest on, leave.two(...) two at once.
+// Runs a strip. Of its family enter(source row, slot) puts a row in, entered(ring) sees to the others;
+// leave(ring, dst) makes a result of the element's rows from the oldest on, or two of them, together.
 template <class T, class Family>
 NUQI_INLINE RingState run(const StripJob<T>& job, const Family& family) {
   Ring<T> ring = {job.rows, job.slots, 0, job.held};
@@ -122,16 +122,17 @@ NUQI_INLINE RingState run(const StripJob<T>& job, const Family& family) {
   while (y < job.end) {
     enter();
     if (ring.held < job.element.height) continue;
-    if (Family::kTogether == 2 && y < job.end) {
-      enter();
-      T* upper = next_result();
-      T* lower = next_result();
-      family.leave(ring, upper, lower);
-      ring.drop(2);
-    } else {
-      family.leave(ring, next_result());
-      ring.drop(1);
-    }
+    if constexpr (Family::kTogether == 2)
+      if (y < job.end) {
+        enter();
+        T* upper = next_result();
+        T* lower = next_result();
+        family.leave(ring, upper, lower);
+        ring.drop(2);
+        continue;
+      }
+    family.leave(ring, next_result());
+    ring.drop(1);
   }
   return {ring.oldest, ring.held};
 }
@@ -194,7 +195,6 @@ struct Cross {
       store(dst + x, result, part);
     });
   }
-  NUQI_INLINE void leave(const Ring<T>&, T*, T*) const {}
 };
 
 // ---- Arbitrary masks

@@ -54,6 +54,8 @@ TEST(Stripe, WindowsReachAboveAndBelowWhateverTheStripes) {
                                               {1, 8},
                                               {4, 1, 1, 3},
                                               {8, 1},
+                                              {9, 0},
+                                              {1, 2, 6, 0},
                                               {1, 1, 1, 1, 1, 1, 1, 1, 1},
                                               {2, 5, 2}})
         EXPECT_EQ(windows(image, above, below, heights), expected)
