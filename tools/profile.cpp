@@ -11,6 +11,7 @@
 #include "failure.h"
 #include "picture.h"
 #include "plot.h"
+#include "position.h"
 
 namespace tools {
 namespace {
@@ -23,22 +24,6 @@ constexpr char kFooter[] =
 struct Options {
   std::string in, start, end, plot;
 };
-
-PixelPoint point_of(const std::string& text) {
-  PixelPoint point{};
-  int length = 0;
-  if (std::sscanf(text.c_str(), "%9d,%9d%n", &point.x, &point.y, &length) == 2 &&
-      size_t(length) == text.size()) {
-    return point;
-  }
-  throw UserError(text + ": is no position, which is written as x,y");
-}
-
-void check_inside(PixelPoint point, const std::string& text, const std::string& path,
-                  RoiSize size) {
-  if (point.x >= 0 && point.y >= 0 && point.x < size.width && point.y < size.height) return;
-  throw UserError(text + ": lies outside " + path + ", which is " + size_text(size));
-}
 
 int32_t length_between(PixelPoint a, PixelPoint b) {
   return std::max(std::abs(b.x - a.x), std::abs(b.y - a.y)) + 1;
