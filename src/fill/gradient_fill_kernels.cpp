@@ -1,4 +1,5 @@
 // Flood fills along gradual changes.
+#include "core/simd/reduce.h"
 #include "fill/gradient_fill.h"
 #include "fill/word_fill.h"
 
