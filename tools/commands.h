@@ -23,6 +23,8 @@ void add_split(CLI::App& app);
 void add_join(CLI::App& app);
 void add_profile(CLI::App& app);
 void add_motion(CLI::App& app);
+void add_fill(CLI::App& app);
+void add_regions(CLI::App& app);
 void add_info(CLI::App& app);
 
 }  // namespace tools

@@ -9,9 +9,9 @@
 
 #include "commands.h"
 #include "failure.h"
-#include "pairs.h"
 #include "picture.h"
 #include "plot.h"
+#include "position.h"
 
 namespace tools {
 namespace {
@@ -24,18 +24,6 @@ constexpr char kFooter[] =
 struct Options {
   std::string in, start, end, plot;
 };
-
-PixelPoint point_of(const std::string& text) {
-  PixelPoint point{};
-  if (read_pair(text, ',', point.x, point.y)) return point;
-  throw UserError(text + ": is no position, which is written as x,y");
-}
-
-void check_inside(PixelPoint point, const std::string& text, const std::string& path,
-                  RoiSize size) {
-  if (point.x >= 0 && point.y >= 0 && point.x < size.width && point.y < size.height) return;
-  throw UserError(text + ": lies outside " + path + ", which is " + size_text(size));
-}
 
 int32_t length_between(PixelPoint a, PixelPoint b) {
   return std::max(std::abs(b.x - a.x), std::abs(b.y - a.y)) + 1;

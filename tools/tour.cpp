@@ -31,6 +31,7 @@ constexpr Family kFamilies[] = {
     {"corners", corners_section},
     {"erosion and dilation", morphology_section},
     {"distance transforms", distance_section},
+    {"flood fills", fill_section},
 };
 
 constexpr char kFooter[] =

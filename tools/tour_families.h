@@ -17,5 +17,6 @@ Section canny_section(const Scene& scene);
 Section corners_section(const Scene& scene);
 Section morphology_section(const Scene& scene);
 Section distance_section(const Scene& scene);
+Section fill_section(const Scene& scene);
 
 }  // namespace tools

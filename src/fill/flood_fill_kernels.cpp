@@ -1,4 +1,5 @@
 // Flood fills of equal pixels.
+#include "core/simd/reduce.h"
 #include "fill/flood_fill.h"
 #include "fill/word_fill.h"
 

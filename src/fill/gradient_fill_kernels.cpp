@@ -1,4 +1,5 @@
 // Flood fills along gradual changes.
+#include "core/simd/reduce.h"
 #include "fill/gradient_fill.h"
 #include "fill/word_fill.h"
 
@@ -87,7 +88,7 @@ class Gradient {
     const uint64_t right = steps(y, k, 1, 0);
     // A step to the left is told by the pixel that it leads to.
     const uint64_t left = joins_.symmetric() ? right : steps(y, k, -1, 0) >> 1;
-    return {right & open >> 1, left & open & ~(kLastPixel)};
+    return {right & open >> 1, left & open};
   }
   __attribute__((noinline)) uint64_t steps(int32_t y, int32_t k, int dx, int dy) const {
     // Of the first word, the first pixel has no neighbour on the left.

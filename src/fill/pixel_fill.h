@@ -1,4 +1,4 @@
-// A region found pixel by pixel.
+// A region found pixel by pixel: in images too narrow for words of 64.
 #pragma once
 
 #include <algorithm>
@@ -34,31 +34,27 @@ constexpr uint32_t fill_stack_size(RoiSize roi) {
 // Pixels of a region whose neighbours have not been looked at, in six bytes each.
 class PixelStack {
  public:
-  PixelStack(void* buffer, int32_t width) : start_(static_cast<char*>(buffer)), width_(width) {}
+  explicit PixelStack(void* buffer) : start_(static_cast<char*>(buffer)) {}
 
   bool empty() const { return size_ == 0; }
   void push(PixelPoint at) {
-    const uint64_t number = static_cast<uint64_t>(at.y) * width_ + static_cast<uint32_t>(at.x);
-    const uint32_t low = static_cast<uint32_t>(number);
-    const uint16_t high = static_cast<uint16_t>(number >> 32);
-    std::memcpy(start_ + size_, &low, sizeof low);
-    std::memcpy(start_ + size_ + sizeof low, &high, sizeof high);
+    const int16_t x = static_cast<int16_t>(at.x);  // of a narrow image
+    std::memcpy(start_ + size_, &at.y, sizeof at.y);
+    std::memcpy(start_ + size_ + sizeof at.y, &x, sizeof x);
     size_ += kEntry;
   }
   PixelPoint pop() {
-    uint32_t low;
-    uint16_t high;
+    int32_t y;
+    int16_t x;
     size_ -= kEntry;
-    std::memcpy(&low, start_ + size_, sizeof low);
-    std::memcpy(&high, start_ + size_ + sizeof low, sizeof high);
-    const uint64_t number = uint64_t{high} << 32 | low;
-    return {static_cast<int32_t>(number % width_), static_cast<int32_t>(number / width_)};
+    std::memcpy(&y, start_ + size_, sizeof y);
+    std::memcpy(&x, start_ + size_ + sizeof y, sizeof x);
+    return {x, y};
   }
 
  private:
   static constexpr int64_t kEntry = 6;
   char* start_;
-  uint64_t width_;
   int64_t size_ = 0;
 };
 
@@ -71,7 +67,7 @@ template <bool diagonal, class Take>
 FillRegion fill_pixels(RoiSize roi, PixelPoint seed, void* buffer, const Take& take) {
   constexpr PixelPoint kBeside[] = {{0, -1},  {-1, 0}, {1, 0},  {0, 1},
                                     {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
-  PixelStack stack(buffer, roi.width);
+  PixelStack stack(buffer);
   PixelPoint first = seed, last = seed;
   int64_t area = 0;
   for (stack.push(seed); !stack.empty(); ++area) {

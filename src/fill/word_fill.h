@@ -5,90 +5,15 @@
 //   in_row(y, k, open)      the steps within a word from pixel to pixel
 //   steps(y, k, dx, dy)     the pixels of a word from which a step leads dx columns and dy rows further
 //   joins(x, y, dx, dy)     whether such a step leads on from one pixel
-// Steps are held against `open`: what they say of pixels that are not open makes no difference.
-//   kLocal                  whether all open pixels join; only then may pixels be painted when found
+//   kLocal                  whether every open pixel joins, wherever it is reached from
+// What it says of steps to pixels that are not open makes no difference. Under a local rule pixels are
+// painted as they are found, under another one at the end, since steps compare pixels as they were.
 #pragma once
 
-#include "core/simd/convert.h"
-#include "core/simd/memory.h"
-#include "core/simd/reduce.h"
-#include "core/simd/selection.h"
-#include "fill/fill_words.h"
+#include "fill/fill_bits.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
-
-// ---- Bits
-
-NUQI_INLINE int first_bit(uint64_t bits) { return __builtin_ctzll(bits); }
-NUQI_INLINE int last_bit(uint64_t bits) { return 63 - __builtin_clzll(bits); }
-
-NUQI_INLINE int count_bits(uint64_t bits) {
-#ifdef __POPCNT__
-  return __builtin_popcountll(bits);
-#else
-  // Without the instruction GCC calls a function that looks up byte by byte.
-  bits -= bits >> 1 & 0x5555555555555555;
-  bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
-  return int(((bits + (bits >> 4)) & 0x0F0F0F0F0F0F0F0F) * 0x0101010101010101 >> 56);
-#endif
-}
-
-// Steps within a word: bit i of `right` leads from pixel i to pixel i + 1, of `left` the other way.
-struct RowSteps {
-  uint64_t right, left;
-};
-
-// What they reach. To the right an addition's carry propagates along the steps; to the left each round
-// doubles the distance.
-NUQI_INLINE uint64_t spread(const RowSteps& steps, uint64_t seeds) {
-  const uint64_t right = steps.right;
-  uint64_t left = steps.left, found = ((right + (seeds & right)) ^ right) | seeds;
-  if ((found >> 1 & left & ~found) == 0) return found;
-  for_each<6>([&](int i) NUQI_FORCED {
-    const int distance = 1 << i;
-    found |= found >> distance & left;
-    left &= left >> distance;
-  });
-  return found;
-}
-
-// ---- Painting
-
-template <class Part>
-NUQI_INLINE void paint(uint8_t* at, uint64_t pixels, uint8_t value, Part part) {
-  const auto old = load<kFillWordPixels>(at, part);
-  const auto mask = as<int8_t>(bytes_of_bits(pixels));
-  store(at, select(mask, broadcast<uint8_t, kFillWordPixels>(value), old), part);
-}
-template <class Part>
-NUQI_INLINE void paint(float* at, uint64_t pixels, float value, Part part) {
-  uint8_t masks[kFillWordPixels];
-  store(masks, bytes_of_bits(pixels));
-  for (int i = 0; i < kFillWordPixels; i += 16) {
-    if ((pixels >> i & 0xFFFF) == 0) continue;  // nor are there lanes where the part ends before
-    const auto here = part_from<16>(part, i);
-    store(at + i, choose(load(masks + i), broadcast(value), load(at + i, here)), here);
-  }
-}
-
-template <class T>
-__attribute__((noinline)) void paint_word(const FillJob<T>& job, int32_t y, int32_t k,
-                                          uint64_t pixels) {
-  const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
-  T* const at = row_of(job.image, y) + x;
-  if (rest >= kFillWordPixels)
-    paint(at, pixels, job.value, Whole{});
-  else
-    paint(at, pixels, job.value, First{rest});
-}
-template <class T>
-NUQI_INLINE void paint(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
-  if ((pixels & (pixels - 1)) != 0) return paint_word(job, y, k, pixels);
-  store_one(row_of(job.image, y) + k * kFillWordPixels + first_bit(pixels), job.value);
-}
-
-// ---- The search
 
 // Rows whose range of words is known, if only to be empty.
 struct RowRange {
@@ -99,6 +24,7 @@ struct RowRange {
 struct WordRange {
   int32_t first, last, count;
 };
+// Regions that run on for so many words are swept by rows.
 constexpr int32_t kWide = 2;
 
 // How far the region reaches.
@@ -205,8 +131,8 @@ class Search {
     }
   }
 
-  // A visit, and those that it leads to, as long as they stay in one column of words: corridors.
-  // Otherwise it leaves the last one undone and gives its place.
+  // A visit, and those that it leads to, as long as they stay in one column of words: what winds is
+  // bound by the work at each visit. False where the last one, in row y, is left to do.
   NUQI_INLINE bool follow(int32_t& y, int32_t k) {
     const uint64_t ends = (k > 0 ? kFirstPixel : 0) | (k + 1 < row_words_ ? kLastPixel : 0);
     uint64_t seeds = row_words(y)[k].pending, columns = 0;
@@ -426,8 +352,6 @@ class Search {
   FillPlace next_ = {-1, 0};  // to be visited before those of the queue; none where y is negative
   Extent extent_ = {0, job_.roi.width, -1, job_.seed.y, job_.seed.y};
 };
-
-// ---- Both
 
 template <bool diagonal, class Rule, class T>
 NUQI_INLINE FillRegion fill_words(const Rule& rule, const FillJob<T>& job) {

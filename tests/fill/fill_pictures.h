@@ -59,6 +59,15 @@ inline BinaryPicture serpent(RoiSize roi) {
   return picture;
 }
 
+// Columns far apart that the first and the last row join.
+inline BinaryPicture legs(RoiSize roi) {
+  BinaryPicture picture(roi, 0);
+  for (int y = 0; y < roi.height; ++y)
+    for (int x = 0; x < roi.width; ++x)
+      picture.at(x, y) = y == 0 || y + 1 == roi.height || x % 640 == 3 || x + 1 == roi.width;
+  return picture;
+}
+
 inline BinaryPicture checkerboard(RoiSize roi) {
   BinaryPicture picture(roi, 0);
   for (int y = 0; y < roi.height; ++y)
@@ -110,6 +119,7 @@ constexpr NamedPicture kWindingPictures[] = {
     {"spiral", spiral},
     {"comb", comb},
     {"serpent", serpent},
+    {"legs", legs},
     {"checkerboard", checkerboard},
     {"maze", maze},
     {"noise_41", [](RoiSize roi) { return noise(roi, 41); }},

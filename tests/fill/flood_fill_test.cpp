@@ -64,23 +64,15 @@ TEST_P(FloodFill, AgreesWithTheReference) {
   });
 }
 
+constexpr RoiSize kBufferSizes[] = {{1, 70},   {2, 70},   {3, 90},  {5, 80},  {7, 90},
+                                    {8, 90},   {9, 80},   {17, 70}, {64, 64}, {130, 67},
+                                    {450, 30}, {1300, 9}, {70, 1},  {90, 2}};
+
 // The buffer is as large as the queries say, on whatever winds, and however narrow the image is.
 TEST_P(FloodFill, StaysInTheBuffer) {
   for_each_flood_fill([&]<class T>(const FillMember<T>& member) {
     for (const NamedPicture& named : kWindingPictures)
-      for (RoiSize roi : {RoiSize{1, 70},
-                          {2, 70},
-                          {3, 90},
-                          {5, 80},
-                          {7, 90},
-                          {8, 90},
-                          {9, 80},
-                          {17, 70},
-                          {64, 64},
-                          {130, 67},
-                          {257, 19},
-                          {70, 1},
-                          {90, 2}}) {
+      for (RoiSize roi : kBufferSizes) {
         SCOPED_TRACE(testing::Message() << named.name << " " << roi.width << "x" << roi.height);
         const BinaryPicture picture = named.make(roi);
         for (Wall wall : {Wall::after, Wall::before}) {

@@ -115,6 +115,7 @@ TEST_F(Tour, ThePageShowsEachFamilyAndItsCalls) {
                            "nuqiCopy_8u_C3P3R",
                            "nuqiCopy_8u_P3C3R",
                            "nuqiSampleLine_8u_C3R",
+                           "nuqiFloodFill_Grad4Con_8u_C1IR",
                            "nuqiErodeStrip_Rect_8u_C1R",
                            "nuqiErodeStrip_Cross_8u_C1R",
                            "nuqiErodeStrip_8u_C1R",

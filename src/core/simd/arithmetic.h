@@ -39,8 +39,8 @@ NUQI_INLINE Vec<int16_t, N> add_saturated(const Vec<int16_t, N>& a, const Vec<in
 // The averages of unsigned lanes, rounded up.
 template <int N>
 NUQI_INLINE Vec<uint16_t, N> average(const Vec<uint16_t, N>& a, const Vec<uint16_t, N>& b) {
-  return generate<Vec<uint16_t, N>>(
-      [&](int i) NUQI_FORCED { return machine::average(a.r[i], b.r[i]); });
+  return generate<Vec<uint16_t, N>>([&](int i)
+                                        NUQI_FORCED { return machine::average(a.r[i], b.r[i]); });
 }
 
 // Magnitudes: 128 of -128.

@@ -253,8 +253,8 @@ template <class K>
 requires(sizeof(K) <= 8) NUQI_INLINE uint64_t bits(const K& predicate) {
   K lanes = predicate;
 #if defined(__i386__)
-  // GCC 12 leaves the upper word undefined where a mask of 32 bits widens to 64.
-  if constexpr (sizeof(K) == 4) __asm__("" : "+r"(lanes));
+  // GCC 12 leaves the upper word undefined where a mask of 8 or 32 bits widens to 64.
+  if constexpr (sizeof(K) < 8) __asm__("" : "+q"(lanes));
 #endif
   return lanes;
 }

@@ -1,0 +1,81 @@
+// Words of 64 pixels: counting them, spreading within them, painting them.
+#pragma once
+
+#include "core/simd/convert.h"
+#include "core/simd/memory.h"
+#include "core/simd/selection.h"
+#include "fill/fill_words.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+NUQI_INLINE int first_bit(uint64_t bits) { return __builtin_ctzll(bits); }
+NUQI_INLINE int last_bit(uint64_t bits) { return 63 - __builtin_clzll(bits); }
+
+NUQI_INLINE int count_bits(uint64_t bits) {
+#ifdef __POPCNT__
+  return __builtin_popcountll(bits);
+#else
+  // Without the instruction GCC calls a function that looks up byte by byte.
+  bits -= bits >> 1 & 0x5555555555555555;
+  bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
+  return int(((bits + (bits >> 4)) & 0x0F0F0F0F0F0F0F0F) * 0x0101010101010101 >> 56);
+#endif
+}
+
+// Steps within a word: bit i of `right` leads from pixel i to pixel i + 1, of `left` the other way.
+struct RowSteps {
+  uint64_t right, left;
+};
+
+// What they reach. To the right an addition's carry propagates along the steps; to the left each round
+// doubles the distance.
+NUQI_INLINE uint64_t spread(const RowSteps& steps, uint64_t seeds) {
+  const uint64_t right = steps.right;
+  uint64_t left = steps.left, found = ((right + (seeds & right)) ^ right) | seeds;
+  if ((found >> 1 & left & ~found) == 0) return found;
+  for_each<6>([&](int i) NUQI_FORCED {
+    const int distance = 1 << i;
+    found |= found >> distance & left;
+    left &= left >> distance;
+  });
+  return found;
+}
+
+// ---- Painting
+
+template <class Part>
+NUQI_INLINE void paint(uint8_t* at, uint64_t pixels, uint8_t value, Part part) {
+  const auto old = load<kFillWordPixels>(at, part);
+  const auto mask = as<int8_t>(bytes_of_bits(pixels));
+  store(at, select(mask, broadcast<uint8_t, kFillWordPixels>(value), old), part);
+}
+template <class Part>
+NUQI_INLINE void paint(float* at, uint64_t pixels, float value, Part part) {
+  uint8_t masks[kFillWordPixels];
+  store(masks, bytes_of_bits(pixels));
+  for (int i = 0; i < kFillWordPixels; i += 16) {
+    if ((pixels >> i & 0xFFFF) == 0) continue;  // nor are there lanes where the part ends before
+    const auto here = part_from<16>(part, i);
+    store(at + i, choose(load(masks + i), broadcast(value), load(at + i, here)), here);
+  }
+}
+
+template <class T>
+__attribute__((noinline)) void paint_word(const FillJob<T>& job, int32_t y, int32_t k,
+                                          uint64_t pixels) {
+  const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
+  T* const at = row_of(job.image, y) + x;
+  if (rest >= kFillWordPixels)
+    paint(at, pixels, job.value, Whole{});
+  else
+    paint(at, pixels, job.value, First{rest});
+}
+template <class T>
+NUQI_INLINE void paint(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
+  if ((pixels & (pixels - 1)) != 0) return paint_word(job, y, k, pixels);
+  store_one(row_of(job.image, y) + k * kFillWordPixels + first_bit(pixels), job.value);
+}
+
+}  // namespace
+}  // namespace nuqi::NUQI_ISA
