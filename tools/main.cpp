@@ -12,10 +12,10 @@
 namespace {
 
 constexpr void (*kCommands[])(CLI::App&) = {
-    tools::add_tour,  tools::add_edges,   tools::add_background, tools::add_blur,
-    tools::add_sobel, tools::add_laplace, tools::add_stats,      tools::add_diff,
-    tools::add_split, tools::add_join,    tools::add_profile,    tools::add_motion,
-    tools::add_info,
+    tools::add_tour,    tools::add_edges,   tools::add_background, tools::add_blur,
+    tools::add_sobel,   tools::add_laplace, tools::add_stats,      tools::add_diff,
+    tools::add_split,   tools::add_join,    tools::add_profile,    tools::add_motion,
+    tools::add_pyramid, tools::add_info,
 };
 
 constexpr char kDescription[] = "Computer-vision primitives at work on pictures.";

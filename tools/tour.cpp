@@ -28,6 +28,7 @@ constexpr Family kFamilies[] = {
     {"3x3 derivatives", derivatives_section},
     {"blur, Sobel, Laplace", filters_section},
     {"Canny edges", canny_section},
+    {"Gaussian pyramid", pyramid_section},
 };
 
 constexpr char kFooter[] =

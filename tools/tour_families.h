@@ -14,5 +14,6 @@ Section statistics_section(const Scene& scene);
 Section derivatives_section(const Scene& scene);
 Section filters_section(const Scene& scene);
 Section canny_section(const Scene& scene);
+Section pyramid_section(const Scene& scene);
 
 }  // namespace tools
