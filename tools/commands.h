@@ -17,14 +17,15 @@ void add_blur(CLI::App& app);
 void add_sobel(CLI::App& app);
 void add_laplace(CLI::App& app);
 void add_morphology(CLI::App& app);
+void add_pyramid(CLI::App& app);
+void add_fill(CLI::App& app);
+void add_regions(CLI::App& app);
 void add_stats(CLI::App& app);
 void add_diff(CLI::App& app);
 void add_split(CLI::App& app);
 void add_join(CLI::App& app);
 void add_profile(CLI::App& app);
 void add_motion(CLI::App& app);
-void add_fill(CLI::App& app);
-void add_regions(CLI::App& app);
 void add_info(CLI::App& app);
 
 }  // namespace tools

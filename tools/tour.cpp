@@ -29,8 +29,9 @@ constexpr Family kFamilies[] = {
     {"blur, Sobel, Laplace", filters_section},
     {"Canny edges", canny_section},
     {"corners", corners_section},
-    {"erosion and dilation", morphology_section},
     {"distance transforms", distance_section},
+    {"erosion and dilation", morphology_section},
+    {"Gaussian pyramid", pyramid_section},
     {"flood fills", fill_section},
 };
 

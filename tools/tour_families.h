@@ -15,8 +15,9 @@ Section derivatives_section(const Scene& scene);
 Section filters_section(const Scene& scene);
 Section canny_section(const Scene& scene);
 Section corners_section(const Scene& scene);
-Section morphology_section(const Scene& scene);
 Section distance_section(const Scene& scene);
+Section morphology_section(const Scene& scene);
+Section pyramid_section(const Scene& scene);
 Section fill_section(const Scene& scene);
 
 }  // namespace tools

@@ -66,8 +66,8 @@ class UpWidened {
     const auto odd = without_offset<T>(high_bytes(sums.odd));
     if constexpr (channels == 1) {
       const auto lanes = typename UpTo<16>::Type{};
-      store(to, Px<uint8_t>{{zip_low(even.r[0], odd.r[0], lanes)}});
-      store(to + 16, Px<uint8_t>{{zip_high(even.r[0], odd.r[0], lanes)}});
+      store(to, Px<uint8_t>{{zip_half<0>(even.r[0], odd.r[0], lanes)}});
+      store(to + 16, Px<uint8_t>{{zip_half<1>(even.r[0], odd.r[0], lanes)}});
     } else {
       alignas(16) uint8_t lanes[2][16];
       store(lanes[0], even);

@@ -100,6 +100,8 @@ TEST_F(Tour, ThePageShowsEachFamilyAndItsCalls) {
                            "nuqiDistanceTransform_3x3_8u32f_C1R",
                            "nuqiDistanceTransform_5x5_8u32f_C1R",
                            "nuqiBlur_8u16s_C1R",
+                           "nuqiPyrDown_Gauss5x5_8u_C3R",
+                           "nuqiPyrUp_Gauss5x5_8u_C3R",
                            "nuqiSobel_8u16s_C1R",
                            "nuqiLaplace_8u16s_C1R",
                            "nuqiMean_StdDev_8u_C1R",
