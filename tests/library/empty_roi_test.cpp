@@ -13,6 +13,7 @@
 #include "filters/derivative3x3_members.h"
 #include "filters/laplace_members.h"
 #include "filters/sobel_members.h"
+#include "match/match_template_members.h"
 #include "stats/mean_members.h"
 #include "stats/min_max_members.h"
 #include "stats/norm_members.h"
@@ -151,6 +152,36 @@ TEST_P(EmptyRoi, Features) {
   expect_both("nuqiCanny_16s8u_C1R", StatusBadSize, StatusBadSize, [&](RoiSize roi) {
     return call_canny({image<int16_t>(), kStep, image<int16_t>(), kStep, image<uint8_t>(), kStep,
                        roi, 1, 2, image<void>()});
+  });
+}
+
+TEST_P(EmptyRoi, Templates) {
+  for_each_match([&]<class T>(const MatchMember<T>& member) {
+    int32_t size = 0;
+    expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
+      EXPECT_EQ(member.query(roi, {1, 1}, 1, &size), StatusBadSize);
+      return member.call({image<T>(),
+                          kStep,
+                          roi,
+                          image<T>(),
+                          kStep,
+                          {1, 1},
+                          image<float>(),
+                          kStep,
+                          image<void>()});
+    });
+    expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
+      EXPECT_EQ(member.query({9, 9}, roi, 1, &size), StatusBadSize);
+      return member.call({image<T>(),
+                          kStep,
+                          {9, 9},
+                          image<T>(),
+                          kStep,
+                          roi,
+                          image<float>(),
+                          kStep,
+                          image<void>()});
+    });
   });
 }
 

@@ -58,6 +58,11 @@ NUQI_INLINE auto to_doubles(const V& a, int half) {
                                                         : _mm256_extractf128_ps((__m256)a, 1));
 }
 template <Ymm V>
+NUQI_INLINE auto ints_to_doubles(const V& a, int half) {
+  return (NativeAs<double, V>)_mm256_cvtepi32_pd(
+      half == 0 ? _mm256_castsi256_si128((__m256i)a) : _mm256_extracti128_si256((__m256i)a, 1));
+}
+template <Ymm V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {
   return (NativeAs<float, V>)_mm256_set_m128(_mm256_cvtpd_ps((__m256d)high),
                                              _mm256_cvtpd_ps((__m256d)low));

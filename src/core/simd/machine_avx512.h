@@ -77,6 +77,12 @@ NUQI_INLINE auto to_doubles(const V& a, int half) {
       (__m256)(half == 0 ? _mm512_castpd512_pd256(both) : _mm512_extractf64x4_pd(both, 1)));
 }
 template <Zmm V>
+NUQI_INLINE auto ints_to_doubles(const V& a, int half) {
+  const __m512i both = (__m512i)a;
+  return (NativeAs<double, V>)_mm512_cvtepi32_pd(half == 0 ? _mm512_castsi512_si256(both)
+                                                           : _mm512_extracti64x4_epi64(both, 1));
+}
+template <Zmm V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {
   // All lanes: the forms without a mask warn of an undefined value in GCC 12's header.
   const __m256 halves[2] = {_mm512_maskz_cvtpd_ps(0xFF, (__m512d)low),

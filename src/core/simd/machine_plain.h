@@ -149,6 +149,12 @@ NUQI_INLINE auto to_doubles(const V& a, int half) {
   using Out = NativeAs<double, V>;
   return half == 0 ? Out{a[0], a[1]} : Out{a[2], a[3]};
 }
+// The same of 32-bit integers.
+template <class V>
+NUQI_INLINE auto ints_to_doubles(const V& a, int half) {
+  using Out = NativeAs<double, V>;
+  return half == 0 ? Out{(double)a[0], (double)a[1]} : Out{(double)a[2], (double)a[3]};
+}
 template <class V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {
   return NativeAs<float, V>{(float)low[0], (float)low[1], (float)high[0], (float)high[1]};

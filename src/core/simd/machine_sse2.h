@@ -22,6 +22,11 @@ NUQI_INLINE auto to_doubles(const V& a, int half) {
                                                      : _mm_movehl_ps((__m128)a, (__m128)a));
 }
 template <Xmm V>
+NUQI_INLINE auto ints_to_doubles(const V& a, int half) {
+  const __m128i all = (__m128i)a;
+  return (NativeAs<double, V>)_mm_cvtepi32_pd(half == 0 ? all : _mm_unpackhi_epi64(all, all));
+}
+template <Xmm V>
 NUQI_INLINE auto round_to_floats(const V& low, const V& high) {
   return (NativeAs<float, V>)_mm_movelh_ps(_mm_cvtpd_ps((__m128d)low), _mm_cvtpd_ps((__m128d)high));
 }

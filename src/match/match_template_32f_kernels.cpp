@@ -1,0 +1,241 @@
+// Template matching of floats: every sum of doubles runs in the order of the pixels, so that placements are
+// the lanes.
+#include "match/score.h"
+
+namespace nuqi::NUQI_ISA {
+namespace {
+
+// Result columns that are computed together, and result rows that share the loads of their source rows.
+constexpr int kColumns = 64;
+constexpr int kRows = kRegBytes == 64 ? 6 : 4;
+constexpr int kDoubles = kRegBytes / 8;
+
+// ---- Products, or squared differences
+
+// The sums of kRows rows of a stretch of columns. Blocks of columns are whole: the last one starts before
+// its turn, even before the stretch.
+constexpr int kMost = 2 * kDoubles;
+struct Raw {
+  double of[kRows][kMost + kColumns] = {};
+  double* row(int y) { return of[y] + kMost; }
+};
+
+template <int N>
+struct Lanes {
+  using Type = Vec<double, N>;
+  static NUQI_INLINE Type load(const float* from) { return load_doubles<N>(from); }
+  static NUQI_INLINE Type all(double value) { return broadcast<double, N>(value); }
+  static NUQI_INLINE void put(double* to, const Type& a) { store(to, a); }
+};
+template <>
+struct Lanes<1> {
+  using Type = double;
+  static NUQI_INLINE double load(const float* from) { return load_one(from); }
+  static NUQI_INLINE double all(double value) { return value; }
+  static NUQI_INLINE void put(double* to, double a) { *to = a; }
+};
+
+// sum + w * t, where the product of two floats is exact; or sum + (w - t)^2.
+template <bool differences, class V>
+NUQI_INLINE V add_term(const V& sum, const V& w, const V& t) {
+  if constexpr (differences) {
+    const V d = w - t;
+    return sum + d * d;
+  } else {
+    return sum + w * t;
+  }
+}
+
+// N columns from column x of R rows from row y on. Source row y + i meets row i - k of the template for result
+// row y + k.
+template <bool differences, int N, int R>
+NUQI_NOINLINE void sum_block(const MatchJob<float>& job, int64_t x, int64_t y,
+                             double* const (&to)[R]) {
+  using L = Lanes<N>;
+  const int64_t width = job.tpl_roi.width, height = job.tpl_roi.height;
+  typename L::Type sums[R] = {};
+  for (int64_t i = 0; i < height + R - 1; ++i) {
+    const float* const src = row_of(job.src, y + i) + x;
+    const auto add_row = [&](const auto& meets) NUQI_FORCED {
+      for (int64_t c = 0; c < width; ++c) {
+        const auto w = L::load(src + c);
+        for_each<R>([&](int k) NUQI_FORCED {
+          if (!meets(k)) return;
+          const auto t = L::all(job.tpl_doubles[(i - k) * width + c]);
+          sums[k] = add_term<differences>(sums[k], w, t);
+        });
+      }
+    };
+    if (i >= R - 1 && i < height)
+      add_row([](int) NUQI_FORCED { return true; });
+    else
+      add_row([&](int k) NUQI_FORCED { return i >= k && i - k < height; });
+  }
+  for_each<R>([&](int k) NUQI_FORCED { L::put(to[k], sums[k]); });
+}
+
+template <bool differences, int N, int R>
+void sum_rows(const MatchJob<float>& job, int64_t x, int columns, int64_t y, Raw& raw) {
+  for (int start = 0; start < columns; start += N) {
+    const int at = start + N <= columns ? start : columns - N;
+    double* to[R];
+    for (int k = 0; k < R; ++k) to[k] = raw.row(k) + at;
+    sum_block<differences, N, R>(job, x + at, y, to);
+  }
+}
+template <bool differences, int R>
+void sum_rows(const MatchJob<float>& job, int64_t x, int columns, int64_t y, Raw& raw) {
+  if (job.dst_roi.width >= kMost)
+    sum_rows<differences, kMost, R>(job, x, columns, y, raw);
+  else if (job.dst_roi.width >= kDoubles)
+    sum_rows<differences, kDoubles, R>(job, x, columns, y, raw);
+  else
+    sum_rows<differences, 1, R>(job, x, columns, y, raw);
+}
+
+// ---- The running sums of the patches
+
+enum class Of { sums, energies };
+
+// How a row's sum, or energy, changes when one pixel enters and another leaves; and what a first one is.
+template <Of of>
+NUQI_INLINE double change(double enters, double leaves) {
+  return of == Of::sums ? enters - leaves : (enters + leaves) * (enters - leaves);
+}
+template <Of of>
+NUQI_INLINE double first(double pixel) {
+  return of == Of::sums ? pixel : pixel * pixel;
+}
+
+// Of a stretch of columns, row after row. `rows` holds each source row's sum at the stretch's first
+// column; what has been read last of a row leaves it at that of the next stretch.
+template <Of of>
+class PatchSums {
+ public:
+  PatchSums(const MatchJob<float>& job, double* rows) : job_(job), rows_(rows) {
+    for (int64_t y = 0; y < source_height(); ++y) {
+      const float* const row = row_of(job.src, y);
+      double sum = 0;
+      for (int64_t c = 0; c < job.tpl_roi.width; ++c) sum += first<of>(load_one(row + c));
+      rows_[y] = sum;
+    }
+  }
+
+  // The first row of the stretch of `columns` columns from x.
+  NUQI_NOINLINE void start(int64_t x, int columns) {
+    x_ = x, columns_ = columns, y_ = 0;
+    for (double& sum : of_column_) sum = 0;
+    for (int64_t r = 0; r < job_.tpl_roi.height; ++r) {
+      const double* const row = run(r, entering_, false);
+      for (int j = 0; j < columns; ++j) of_column_[j] += row[j];
+    }
+  }
+  void next() {
+    const double* const leaves = run(y_, leaving_, true);
+    const double* const enters = run(y_ + job_.tpl_roi.height, entering_, false);
+    for (int j = 0; j < columns_; ++j) of_column_[j] = of_column_[j] - leaves[j] + enters[j];
+    ++y_;
+  }
+  // After the last row.
+  void finish() {
+    for (; y_ < source_height(); ++y_) run(y_, leaving_, true);
+  }
+
+  NUQI_INLINE Px<double> at(int64_t j) const { return load(of_column_ + j); }
+
+ private:
+  int64_t source_height() const { return int64_t{job_.dst_roi.height} + job_.tpl_roi.height - 1; }
+
+  // A source row's sums under the template's columns at each of the stretch's.
+  NUQI_NOINLINE const double* run(int64_t y, double (&sums)[kColumns], bool advance) {
+    const float* const leaves = row_of(job_.src, y) + x_;
+    const float* const enters = leaves + job_.tpl_roi.width;
+    double sum = rows_[y];
+    sums[0] = sum;
+    for (int j = 1; j < columns_; ++j)
+      sums[j] = sum += change<of>(load_one(enters + j - 1), load_one(leaves + j - 1));
+    if (advance && x_ + columns_ < job_.dst_roi.width)
+      rows_[y] = sum + change<of>(load_one(enters + columns_ - 1), load_one(leaves + columns_ - 1));
+    return sums;
+  }
+
+  const MatchJob<float>& job_;
+  double* rows_;
+  int64_t x_ = 0, y_ = 0;
+  int columns_ = 0;
+  double of_column_[kColumns], leaving_[kColumns], entering_[kColumns];
+};
+struct NoSums {
+  NoSums(const MatchJob<float>&, double*) {}
+  void start(int64_t, int) {}
+  void next() {}
+  void finish() {}
+  NUQI_INLINE Px<double> at(int64_t) const { return {}; }
+};
+
+// ---- The kernel
+
+// Lays out the template as doubles.
+template <Measure m>
+TemplateTerms take_template(const MatchJob<float>& job) {
+  double sum = 0, energy = 0;
+  double* to = job.tpl_doubles;
+  for (int64_t y = 0; y < job.tpl_roi.height; ++y) {
+    const float* const row = row_of(job.tpl, y);
+    for (int64_t c = 0; c < job.tpl_roi.width; ++c) {
+      const double t = load_one(row + c);
+      sum += t;
+      energy += t * t;
+      *to++ = t;
+    }
+  }
+  return template_terms<m, true>(job.tpl_roi, sum, energy);
+}
+
+template <Measure m>
+void match(const MatchJob<float>& job) {
+  constexpr bool differences = m == Measure::sq_diff || m == Measure::sq_diff_normed;
+  using Sums = typename IfElse<needs_sums(m), PatchSums<Of::sums>, NoSums>::Type;
+  using Energies = typename IfElse<needs_energies(m), PatchSums<Of::energies>, NoSums>::Type;
+  const TemplateTerms terms = take_template<m>(job);
+  const int64_t width = job.dst_roi.width, height = job.dst_roi.height;
+  Sums sums(job, job.row_sums);
+  Energies energies(job, job.row_energies);
+  Raw raw;
+  const int64_t rows = height >= kRows ? kRows : 1;
+  for (int64_t x = 0; x < width; x += kColumns) {
+    const int columns = width - x < kColumns ? int(width - x) : kColumns;
+    sums.start(x, columns);
+    energies.start(x, columns);
+    for (int64_t start = 0; start < height; start += rows) {
+      const int64_t base = start + rows <= height ? start : height - rows;
+      if (rows == kRows)
+        sum_rows<differences, kRows>(job, x, columns, base, raw);
+      else
+        sum_rows<differences, 1>(job, x, columns, base, raw);
+      for (int64_t y = start; y < base + rows; ++y) {
+        if (y != 0) sums.next(), energies.next();
+        for_blocks(columns, [&](int64_t j, auto part) NUQI_FORCED {
+          const auto of_raw = load(raw.row(int(y - base)) + j);
+          const auto result = score<m, true>(of_raw, sums.at(j), energies.at(j), terms);
+          store(row_of(job.dst, y) + x + j, result, part);
+        });
+      }
+    }
+    sums.finish();
+    energies.finish();
+  }
+}
+
+}  // namespace
+
+const MatchKernels32f match_template_32f_kernels = {{
+    match<Measure::sq_diff>,
+    match<Measure::sq_diff_normed>,
+    match<Measure::corr>,
+    match<Measure::corr_normed>,
+    match<Measure::coeff>,
+    match<Measure::coeff_normed>,
+}};
+
+}  // namespace nuqi::NUQI_ISA
