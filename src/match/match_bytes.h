@@ -42,7 +42,8 @@ NUQI_INLINE Block next_block(int64_t x, int columns, int64_t row, int64_t height
   return {x, row, columns, shared < kRows ? int(shared) : kRows};
 }
 struct Products {
-  double of[kRows][kColumns];
+  int32_t of_piece[kRows][kColumns];  // modulo 2^32; where there is one piece alone, exact
+  double of_all[kRows][kColumns];
 };
 
 // ---- Laying out cells
@@ -68,86 +69,99 @@ void take_piece(const MatchJob<T>& job, int64_t u, int64_t v, Cells<T>& cells) {
 template <class T>
 void take_pixels(const MatchJob<T>& job, int64_t x, int64_t y, const Block& block,
                  Cells<T>& cells) {
+  constexpr int kCells = sizeof(DotCell<T>) == 1 ? kRegBytes : 16;  // at once
   const int width = block.columns + cells.width - 1;
   for (int i = 0; i < block.rows + cells.height - 1; ++i) {
     const T* const from = row_of(job.src, y + i) + x;
     DotCell<T>* const to = cells.src + i * kStep;
-    for_blocks(width, [&](int64_t at, auto part)
-                          NUQI_FORCED { store(to + at, dot_cells(load(from + at, part))); });
+    for_blocks<kCells>(width, [&](int64_t at, auto part) NUQI_FORCED {
+      store(to + at, dot_cells(load<kCells>(from + at, part)));
+    });
   }
 }
 
 // ---- Products
 
-// The sums of R rows and kPlacements columns; of the pixels, and of the sums, the first is given. A lane is
-// the sum modulo 2^32.
+// The sums of R rows and kPlacements columns; of the pixels, and of the sums, the first is given. The template
+// has R - 1 rows at least. A lane is the sum modulo 2^32.
 template <int R, class T>
-NUQI_NOINLINE void multiply(const Cells<T>& cells, const DotCell<T>* src, double* to, bool add) {
-  constexpr int kLanes = kRegBytes / 4, kDoubles = kPlacements < 16 ? kPlacements : 16;
+NUQI_NOINLINE void multiply(const Cells<T>& cells, const DotCell<T>* src, int32_t* to) {
+  constexpr int kLanes = kRegBytes / 4;
   Reg<int32_t> sums[R][kDotGroup];
   for_each<R>([&](int k) NUQI_FORCED {
     for_each<kDotGroup>([&](int p)
                             NUQI_FORCED { sums[k][p] = broadcast<int32_t, kLanes>(cells.first); });
   });
-  const int width = cells.width, height = cells.height;
-  for (int i = 0; i < height + R - 1; ++i) {
+  // Row i of the pixels meets row i - k of the template for row k of the results, where there is one.
+  const auto add_row = [&](int i, const auto& meets) NUQI_FORCED {
     const DotCell<T>*const row = src + i * kStep, *const tpl = cells.tpl + i * kPiece;
-    const auto add_row = [&](const auto& meets) NUQI_FORCED {
-      for (int c = 0; c < width; c += kDotGroup) {
-        Reg<DotCell<T>> pixels[kDotGroup];
-        for_each<kDotGroup>(
-            [&](int p) NUQI_FORCED { pixels[p] = load<Reg<DotCell<T>>::kLanes>(row + c + p); });
-        for_each<R>([&](int k) NUQI_FORCED {
-          if (!meets(k)) return;
-          const auto weights = broadcast_group(tpl + c - k * kPiece);
-          for_each<kDotGroup>([&](int p) NUQI_FORCED {
-            sums[k][p] = add_group_products<T>(sums[k][p], pixels[p], weights);
-          });
+    for (int c = 0; c < cells.width; c += kDotGroup) {
+      Reg<DotCell<T>> pixels[kDotGroup];
+      for_each<kDotGroup>(
+          [&](int p) NUQI_FORCED { pixels[p] = load<Reg<DotCell<T>>::kLanes>(row + c + p); });
+      for_each<R>([&](int k) NUQI_FORCED {
+        if (!meets(k)) return;
+        const auto weights = broadcast_group(tpl + c - k * kPiece);
+        for_each<kDotGroup>([&](int p) NUQI_FORCED {
+          sums[k][p] = add_group_products<T>(sums[k][p], pixels[p], weights);
         });
-      }
-    };
-    if (i >= R - 1 && i < height)
-      add_row([](int) NUQI_FORCED { return true; });
-    else
-      add_row([&](int k) NUQI_FORCED { return i >= k && i - k < height; });
-  }
-  using Sum = typename IfElse<kIsSigned<T>, int32_t, uint32_t>::Type;
-  for (int k = 0; k < R; ++k) {
-    Sum in_turns[kPlacements];
-    store_in_turns((int32_t*)in_turns, sums[k]);
-    for (int j = 0; j < kPlacements; j += kDoubles) {
-      double* const at = to + k * kColumns + j;
-      auto sum = to_doubles(load<kDoubles>(in_turns + j));
-      if (add) sum = sum + load<kDoubles>(at);
-      store(at, sum);
+      });
     }
-  }
+  };
+  for_each<R - 1>([&](int i) NUQI_FORCED { add_row(i, [=](int k) { return k <= i; }); });
+  for (int i = R - 1; i < cells.height; ++i) add_row(i, [](int) { return true; });
+  for_each<R - 1>([&](int i)
+                      NUQI_FORCED { add_row(cells.height + i, [=](int k) { return k > i; }); });
+  for_each<R>([&](int k) NUQI_FORCED { store_in_turns(to + k * kColumns, sums[k]); });
 }
 
 template <int R, class T>
-void multiply_rows(const Cells<T>& cells, const Block& block, Products& products, bool add) {
+void multiply_rows(const Cells<T>& cells, const Block& block, Products& products) {
   for (int k = 0; k < block.rows; k += R)
     for (int j = 0; j < block.columns; j += kPlacements)
-      multiply<R>(cells, cells.src + k * kStep + j, products.of[k] + j, add);
+      multiply<R>(cells, cells.src + k * kStep + j, products.of_piece[k] + j);
 }
 
-// The products' sums of a block.
+// The products' sums of a block with the piece in `cells`, which the template's pixel (u, v) starts.
 template <class T>
-NUQI_NOINLINE void multiply_block(const MatchJob<T>& job, const Block& block, Cells<T>& cells,
-                                  Products& products) {
+NUQI_NOINLINE void multiply_piece(const MatchJob<T>& job, const Block& block, int64_t u, int64_t v,
+                                  Cells<T>& cells, Products& products) {
+  take_pixels(job, block.x + u, block.row + v, block, cells);
+  if (block.rows % kShared == 0 && cells.height >= kShared - 1)
+    multiply_rows<kShared>(cells, block, products);
+  else if (block.rows % 2 == 0)
+    multiply_rows<2>(cells, block, products);
+  else
+    multiply_rows<1>(cells, block, products);
+}
+
+// With all pieces, one after the other.
+template <class T>
+NUQI_NOINLINE void multiply_pieces(const MatchJob<T>& job, const Block& block, Cells<T>& cells,
+                                   Products& products) {
+  using Sum = typename IfElse<kIsSigned<T>, int32_t, uint32_t>::Type;
+  for (int k = 0; k < block.rows; ++k)
+    for (double& sum : products.of_all[k]) sum = 0;
   for (int64_t v = 0; v < job.tpl_roi.height; v += kPiece)
     for (int64_t u = 0; u < job.tpl_roi.width; u += kPiece) {
       take_piece(job, u, v, cells);
-      take_pixels(job, block.x + u, block.row + v, block, cells);
-      const bool add = u != 0 || v != 0;
-      if (block.rows % kShared == 0)
-        multiply_rows<kShared>(cells, block, products, add);
-      else
-        multiply_rows<1>(cells, block, products, add);
+      multiply_piece(job, block, u, v, cells, products);
+      for (int k = 0; k < block.rows; ++k)
+        for (int j = 0; j < kColumns; j += 16) {
+          double* const all = products.of_all[k] + j;
+          store(all, load(all) + to_doubles(load((const Sum*)products.of_piece[k] + j)));
+        }
     }
 }
 
 // ---- The kernel
+
+// The sum of squared differences is S2 - 2 C + T2.
+template <class Lane>
+NUQI_INLINE Px<Lane> difference(const Px<Lane>& energy, const Px<Lane>& products,
+                                const Totals& tpl) {
+  return energy + broadcast((Lane)tpl.energy) - (products + products);
+}
 
 template <Measure m, class T>
 void match(const MatchJob<T>& job) {
@@ -156,26 +170,39 @@ void match(const MatchJob<T>& job) {
   using Energies = PatchSumsIf<needs_energies(m) || differences, Of::energies, T>;
   const Totals tpl = totals_of(job.tpl, job.tpl_roi);
   const auto terms = template_terms<m, false>(job.tpl_roi, (int32_t)tpl.sum, (double)tpl.energy);
-  const auto tpl_energy = broadcast((double)tpl.energy), two = broadcast(2.0);
   const int64_t width = job.dst_roi.width, height = job.dst_roi.height;
   const int columns = width < kColumns ? int(width) : kColumns;
+  const bool whole = job.tpl_roi.width <= kPiece && job.tpl_roi.height <= kPiece;
   Cells<T> cells;
   Products products;
+  if (whole) take_piece(job, 0, 0, cells);
   for (int64_t start = 0; start < width; start += kColumns) {
     const int64_t x = start + columns <= width ? start : width - columns;
     Sums sums(job, x, columns);
     Energies energies(job, x, columns);
     for (int64_t y = 0; y < height;) {
       const Block block = next_block(x, columns, y, height);
-      multiply_block(job, block, cells, products);
+      if (whole)
+        multiply_piece(job, block, 0, 0, cells, products);
+      else
+        multiply_pieces(job, block, cells, products);
       for (; y < block.row + block.rows; ++y) {
         sums.at_row(y);
         energies.at_row(y);
+        const int32_t* const of_piece = products.of_piece[y - block.row];
+        const double* const of_all = products.of_all[y - block.row];
         for_blocks(columns, [&](int64_t j, auto part) NUQI_FORCED {
-          const auto energy = energies.at(j);
-          auto raw = load(products.of[y - block.row] + j);
-          if constexpr (differences) raw = (energy + tpl_energy) - two * raw;
-          const auto result = score<m, false>(raw, sums.at(j), energy, terms);
+          Px<float> result;
+          if (whole && (m == Measure::corr || m == Measure::sq_diff)) {
+            auto raw = load(of_piece + j);
+            if constexpr (differences) raw = difference<int32_t>(energies.ints_at(j), raw, tpl);
+            result = convert<float>(raw);
+          } else {
+            const auto energy = energies.at(j);
+            auto raw = whole ? to_doubles(load(of_piece + j)) : load(of_all + j);
+            if constexpr (differences) raw = difference<double>(energy, raw, tpl);
+            result = score<m, false>(raw, sums.at(j), energy, terms);
+          }
           store(row_of(job.dst, y) + x + j, result, part);
         });
       }

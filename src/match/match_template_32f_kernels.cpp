@@ -1,5 +1,6 @@
 // Template matching of floats: every sum of doubles runs in the order of the pixels, so that placements are
 // the lanes.
+#include "core/simd/arithmetic.h"
 #include "match/score.h"
 
 namespace nuqi::NUQI_ISA {
@@ -36,41 +37,43 @@ struct Lanes<1> {
 };
 
 // sum + w * t, where the product of two floats is exact; or sum + (w - t)^2.
+NUQI_INLINE double add_product(double sum, double w, double t) { return sum + w * t; }
+template <int N>
+NUQI_INLINE Vec<double, N> add_product(const Vec<double, N>& sum, const Vec<double, N>& w,
+                                       const Vec<double, N>& t) {
+  return add_exact_product(sum, w, t);
+}
 template <bool differences, class V>
 NUQI_INLINE V add_term(const V& sum, const V& w, const V& t) {
   if constexpr (differences) {
     const V d = w - t;
     return sum + d * d;
   } else {
-    return sum + w * t;
+    return add_product(sum, w, t);
   }
 }
 
-// N columns from column x of R rows from row y on. Source row y + i meets row i - k of the template for result
-// row y + k.
+// N columns from column x of R rows from row y on, of a template of R - 1 rows at least.
 template <bool differences, int N, int R>
 NUQI_NOINLINE void sum_block(const MatchJob<float>& job, int64_t x, int64_t y,
                              double* const (&to)[R]) {
   using L = Lanes<N>;
   const int64_t width = job.tpl_roi.width, height = job.tpl_roi.height;
   typename L::Type sums[R] = {};
-  for (int64_t i = 0; i < height + R - 1; ++i) {
+  // Row i of the source meets row i - k of the template for row k of the results, where there is one.
+  const auto add_row = [&](int64_t i, const auto& meets) NUQI_FORCED {
     const float* const src = row_of(job.src, y + i) + x;
-    const auto add_row = [&](const auto& meets) NUQI_FORCED {
-      for (int64_t c = 0; c < width; ++c) {
-        const auto w = L::load(src + c);
-        for_each<R>([&](int k) NUQI_FORCED {
-          if (!meets(k)) return;
-          const auto t = L::all(job.tpl_doubles[(i - k) * width + c]);
-          sums[k] = add_term<differences>(sums[k], w, t);
-        });
-      }
-    };
-    if (i >= R - 1 && i < height)
-      add_row([](int) NUQI_FORCED { return true; });
-    else
-      add_row([&](int k) NUQI_FORCED { return i >= k && i - k < height; });
-  }
+    const double* const tpl = job.tpl_doubles + i * width;
+    for (int64_t c = 0; c < width; ++c) {
+      const auto w = L::load(src + c);
+      for_each<R>([&](int k) NUQI_FORCED {
+        if (meets(k)) sums[k] = add_term<differences>(sums[k], w, L::all(tpl[c - k * width]));
+      });
+    }
+  };
+  for_each<R - 1>([&](int i) NUQI_FORCED { add_row(i, [=](int k) { return k <= i; }); });
+  for (int64_t i = R - 1; i < height; ++i) add_row(i, [](int) { return true; });
+  for_each<R - 1>([&](int i) NUQI_FORCED { add_row(height + i, [=](int k) { return k > i; }); });
   for_each<R>([&](int k) NUQI_FORCED { L::put(to[k], sums[k]); });
 }
 
@@ -202,7 +205,9 @@ void match(const MatchJob<float>& job) {
   Sums sums(job, job.row_sums);
   Energies energies(job, job.row_energies);
   Raw raw;
-  const int64_t rows = height >= kRows ? kRows : 1;
+  const int64_t rows = height >= kRows && job.tpl_roi.height >= kRows - 1 ? kRows
+                       : height >= 2                                      ? 2
+                                                                          : 1;
   for (int64_t x = 0; x < width; x += kColumns) {
     const int columns = width - x < kColumns ? int(width - x) : kColumns;
     sums.start(x, columns);
@@ -211,6 +216,8 @@ void match(const MatchJob<float>& job) {
       const int64_t base = start + rows <= height ? start : height - rows;
       if (rows == kRows)
         sum_rows<differences, kRows>(job, x, columns, base, raw);
+      else if (rows == 2)
+        sum_rows<differences, 2>(job, x, columns, base, raw);
       else
         sum_rows<differences, 1>(job, x, columns, base, raw);
       for (int64_t y = start; y < base + rows; ++y) {

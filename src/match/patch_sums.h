@@ -3,6 +3,7 @@
 
 #include "core/simd/arithmetic.h"
 #include "core/simd/reduce.h"
+#include "core/simd/shuffle.h"
 #include "match/match_template.h"
 
 namespace nuqi::NUQI_ISA {
@@ -38,69 +39,106 @@ NUQI_NOINLINE Totals totals_of(const Image<const T>& image, RoiSize roi) {
   return {sums.sum(), sums.squares_sum()};
 }
 
+template <Of of, class T>
+NUQI_INLINE Px<int32_t> term(const Px<T>& a) {
+  if constexpr (of == Of::sums)
+    return convert<int32_t>(a);
+  else
+    return multiply_bytes(a, a);
+}
+
 // Of the patches of a stretch of columns, row after row: that of the first column, and by how much each
-// further one differs from the one before it, which are the pixels that enter less those that leave.
+// further one's differs from the one before it, which are the pixels that enter less those that leave.
 template <Of of, class T>
 class PatchSums {
-  // The most rows whose changes 32 bits hold, of 255^2 each.
-  static constexpr int kMostRows = INT32_MAX / (255 * 255);
+  // The most pixels whose energies 32 bits hold with a sign.
+  static constexpr int kMostPixels = INT32_MAX / (255 * 255);
 
  public:
   PatchSums(const MatchJob<T>& job, int64_t x, int columns)
-      : job_(job), x_(x), columns_(columns), tall_(job.tpl_roi.height > kMostRows) {
-    for (int64_t y = 0; y < job.tpl_roi.height - 1; ++y) add<1>(y);
+      : job_(job),
+        x_(x),
+        columns_(columns),
+        small_(int64_t{job.tpl_roi.width} * job.tpl_roi.height <= kMostPixels) {
+    for (int64_t y = 0; y < job.tpl_roi.height - 1; ++y) small_ ? move<false>(y) : add<1>(y);
   }
 
   // Called for each row in turn.
   void at_row(int64_t y) {
-    add<1>(y + job_.tpl_roi.height - 1);
-    set_columns();
-    add<-1>(y);
+    const int64_t enters = y + job_.tpl_roi.height - 1;
+    if (small_) {
+      y == 0 ? move<false>(enters) : move<true>(enters);
+      set_small_sums();
+    } else {
+      if (y != 0) add<-1>(y - 1);
+      add<1>(enters);
+      double sum = (double)first_;
+      sums_[0] = sum;
+      for (int j = 1; j < columns_; ++j) sums_[j] = sum += changes_[j - 1];
+    }
   }
-  NUQI_INLINE Px<double> at(int64_t j) const { return load(of_column_ + j); }
+  NUQI_INLINE Px<double> at(int64_t j) const {
+    return small_ ? to_doubles(ints_at(j)) : load(sums_ + j);
+  }
+  // Of a small template.
+  NUQI_INLINE Px<int32_t> ints_at(int64_t j) const { return load(small_sums_ + j); }
 
  private:
-  // A source row enters the patches, or leaves them.
+  const T* row(int64_t y) const { return row_of(job_.src, y) + x_; }
+
+  // Source row y enters the patches; perhaps the one above them leaves.
+  template <bool one_leaves>
+  NUQI_NOINLINE void move(int64_t y) {
+    const int64_t width = job_.tpl_roi.width;
+    const T *const in = row(y), *const out = row(y - job_.tpl_roi.height);
+    const auto difference = [&](int64_t c, auto part) NUQI_FORCED {
+      const auto enters = term<of>(load(in + c, part));
+      if constexpr (one_leaves)
+        return enters - term<of>(load(out + c, part));
+      else
+        return enters;
+    };
+    for_blocks(width, [&](int64_t c, auto part)
+                          NUQI_FORCED { small_first_ = small_first_ + difference(c, part); });
+    for_blocks(columns_ - 1, [&](int64_t j, auto part) NUQI_FORCED {
+      const auto change = difference(width + j, part) - difference(j, part);
+      store(small_changes_ + j, load(small_changes_ + j) + change);
+    });
+  }
+  // Each lane gets those before it, and not itself: what is stored is loaded again as it was stored, since
+  // a load from two stores waits for both.
+  NUQI_NOINLINE void set_small_sums() {
+    auto before = broadcast(reduce_add(small_first_));
+    for (int j = 0; j < columns_; j += 16) {
+      const auto changes = load(small_changes_ + j);
+      const auto sums = before + running_sums(changes);
+      store(small_sums_ + j, sums - changes);
+      before = last_everywhere(sums);
+    }
+  }
+
+  // Of larger templates: a source row enters the patches, or leaves them.
   template <int sign>
   NUQI_NOINLINE void add(int64_t y) {
-    const T* const leaves = row_of(job_.src, y) + x_;
-    const T* const enters = leaves + job_.tpl_roi.width;
+    const T *const leaves = row(y), *const enters = leaves + job_.tpl_roi.width;
     ByteSums<T, of == Of::energies> row;
     add_row(row, leaves, job_.tpl_roi.width);
     row.collect();
     first_ += sign * (of == Of::sums ? row.sum() : row.squares_sum());
-    if (tall_) {
-      for (int j = 0; j < columns_ - 1; ++j)
-        tall_changes_[j] += sign * (term(enters[j]) - term(leaves[j]));
-    } else {
-      for_blocks(columns_ - 1, [&](int64_t j, auto part) NUQI_FORCED {
-        const auto a = term(load(enters + j, part)), b = term(load(leaves + j, part));
-        store(changes_ + j, load(changes_ + j) + (sign > 0 ? a - b : b - a));
-      });
-    }
-  }
-  static NUQI_INLINE int term(T a) { return of == Of::sums ? a : a * a; }
-  static NUQI_INLINE Px<int32_t> term(const Px<T>& a) {
-    if constexpr (of == Of::sums)
-      return convert<int32_t>(a);
-    else
-      return multiply_bytes(a, a);
-  }
-
-  NUQI_NOINLINE void set_columns() {
-    int64_t sum = first_;
-    of_column_[0] = (double)sum;
-    for (int j = 1; j < columns_; ++j)
-      of_column_[j] = (double)(sum += tall_ ? tall_changes_[j - 1] : changes_[j - 1]);
+    for_blocks(columns_ - 1, [&](int64_t j, auto part) NUQI_FORCED {
+      const auto a = term<of>(load(enters + j, part)), b = term<of>(load(leaves + j, part));
+      store(changes_ + j, load(changes_ + j) + to_doubles(sign > 0 ? a - b : b - a));
+    });
   }
 
   const MatchJob<T>& job_;
   int64_t x_;
   int columns_;
-  bool tall_;
-  int64_t first_ = 0, tall_changes_[kColumns] = {};
-  int32_t changes_[kColumns] = {};
-  double of_column_[kColumns] = {};
+  bool small_;
+  Px<int32_t> small_first_ = {};
+  int32_t small_changes_[kColumns] = {}, small_sums_[kColumns];
+  int64_t first_ = 0;
+  double changes_[kColumns] = {}, sums_[kColumns];
 };
 
 // Where a measure needs none.

@@ -63,11 +63,16 @@ NUQI_INLINE Vec<int16_t, N / 2> pair_sums(const Vec<T, N>& a) {
     return even_bytes(a) + odd_bytes(a);
 }
 
-// sum + a * a, where the square is exact: then a fused operation is the same and saves one.
+// sum + a * b, where the product is exact: then a fused operation is the same and saves one.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> add_exact_product(const Vec<T, N>& sum, const Vec<T, N>& a,
+                                        const Vec<T, N>& b) {
+  return generate<Vec<T, N>>(
+      [&](int i) NUQI_FORCED { return machine::add_exact_product(sum.r[i], a.r[i], b.r[i]); });
+}
 template <class T, int N>
 NUQI_INLINE Vec<T, N> add_exact_square(const Vec<T, N>& sum, const Vec<T, N>& a) {
-  return generate<Vec<T, N>>(
-      [&](int i) NUQI_FORCED { return machine::add_exact_square(sum.r[i], a.r[i]); });
+  return add_exact_product(sum, a, a);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include "core/simd/convert.h"
 #include "core/simd/shuffle.h"
-#include "core/simd/transpose.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
@@ -22,10 +21,10 @@ constexpr int32_t kDotOffset = !Machine::kDotsBytes ? 0
                                                     : 128;
 
 // Pixels as cells. A weight is one as it is.
-template <class T>
-NUQI_INLINE Px<DotCell<T>> dot_cells(const Px<T>& pixels) {
+template <class T, int N>
+NUQI_INLINE Vec<DotCell<T>, N> dot_cells(const Vec<T, N>& pixels) {
   if constexpr (Machine::kDotsBytes)
-    return pixels ^ broadcast<T>(T(128));
+    return pixels ^ broadcast<T, N>(T(128));
   else
     return convert<int16_t>(pixels);
 }
@@ -37,15 +36,28 @@ NUQI_INLINE Reg<Cell> broadcast_group(const Cell* weights) {
   return lanes_as<Cell>(broadcast<int32_t, kRegBytes / 4>(group));
 }
 
-// The sums of kDotGroup registers in turns: lane j of register p becomes number kDotGroup * j + p.
-template <class T>
-NUQI_INLINE void store_in_turns(T* to, Reg<T> (&a)[kDotGroup]) {
+// The lanes of kDotGroup registers in turns: lane j of register p becomes number kDotGroup * j + p.
+NUQI_INLINE void store_in_turns(int32_t* to, const Reg<int32_t> (&a)[kDotGroup]) {
+  constexpr int n = Reg<int32_t>::kLanes;
+  const auto put = [&](int i, const auto& lanes) NUQI_FORCED {
+    store(to + i * n, Reg<int32_t>{{(Reg<int32_t>::Native)lanes}});
+  };
   if constexpr (kDotGroup == 2) {
-    store(to, in_order(zip_groups(concat(a[0], a[1]))));
+    const auto lanes = in_order(zip_groups(concat(a[0], a[1])));
+    for_each<2>([&](int i) NUQI_FORCED { put(i, lanes.r[i]); });
   } else {
-    transpose_four<1, 4>(a[0], a[1], a[2], a[3]);
-    transpose_four<4, 16>(a[0], a[1], a[2], a[3]);
-    for_each<4>([&](int i) NUQI_FORCED { store(to + i * Reg<T>::kLanes, a[i]); });
+    // Two and two, then pairs of them.
+    using Pairs = Reg<int64_t>::Native;
+    const typename UpTo<n>::Type lanes;
+    const typename UpTo<n / 2>::Type pairs;
+    const auto low = [&](int p)
+                         NUQI_FORCED { return (Pairs)zip_low(a[p].r[0], a[p + 1].r[0], lanes); };
+    const auto high = [&](int p)
+                          NUQI_FORCED { return (Pairs)zip_high(a[p].r[0], a[p + 1].r[0], lanes); };
+    put(0, zip_low(low(0), low(2), pairs));
+    put(1, zip_high(low(0), low(2), pairs));
+    put(2, zip_low(high(0), high(2), pairs));
+    put(3, zip_high(high(0), high(2), pairs));
   }
 }
 

@@ -40,6 +40,41 @@ NUQI_INLINE Vec<T, N> repeat_last(const Vec<T, N>& a, int n) {
   return select(lane_numbers<T>(lanes) == last, a, Vec<T, N>{{one_down(a.r[0], lanes)}});
 }
 
+// Each lane and those before it, added up.
+template <int up, class Native, int... I>
+NUQI_INLINE Native lanes_up(const Native& a, Indices<I...>) {
+  constexpr int n = sizeof...(I);
+  return __builtin_shufflevector(a, Native{}, (I < up ? n : I - up)...);
+}
+template <class Native, int... I>
+NUQI_INLINE Native last_lane(const Native& a, Indices<I...>) {
+  return __builtin_shufflevector(a, a, (I - I + int{sizeof...(I)} - 1)...);
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> running_sums(const Vec<T, N>& a) {
+  constexpr int n = Vec<T, N>::kLanesPerReg;
+  const auto lanes = typename UpTo<n>::Type{};
+  typename Vec<T, N>::Native before = {};
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED {
+    auto sum = a.r[i];
+    sum += lanes_up<1>(sum, lanes);
+    sum += lanes_up<2>(sum, lanes);
+    if constexpr (n > 4) sum += lanes_up<4>(sum, lanes);
+    if constexpr (n > 8) sum += lanes_up<8>(sum, lanes);
+    sum += before;
+    before = last_lane(sum, lanes);
+    return sum;
+  });
+}
+// The last lane in every one.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> last_everywhere(const Vec<T, N>& a) {
+  using V = Vec<T, N>;
+  return generate<V>([&](int) NUQI_FORCED {
+    return last_lane(a.r[V::kRegs - 1], typename UpTo<V::kLanesPerReg>::Type{});
+  });
+}
+
 // Two vectors of one register as one of two.
 template <class T, int N>
 NUQI_INLINE Vec<T, 2 * N> concat(const Vec<T, N>& a, const Vec<T, N>& b) {
