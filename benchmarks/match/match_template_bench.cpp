@@ -16,45 +16,45 @@ using test::MatchMember;
 
 constexpr int kChains = 16;
 
-// Bytes: dot products as the machine has them, whatever the measure.
+// `add` makes a register of sums from another one, kChains of them independently. The sums themselves are not
+// made opaque in the loop: GCC would keep them in memory.
+template <class Sum, class Factor, class Add>
+void multiply_add(int64_t count, int at_once, Factor factor, const Add& add) {
+  Sum sums[kChains] = {};
+  for (int64_t i = 0; i < count; i += kChains * at_once)
+    native::for_each<kChains>([&](int k) NUQI_FORCED {
+      native::opaque(factor);
+      sums[k] = add(sums[k], factor);
+    });
+  native::for_each<kChains>([&](int k) NUQI_FORCED {
+    Sum sum = sums[k];
+    native::opaque(sum);
+  });
+}
+
+// Bytes: dot products as the machine has them, whatever the measure. Floats: in double precision.
 template <class T, bool differences>
-struct Multiplications {
-  static void run(int64_t count) {
-    using namespace native;
-    constexpr int kAtOnce = Reg<DotCell<T>>::kLanes * kChains;
-    Reg<int32_t> sums[kChains] = {};
-    Reg<DotCell<T>> pixels = {}, weights = {};
-    opaque(pixels);
+void multiplications(int64_t count) {
+  using namespace native;
+  if constexpr (sizeof(T) == 1) {
+    Reg<DotCell<T>> weights = {};
     opaque(weights);
-    for (int64_t i = 0; i < count; i += kAtOnce)
-      for_each<kChains>([&](int k) NUQI_FORCED {
-        sums[k] = add_group_products<T>(sums[k], pixels, weights);
-        opaque(sums[k]);
-      });
-  }
-};
-// Floats: in double precision.
-template <bool differences>
-struct Multiplications<float, differences> {
-  static void run(int64_t count) {
-    using namespace native;
-    constexpr int kAtOnce = Reg<double>::kLanes * kChains;
-    Reg<double> sums[kChains] = {}, w = {}, t = {};
-    opaque(w);
+    multiply_add<Reg<int32_t>>(count, kRegBytes / 4 * kDotGroup, weights,
+                               [&](const auto& sum, const auto& pixels) NUQI_FORCED {
+                                 return add_group_products<T>(sum, pixels, weights);
+                               });
+  } else {
+    Reg<double> t = {};
     opaque(t);
-    for (int64_t i = 0; i < count; i += kAtOnce)
-      for_each<kChains>([&](int k) NUQI_FORCED {
-        if constexpr (differences) {
-          const auto d = w - t;
-          sums[k] = sums[k] + d * d;
-        } else {
-          sums[k] = add_exact_product(sums[k], w, t);
-        }
-        opaque(sums[k]);
-        if constexpr (differences) opaque(w);
-      });
+    multiply_add<Reg<double>>(count, kRegBytes / 8, t,
+                              [&](const auto& sum, const auto& w) NUQI_FORCED {
+                                if constexpr (differences)
+                                  return sum + (w - t) * (w - t);
+                                else
+                                  return add_exact_product(sum, w, t);
+                              });
   }
-};
+}
 
 template <class T>
 MatchArgs<T> args_of(const Images& im, RoiSize tpl, void* buffer) {
@@ -76,8 +76,7 @@ void register_size(const MatchMember<T>& member, RoiSize roi, RoiSize tpl) {
   set_limit(name, limit);
   if (first_time(bench_name(limit, "registers", roi)))
     register_loop(bench_name(limit, "registers", roi), roi, [=](const Images&) {
-      const auto loop =
-          differences ? Multiplications<T, true>::run : Multiplications<T, false>::run;
+      const auto loop = differences ? multiplications<T, true> : multiplications<T, false>;
       return [=] { loop(count); };
     });
 

@@ -100,18 +100,17 @@ void sum_rows(const MatchJob<float>& job, int64_t x, int columns, int64_t y, Raw
 
 enum class Of { sums, energies };
 
-// How a row's sum, or energy, changes when one pixel enters and another leaves; and what a first one is.
-template <Of of>
-NUQI_INLINE double change(double enters, double leaves) {
-  return of == Of::sums ? enters - leaves : (enters + leaves) * (enters - leaves);
-}
-template <Of of>
-NUQI_INLINE double first(double pixel) {
-  return of == Of::sums ? pixel : pixel * pixel;
+// How a row's sum, or energy, changes when one pixel enters and another leaves.
+template <Of of, class V>
+NUQI_INLINE V change(const V& enters, const V& leaves) {
+  if constexpr (of == Of::sums)
+    return enters - leaves;
+  else
+    return (enters + leaves) * (enters - leaves);
 }
 
-// Of a stretch of columns, row after row. `rows` holds each source row's sum at the stretch's first
-// column; what has been read last of a row leaves it at that of the next stretch.
+// Of the patches of a stretch of columns, block after block of rows. `rows` holds each source row's sum at
+// the stretch's first column; what has been read last of a row leaves it at that of the next stretch.
 template <Of of>
 class PatchSums {
  public:
@@ -119,61 +118,97 @@ class PatchSums {
     for (int64_t y = 0; y < source_height(); ++y) {
       const float* const row = row_of(job.src, y);
       double sum = 0;
-      for (int64_t c = 0; c < job.tpl_roi.width; ++c) sum += first<of>(load_one(row + c));
+      for (int64_t c = 0; c < job.tpl_roi.width; ++c) {
+        const double pixel = load_one(row + c);
+        sum += of == Of::sums ? pixel : pixel * pixel;
+      }
       rows_[y] = sum;
     }
   }
 
   // The first row of the stretch of `columns` columns from x.
   NUQI_NOINLINE void start(int64_t x, int columns) {
-    x_ = x, columns_ = columns, y_ = 0;
+    x_ = x, columns_ = columns;
     for (double& sum : of_column_) sum = 0;
-    for (int64_t r = 0; r < job_.tpl_roi.height; ++r) {
-      const double* const row = run(r, entering_, false);
-      for (int j = 0; j < columns; ++j) of_column_[j] += row[j];
+    for (int64_t y = 0; y < job_.tpl_roi.height; y += kRows) {
+      const int count = rows_until(y, job_.tpl_roi.height);
+      run<false>(y, count, entering_);
+      for (int k = 0; k < count; ++k)
+        for_columns([&](int j) NUQI_FORCED { return column(j) + load(entering_[k] + j); });
     }
   }
-  void next() {
-    const double* const leaves = run(y_, leaving_, true);
-    const double* const enters = run(y_ + job_.tpl_roi.height, entering_, false);
-    for (int j = 0; j < columns_; ++j) of_column_[j] = of_column_[j] - leaves[j] + enters[j];
-    ++y_;
+  // Before the rows from y on, up to `end`, the first one of all left out.
+  NUQI_NOINLINE void prepare(int64_t y, int64_t end) {
+    first_ = y;
+    if (y == end) return;
+    // In this order: where the template is low, rows of this block both enter and leave.
+    run<false>(y - 1 + job_.tpl_roi.height, int(end - y), entering_);
+    run<true>(y - 1, int(end - y), leaving_);
+  }
+  NUQI_NOINLINE void at_row(int64_t y) {
+    const int64_t k = y - first_;
+    for_columns([&](int j) NUQI_FORCED {
+      return column(j) - load(leaving_[k] + j) + load(entering_[k] + j);
+    });
   }
   // After the last row.
-  void finish() {
-    for (; y_ < source_height(); ++y_) run(y_, leaving_, true);
+  NUQI_NOINLINE void finish() {
+    for (int64_t y = job_.dst_roi.height - 1; y < source_height(); y += kRows)
+      run<true>(y, rows_until(y, source_height()), leaving_);
   }
 
-  NUQI_INLINE Px<double> at(int64_t j) const { return load(of_column_ + j); }
+  NUQI_INLINE Px<double> column(int64_t j) const { return load(of_column_ + j); }
 
  private:
-  int64_t source_height() const { return int64_t{job_.dst_roi.height} + job_.tpl_roi.height - 1; }
+  using Rows = double[kRows][kColumns + 16];
 
-  // A source row's sums under the template's columns at each of the stretch's.
-  NUQI_NOINLINE const double* run(int64_t y, double (&sums)[kColumns], bool advance) {
-    const float* const leaves = row_of(job_.src, y) + x_;
-    const float* const enters = leaves + job_.tpl_roi.width;
-    double sum = rows_[y];
-    sums[0] = sum;
-    for (int j = 1; j < columns_; ++j)
-      sums[j] = sum += change<of>(load_one(enters + j - 1), load_one(leaves + j - 1));
-    if (advance && x_ + columns_ < job_.dst_roi.width)
-      rows_[y] = sum + change<of>(load_one(enters + columns_ - 1), load_one(leaves + columns_ - 1));
-    return sums;
+  int64_t source_height() const { return int64_t{job_.dst_roi.height} + job_.tpl_roi.height - 1; }
+  static int rows_until(int64_t y, int64_t end) { return end - y < kRows ? int(end - y) : kRows; }
+
+  template <class Sum>
+  NUQI_INLINE void for_columns(const Sum& sum) {
+    for (int j = 0; j < columns_; j += 16) store(of_column_ + j, sum(j));
   }
+
+  // The sums of `count` source rows from y on under the template's columns, at each of the stretch's. Each row
+  // is a dependency chain: kRows of them run at once, the last one several times where there are fewer.
+  template <bool for_the_last_time>
+  void run(int64_t y, int count, Rows& to) {
+    double sums[kRows];
+    for_each<kRows>([&](int k) NUQI_FORCED {
+      const int64_t row = y + (k < count ? k : count - 1);
+      const float *const leaves = pixels(row), *const enters = leaves + job_.tpl_roi.width;
+      for_blocks(columns_ - 1, [&](int64_t j, auto part) NUQI_FORCED {
+        store(to[k] + 1 + j,
+              change<of>(load_doubles(enters + j, part), load_doubles(leaves + j, part)));
+      });
+      to[k][0] = sums[k] = rows_[row];
+    });
+    for (int j = 1; j < columns_; ++j)
+      for_each<kRows>([&](int k) NUQI_FORCED { to[k][j] = sums[k] += to[k][j]; });
+    if (!for_the_last_time || x_ + columns_ == job_.dst_roi.width) return;
+    for (int k = 0; k < count; ++k) {
+      const float* const leaves = pixels(y + k) + columns_ - 1;
+      const double enters = load_one(leaves + job_.tpl_roi.width);
+      rows_[y + k] = to[k][columns_ - 1] + change<of>(enters, (double)load_one(leaves));
+    }
+  }
+  const float* pixels(int64_t y) const { return row_of(job_.src, y) + x_; }
 
   const MatchJob<float>& job_;
   double* rows_;
-  int64_t x_ = 0, y_ = 0;
+  int64_t x_ = 0, first_ = 0;
   int columns_ = 0;
-  double of_column_[kColumns], leaving_[kColumns], entering_[kColumns];
+  double of_column_[kColumns] = {};
+  Rows leaving_ = {}, entering_ = {};
 };
 struct NoSums {
   NoSums(const MatchJob<float>&, double*) {}
   void start(int64_t, int) {}
-  void next() {}
+  void prepare(int64_t, int64_t) {}
+  void at_row(int64_t) {}
   void finish() {}
-  NUQI_INLINE Px<double> at(int64_t) const { return {}; }
+  NUQI_INLINE Px<double> column(int64_t) const { return {}; }
 };
 
 // ---- The kernel
@@ -187,8 +222,10 @@ TemplateTerms take_template(const MatchJob<float>& job) {
     const float* const row = row_of(job.tpl, y);
     for (int64_t c = 0; c < job.tpl_roi.width; ++c) {
       const double t = load_one(row + c);
-      sum += t;
-      energy += t * t;
+      if constexpr (m != Measure::sq_diff && m != Measure::corr) {
+        sum += t;
+        energy += t * t;
+      }
       *to++ = t;
     }
   }
@@ -220,11 +257,14 @@ void match(const MatchJob<float>& job) {
         sum_rows<differences, 2>(job, x, columns, base, raw);
       else
         sum_rows<differences, 1>(job, x, columns, base, raw);
+      const int64_t next = start == 0 ? 1 : start;
+      sums.prepare(next, base + rows);
+      energies.prepare(next, base + rows);
       for (int64_t y = start; y < base + rows; ++y) {
-        if (y != 0) sums.next(), energies.next();
+        if (y != 0) sums.at_row(y), energies.at_row(y);
         for_blocks(columns, [&](int64_t j, auto part) NUQI_FORCED {
           const auto of_raw = load(raw.row(int(y - base)) + j);
-          const auto result = score<m, true>(of_raw, sums.at(j), energies.at(j), terms);
+          const auto result = score<m, true>(of_raw, sums.column(j), energies.column(j), terms);
           store(row_of(job.dst, y) + x + j, result, part);
         });
       }

@@ -20,13 +20,23 @@ constexpr int32_t kDotOffset = !Machine::kDotsBytes ? 0
                                : kIsSigned<T>       ? -128
                                                     : 128;
 
-// Pixels as cells. A weight is one as it is.
+// Pixels, and weights, as cells: kDotBlock of them at once.
+constexpr int kDotBlock = Machine::kDotsBytes ? kRegBytes : 16;
+
 template <class T, int N>
 NUQI_INLINE Vec<DotCell<T>, N> dot_cells(const Vec<T, N>& pixels) {
   if constexpr (Machine::kDotsBytes)
     return pixels ^ broadcast<T, N>(T(128));
   else
     return convert<int16_t>(pixels);
+}
+
+template <class T, int N>
+NUQI_INLINE Vec<DotCell<T>, N> weight_cells(const Vec<T, N>& weights) {
+  if constexpr (Machine::kDotsBytes)
+    return weights;
+  else
+    return convert<int16_t>(weights);
 }
 
 // A group of weights in every 32-bit lane.
@@ -62,17 +72,19 @@ NUQI_INLINE void store_in_turns(int32_t* to, const Reg<int32_t> (&a)[kDotGroup])
 }
 
 // sums + each group's products of pixels and weights.
-template <class T>
-NUQI_INLINE Reg<int32_t> add_group_products(const Reg<int32_t>& sums, const Reg<DotCell<T>>& pixels,
-                                            const Reg<DotCell<T>>& weights) {
-  if constexpr (!Machine::kDotsBytes)
-    return {{machine::add_dot_pairs(sums.r[0], pixels.r[0], weights.r[0])}};
-  else if constexpr (kIsSigned<T>)
-    return {
-        {machine::add_dots(sums.r[0], (typename Reg<uint8_t>::Native)pixels.r[0], weights.r[0])}};
-  else
-    return {
-        {machine::add_dots(sums.r[0], weights.r[0], (typename Reg<int8_t>::Native)pixels.r[0])}};
+template <class T, int N>
+NUQI_INLINE Vec<int32_t, N> add_group_products(const Vec<int32_t, N>& sums,
+                                               const Vec<DotCell<T>, N * kDotGroup>& pixels,
+                                               const Vec<DotCell<T>, N * kDotGroup>& weights) {
+  return generate<Vec<int32_t, N>>([&](int i) NUQI_FORCED {
+    const auto &p = pixels.r[i], &w = weights.r[i];
+    if constexpr (!Machine::kDotsBytes)
+      return machine::add_dot_pairs(sums.r[i], p, w);
+    else if constexpr (kIsSigned<T>)
+      return machine::add_dots(sums.r[i], (typename Reg<uint8_t>::Native)p, w);
+    else
+      return machine::add_dots(sums.r[i], w, (typename Reg<int8_t>::Native)p);
+  });
 }
 
 }  // namespace
