@@ -235,20 +235,20 @@ void match(const MatchJob<T>& job) {
         energies.at_row(y);
         const int32_t* const of_piece = products.of_piece[y - block.row];
         const double* const of_all = products.of_all[y - block.row];
-        for_blocks(columns, [&](int64_t j, auto part) NUQI_FORCED {
-          Px<float> result;
+        for (int j = 0; j < columns; j += 16) {
+          Px<float> scores;
           if (whole && (m == Measure::corr || m == Measure::sq_diff)) {
             auto raw = load(of_piece + j);
             if constexpr (differences) raw = difference<int32_t>(energies.ints_at(j), raw, tpl);
-            result = convert<float>(raw);
+            scores = convert<float>(raw);
           } else {
             const auto energy = energies.at(j);
             auto raw = whole ? to_doubles(load(of_piece + j)) : load(of_all + j);
             if constexpr (differences) raw = difference<double>(energy, raw, tpl);
-            result = score<m, false>(raw, sums.at(j), energy, terms);
+            scores = score<m, false>(raw, sums.at(j), energy, terms);
           }
-          store(row_of(job.dst, y) + x + j, result, part);
-        });
+          store_scores(row_of(job.dst, y) + x + j, columns - j, scores);
+        }
       }
     }
   }

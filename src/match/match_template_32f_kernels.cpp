@@ -90,8 +90,6 @@ template <bool differences, int R>
 void sum_rows(const MatchJob<float>& job, int64_t x, int columns, int64_t y, Raw& raw) {
   if (job.dst_roi.width >= kMost)
     sum_rows<differences, kMost, R>(job, x, columns, y, raw);
-  else if (job.dst_roi.width >= kDoubles)
-    sum_rows<differences, kDoubles, R>(job, x, columns, y, raw);
   else
     sum_rows<differences, 1, R>(job, x, columns, y, raw);
 }
@@ -173,17 +171,18 @@ class PatchSums {
   // The sums of `count` source rows from y on under the template's columns, at each of the stretch's. Each row
   // is a dependency chain: kRows of them run at once, the last one several times where there are fewer.
   template <bool for_the_last_time>
-  void run(int64_t y, int count, Rows& to) {
-    double sums[kRows];
-    for_each<kRows>([&](int k) NUQI_FORCED {
+  NUQI_NOINLINE void run(int64_t y, int count, Rows& to) {
+    for (int k = 0; k < kRows; ++k) {
       const int64_t row = y + (k < count ? k : count - 1);
       const float *const leaves = pixels(row), *const enters = leaves + job_.tpl_roi.width;
       for_blocks(columns_ - 1, [&](int64_t j, auto part) NUQI_FORCED {
         store(to[k] + 1 + j,
               change<of>(load_doubles(enters + j, part), load_doubles(leaves + j, part)));
       });
-      to[k][0] = sums[k] = rows_[row];
-    });
+      to[k][0] = rows_[row];
+    }
+    double sums[kRows];
+    for_each<kRows>([&](int k) NUQI_FORCED { sums[k] = to[k][0]; });
     for (int j = 1; j < columns_; ++j)
       for_each<kRows>([&](int k) NUQI_FORCED { to[k][j] = sums[k] += to[k][j]; });
     if (!for_the_last_time || x_ + columns_ == job_.dst_roi.width) return;
@@ -262,11 +261,10 @@ void match(const MatchJob<float>& job) {
       energies.prepare(next, base + rows);
       for (int64_t y = start; y < base + rows; ++y) {
         if (y != 0) sums.at_row(y), energies.at_row(y);
-        for_blocks(columns, [&](int64_t j, auto part) NUQI_FORCED {
-          const auto of_raw = load(raw.row(int(y - base)) + j);
-          const auto result = score<m, true>(of_raw, sums.column(j), energies.column(j), terms);
-          store(row_of(job.dst, y) + x + j, result, part);
-        });
+        for (int j = 0; j < columns; j += 16)
+          store_scores(row_of(job.dst, y) + x + j, columns - j,
+                       score<m, true>(load(raw.row(int(y - base)) + j), sums.column(j),
+                                      energies.column(j), terms));
       }
     }
     sums.finish();

@@ -60,7 +60,7 @@ class PatchSums {
         x_(x),
         columns_(columns),
         small_(int64_t{job.tpl_roi.width} * job.tpl_roi.height <= kMostPixels) {
-    for (int64_t y = 0; y < job.tpl_roi.height - 1; ++y) small_ ? move<false>(y) : add<1>(y);
+    for (int64_t y = 0; y < job.tpl_roi.height - 1; ++y) small_ ? move<false>(y) : add(y, 1);
   }
 
   // Called for each row in turn.
@@ -70,8 +70,8 @@ class PatchSums {
       y == 0 ? move<false>(enters) : move<true>(enters);
       set_small_sums();
     } else {
-      if (y != 0) add<-1>(y - 1);
-      add<1>(enters);
+      if (y != 0) add(y - 1, -1);
+      add(enters, 1);
       double sum = (double)first_;
       sums_[0] = sum;
       for (int j = 1; j < columns_; ++j) sums_[j] = sum += changes_[j - 1];
@@ -117,9 +117,8 @@ class PatchSums {
     }
   }
 
-  // Of larger templates: a source row enters the patches, or leaves them.
-  template <int sign>
-  NUQI_NOINLINE void add(int64_t y) {
+  // Of larger templates: a source row enters the patches (sign 1), or leaves them (-1).
+  NUQI_NOINLINE void add(int64_t y, int sign) {
     const T *const leaves = row(y), *const enters = leaves + job_.tpl_roi.width;
     ByteSums<T, of == Of::energies> row;
     add_row(row, leaves, job_.tpl_roi.width);
@@ -127,7 +126,7 @@ class PatchSums {
     first_ += sign * (of == Of::sums ? row.sum() : row.squares_sum());
     for_blocks(columns_ - 1, [&](int64_t j, auto part) NUQI_FORCED {
       const auto a = term<of>(load(enters + j, part)), b = term<of>(load(leaves + j, part));
-      store(changes_ + j, load(changes_ + j) + to_doubles(sign > 0 ? a - b : b - a));
+      store(changes_ + j, load(changes_ + j) + to_doubles(a - b) * broadcast((double)sign));
     });
   }
 

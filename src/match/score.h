@@ -65,5 +65,13 @@ NUQI_INLINE Px<float> score(const Px<double>& raw, const Px<double>& sum, const 
   }
 }
 
+// The first `rest` of sixteen scores, or all.
+NUQI_INLINE void store_scores(float* to, int rest, const Px<float>& scores) {
+  if (rest >= 16)
+    store(to, scores);
+  else
+    store(to, scores, First{rest});
+}
+
 }  // namespace
 }  // namespace nuqi::NUQI_ISA
