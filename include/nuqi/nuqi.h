@@ -1367,6 +1367,148 @@ NUQI_API StatusCode nuqiPyrDownGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dat
 NUQI_API StatusCode nuqiPyrUpGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dataType,
                                                  int32_t channels, int32_t* bufferSize);
 
+/* ---- Template matching -----------------------------------------------------------------------
+ *
+ * Slides a template over a source and scores every place where it lies wholly inside: dst(x, y) is
+ * the score of the template's top-left pixel at source pixel (x, y). With the template's n pixels t,
+ * the source's pixels w under them and
+ *   S1 = sum w   S2 = sum w^2   T1 = sum t   T2 = sum t^2   C = sum w t   D = sum (w - t)^2
+ *   k = 1 / (n + 2^-52)    m = S1 * k    e = 2^-23    root(v) about 1 / sqrt(v)
+ * the scores are, multiplied from left to right,
+ *   SqDiff        D                                                         0 where they are equal
+ *   SqDiffNormed  root(|S2| + e) * D * root(|T2| + e)
+ *   Corr          C
+ *   CorrNormed    root(|S2| + e) * C * root(|T2| + e)                       at most about 1
+ *   Coeff         C - S1 * T1 * k              32f: C - S1 * k * T1
+ *   CoeffNormed   root(|S2 - m * S1| + e) * (C - m * T1) * root(|T2 - T1 * T1 * k| + e)
+ *                                              32f: the last term k * T1 * T1; about -1 to 1
+ * SqDiffNormed divides by the energies as they are, not less their means. Where the patch or the
+ * template is flat (black, for those without means) e alone stands under the root: the score is
+ * finite, and large at most.
+ *
+ * Shapes      One channel: source and template 8u, 8s or 32f, both alike, to 32f. dst is
+ *             srcWidth - tplWidth + 1 by srcHeight - tplHeight + 1 pixels; no border is made up. A
+ *             template as large as the source gives one score.
+ * Arithmetic  Scores are computed in double precision and rounded to floats.
+ *             8u, 8s: C, D, S1, S2 and T2 are exact; T1 is the sum modulo 2^32, read as signed: of 8u
+ *             it wraps from 8,421,505 pixels of 255 on.
+ *             32f: all sums in double precision, w - t too. C, D, T1 and T2 are added up row after
+ *             row, from left to right. S1 and S2 run: with a(x, y) the sum of source row y under the
+ *             template's columns at x,
+ *               a(0, y) = the sum, from left to right
+ *               a(x, y) = a(x-1, y) + (enters - leaves),
+ *                         for S2   + (enters + leaves) * (enters - leaves)
+ *               S(x, 0) = a(x, 0) + a(x, 1) + ... from 0 on
+ *               S(x, y) = (S(x, y-1) - a(x, y-1)) + a(x, y + tplHeight - 1)
+ *             and keep what they round away; a NaN or an infinity stays in all scores to its right and
+ *             below that need S1 or S2.
+ *             root(v): v is rounded to a float with bits b; y starts as the float with the bits
+ *             (0xBE6F0000 - b) >> 1 (unsigned, 32 bits); four times y = (1.5 - (v/2 * y) * y) * y in
+ *             double precision.
+ * Buffer      nuqiMatchTemplateGetBufSize, of the same measure, gives its size in bytes for dataType 1
+ *             (8u), 2 (8s) or 9 (32f). It needs no alignment and no initial content.
+ * Overlap     dst and buffer overlap neither each other nor source or template; these may overlap.
+ * Statuses    nuqiMatchTemplate: 1. StatusNullPtr: a pointer is null.
+ *                2. StatusBadSize: the template's width or height is below 1 or exceeds the source's.
+ *                3. StatusBadStep: a step below its row's bytes, or not a multiple of the element size.
+ *             nuqiMatchTemplateGetBufSize: 1. StatusNullPtr: size is null. All others store 0.
+ *                2. StatusBadSize: as above.         3. StatusBadDataType: dataType not 1, 2 or 9.
+ *                4. StatusBadSize: the size exceeds 2^31 - 1. Matching has no such limit.
+ * Method      J. P. Lewis, "Fast normalized cross-correlation", Vision Interface, 1995: running sums.
+ */
+NUQI_API StatusCode nuqiMatchTemplate_SqDiff_8u32f_C1R(const uint8_t* src, int32_t srcStep,
+                                                       RoiSize srcRoi, const uint8_t* tpl,
+                                                       int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                       int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_SqDiff_8s32f_C1R(const int8_t* src, int32_t srcStep,
+                                                       RoiSize srcRoi, const int8_t* tpl,
+                                                       int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                       int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_SqDiff_32f_C1R(const float* src, int32_t srcStep,
+                                                     RoiSize srcRoi, const float* tpl,
+                                                     int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                     int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_SqDiffNormed_8u32f_C1R(const uint8_t* src, int32_t srcStep,
+                                                             RoiSize srcRoi, const uint8_t* tpl,
+                                                             int32_t tplStep, RoiSize tplRoi,
+                                                             float* dst, int32_t dstStep,
+                                                             void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_SqDiffNormed_8s32f_C1R(const int8_t* src, int32_t srcStep,
+                                                             RoiSize srcRoi, const int8_t* tpl,
+                                                             int32_t tplStep, RoiSize tplRoi,
+                                                             float* dst, int32_t dstStep,
+                                                             void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_SqDiffNormed_32f_C1R(const float* src, int32_t srcStep,
+                                                           RoiSize srcRoi, const float* tpl,
+                                                           int32_t tplStep, RoiSize tplRoi,
+                                                           float* dst, int32_t dstStep,
+                                                           void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_Corr_8u32f_C1R(const uint8_t* src, int32_t srcStep,
+                                                     RoiSize srcRoi, const uint8_t* tpl,
+                                                     int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                     int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_Corr_8s32f_C1R(const int8_t* src, int32_t srcStep,
+                                                     RoiSize srcRoi, const int8_t* tpl,
+                                                     int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                     int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_Corr_32f_C1R(const float* src, int32_t srcStep,
+                                                   RoiSize srcRoi, const float* tpl,
+                                                   int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                   int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_CorrNormed_8u32f_C1R(const uint8_t* src, int32_t srcStep,
+                                                           RoiSize srcRoi, const uint8_t* tpl,
+                                                           int32_t tplStep, RoiSize tplRoi,
+                                                           float* dst, int32_t dstStep,
+                                                           void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_CorrNormed_8s32f_C1R(const int8_t* src, int32_t srcStep,
+                                                           RoiSize srcRoi, const int8_t* tpl,
+                                                           int32_t tplStep, RoiSize tplRoi,
+                                                           float* dst, int32_t dstStep,
+                                                           void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_CorrNormed_32f_C1R(const float* src, int32_t srcStep,
+                                                         RoiSize srcRoi, const float* tpl,
+                                                         int32_t tplStep, RoiSize tplRoi,
+                                                         float* dst, int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_Coeff_8u32f_C1R(const uint8_t* src, int32_t srcStep,
+                                                      RoiSize srcRoi, const uint8_t* tpl,
+                                                      int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                      int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_Coeff_8s32f_C1R(const int8_t* src, int32_t srcStep,
+                                                      RoiSize srcRoi, const int8_t* tpl,
+                                                      int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                      int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_Coeff_32f_C1R(const float* src, int32_t srcStep,
+                                                    RoiSize srcRoi, const float* tpl,
+                                                    int32_t tplStep, RoiSize tplRoi, float* dst,
+                                                    int32_t dstStep, void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_CoeffNormed_8u32f_C1R(const uint8_t* src, int32_t srcStep,
+                                                            RoiSize srcRoi, const uint8_t* tpl,
+                                                            int32_t tplStep, RoiSize tplRoi,
+                                                            float* dst, int32_t dstStep,
+                                                            void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_CoeffNormed_8s32f_C1R(const int8_t* src, int32_t srcStep,
+                                                            RoiSize srcRoi, const int8_t* tpl,
+                                                            int32_t tplStep, RoiSize tplRoi,
+                                                            float* dst, int32_t dstStep,
+                                                            void* buffer);
+NUQI_API StatusCode nuqiMatchTemplate_CoeffNormed_32f_C1R(const float* src, int32_t srcStep,
+                                                          RoiSize srcRoi, const float* tpl,
+                                                          int32_t tplStep, RoiSize tplRoi,
+                                                          float* dst, int32_t dstStep,
+                                                          void* buffer);
+NUQI_API StatusCode nuqiMatchTemplateGetBufSize_SqDiff(RoiSize srcRoi, RoiSize tplRoi,
+                                                       int32_t dataType, int32_t* size);
+NUQI_API StatusCode nuqiMatchTemplateGetBufSize_SqDiffNormed(RoiSize srcRoi, RoiSize tplRoi,
+                                                             int32_t dataType, int32_t* size);
+NUQI_API StatusCode nuqiMatchTemplateGetBufSize_Corr(RoiSize srcRoi, RoiSize tplRoi,
+                                                     int32_t dataType, int32_t* size);
+NUQI_API StatusCode nuqiMatchTemplateGetBufSize_CorrNormed(RoiSize srcRoi, RoiSize tplRoi,
+                                                           int32_t dataType, int32_t* size);
+NUQI_API StatusCode nuqiMatchTemplateGetBufSize_Coeff(RoiSize srcRoi, RoiSize tplRoi,
+                                                      int32_t dataType, int32_t* size);
+NUQI_API StatusCode nuqiMatchTemplateGetBufSize_CoeffNormed(RoiSize srcRoi, RoiSize tplRoi,
+                                                            int32_t dataType, int32_t* size);
+
 /* ---- Flood fills -----------------------------------------------------------------------------
  *
  * Paints, in place, the connected region of pixels that a seed belongs to. Pixels are connected

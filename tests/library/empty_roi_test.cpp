@@ -16,6 +16,7 @@
 #include "filters/derivative3x3_members.h"
 #include "filters/laplace_members.h"
 #include "filters/sobel_members.h"
+#include "match/match_template_members.h"
 #include "morph/strip_members.h"
 #include "pyramid/pyramid_members.h"
 #include "stats/mean_members.h"
@@ -204,6 +205,36 @@ TEST_P(EmptyRoi, Morphology) {
       expect_at_once(member.name, kNoColumns, StatusBadSize, call);
       expect_at_once(member.name, {8, 0}, StatusNothingToDo, call);
     }
+  });
+}
+
+TEST_P(EmptyRoi, Templates) {
+  for_each_match([&]<class T>(const MatchMember<T>& member) {
+    int32_t size = 0;
+    expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
+      EXPECT_EQ(member.query(roi, {1, 1}, 1, &size), StatusBadSize);
+      return member.call({image<T>(),
+                          kStep,
+                          roi,
+                          image<T>(),
+                          kStep,
+                          {1, 1},
+                          image<float>(),
+                          kStep,
+                          image<void>()});
+    });
+    expect_both(member.name, StatusBadSize, StatusBadSize, [&](RoiSize roi) {
+      EXPECT_EQ(member.query({9, 9}, roi, 1, &size), StatusBadSize);
+      return member.call({image<T>(),
+                          kStep,
+                          {9, 9},
+                          image<T>(),
+                          kStep,
+                          roi,
+                          image<float>(),
+                          kStep,
+                          image<void>()});
+    });
   });
 }
 

@@ -76,11 +76,16 @@ NUQI_INLINE Vec<double, N> square_root(const Vec<double, N>& a) {
   return generate<Vec<double, N>>([&](int i) NUQI_FORCED { return machine::square_root(a.r[i]); });
 }
 
-// sum + a * a, where the square is exact: then a fused operation is the same and saves one.
+// sum + a * b, where the product is exact: then a fused operation is the same and saves one.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> add_exact_product(const Vec<T, N>& sum, const Vec<T, N>& a,
+                                        const Vec<T, N>& b) {
+  return generate<Vec<T, N>>(
+      [&](int i) NUQI_FORCED { return machine::add_exact_product(sum.r[i], a.r[i], b.r[i]); });
+}
 template <class T, int N>
 NUQI_INLINE Vec<T, N> add_exact_square(const Vec<T, N>& sum, const Vec<T, N>& a) {
-  return generate<Vec<T, N>>(
-      [&](int i) NUQI_FORCED { return machine::add_exact_square(sum.r[i], a.r[i]); });
+  return add_exact_product(sum, a, a);
 }
 
 }  // namespace

@@ -101,6 +101,13 @@ NUQI_INLINE Vec<double, N> to_doubles(const Vec<T, N>& a) {
       [&](int i) NUQI_FORCED { return machine::to_doubles(a.r[i / 2], i % 2); });
 }
 
+// Unsigned integers less 2^31, which is added again.
+template <int N>
+NUQI_INLINE Vec<double, N> to_doubles(const Vec<uint32_t, N>& a) {
+  const auto centred = as<int32_t>(a ^ broadcast<uint32_t, N>(0x80000000));
+  return to_doubles(centred) + broadcast<double, N>(0x1p31);
+}
+
 // Rounds to floats.
 template <int N>
 NUQI_INLINE Vec<float, N> round_to_floats(const Vec<double, N>& a) {
@@ -112,10 +119,11 @@ NUQI_INLINE Vec<float, N> round_to_floats(const Vec<double, N>& a) {
 NUQI_INLINE Px<double> load_doubles(const float* from, First part) {
   return to_doubles(load(from, part));
 }
-NUQI_INLINE Px<double> load_doubles(const float* from, Whole = {}) {
-  using Out = Px<double>;
+template <int N = 16>
+NUQI_INLINE Vec<double, N> load_doubles(const float* from, Whole = {}) {
+  using Out = Vec<double, N>;
   return generate<Out>([&](int i) NUQI_FORCED {
-    return machine::load_doubles<Out::Native>(from + i * Out::kLanesPerReg);
+    return machine::load_doubles<typename Out::Native>(from + i * Out::kLanesPerReg);
   });
 }
 

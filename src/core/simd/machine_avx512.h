@@ -174,11 +174,11 @@ NUQI_INLINE V clear_sign(const V& a) {
     return (V)_mm256_and_ps((__m256)a, (__m256)(NativeAs<int32_t, V>{} + 0x7FFFFFFF));
 }
 template <Zmm V>
-NUQI_INLINE V add_exact_square(const V& sum, const V& a) {
+NUQI_INLINE V add_exact_product(const V& sum, const V& a, const V& b) {
   if constexpr (sizeof(LaneOf<V>) == 4)
-    return (V)_mm512_fmadd_ps((__m512)a, (__m512)a, (__m512)sum);
+    return (V)_mm512_fmadd_ps((__m512)a, (__m512)b, (__m512)sum);
   else
-    return (V)_mm512_fmadd_pd((__m512d)a, (__m512d)a, (__m512d)sum);
+    return (V)_mm512_fmadd_pd((__m512d)a, (__m512d)b, (__m512d)sum);
 }
 
 template <Zmm V>

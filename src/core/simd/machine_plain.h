@@ -273,10 +273,10 @@ NUQI_INLINE V square_root(const V& a) {
   return V{nuqi::square_root(a[0]), nuqi::square_root(a[1])};
 }
 
-// sum + a * a where squares are exact, so that a fused operation gives the same.
+// sum + a * b where products are exact, so that a fused operation gives the same.
 template <class V>
-NUQI_INLINE V add_exact_square(const V& sum, const V& a) {
-  return sum + a * a;
+NUQI_INLINE V add_exact_product(const V& sum, const V& a, const V& b) {
+  return sum + a * b;
 }
 
 // ---- Predicates

@@ -56,6 +56,37 @@ NUQI_INLINE Vec<T, N> lanes_down(const Vec<T, N>& a, const Vec<T, N>& in) {
   return {{lanes_moved<k>(a.r[0], in.r[0], typename UpTo<N>::Type{})}};
 }
 
+// Each lane and those before it, added up.
+template <class Native, int... I>
+NUQI_INLINE Native last_lane(const Native& a, Indices<I...>) {
+  return __builtin_shufflevector(a, a, (I - I + int{sizeof...(I)} - 1)...);
+}
+template <class T, int N>
+NUQI_INLINE Vec<T, N> running_sums(const Vec<T, N>& a) {
+  constexpr int n = Vec<T, N>::kLanesPerReg;
+  const auto lanes = typename UpTo<n>::Type{};
+  const typename Vec<T, N>::Native zero = {};
+  auto before = zero;
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED {
+    auto sum = a.r[i];
+    sum += lanes_moved<n - 1>(zero, sum, lanes);
+    sum += lanes_moved<n - 2>(zero, sum, lanes);
+    if constexpr (n > 4) sum += lanes_moved<n - 4>(zero, sum, lanes);
+    if constexpr (n > 8) sum += lanes_moved<n - 8>(zero, sum, lanes);
+    sum += before;
+    before = last_lane(sum, lanes);
+    return sum;
+  });
+}
+// The last lane in every one.
+template <class T, int N>
+NUQI_INLINE Vec<T, N> last_everywhere(const Vec<T, N>& a) {
+  using V = Vec<T, N>;
+  return generate<V>([&](int) NUQI_FORCED {
+    return last_lane(a.r[V::kRegs - 1], typename UpTo<V::kLanesPerReg>::Type{});
+  });
+}
+
 // Two vectors of one register as one of two.
 template <class T, int N>
 NUQI_INLINE Vec<T, 2 * N> concat(const Vec<T, N>& a, const Vec<T, N>& b) {
