@@ -1173,8 +1173,8 @@ NUQI_API StatusCode nuqiMorphologyFree(MorphState* state);
  *               m(2w, i) = (m(w, i), m(w, i + w))    extremum of the line = (m(k, 0), m(k, n - k))
  *             _Rect_ takes that of n = maskSize.width pixels along each row, then that of
  *             n = maskSize.height of those down the column. _Cross_ takes that of its row, r, and then
- *             (r, p(0)), (that, p(1)) and so on down its column. Masks of 32f compare all floats by their bits: -0.0 is below +0.0, and NaNs lie
- *             beyond the infinity of their sign.
+ *             (r, p(0)), (that, p(1)) and so on down its column. Masks of 32f compare all floats by their
+ *             bits: -0.0 is below +0.0, and NaNs lie beyond the infinity of their sign.
  *             A mask without a pixel inside gives 255 (erosion) or 0 (dilation), of 32f the NaNs of
  *             bits 0x7FFFFFFF and 0xFFFFFFFF.
  * Overlap     Source, destination and state must not overlap.
