@@ -93,14 +93,14 @@ NUQI_NOINLINE void multiply(const Cells<T>& cells, const DotCell<T>* src, int32_
   });
   // Row i of the pixels meets row i - k of the template for row k of the results, where there is one.
   const auto add_row = [&](int i, const auto& meets) NUQI_FORCED {
-    const DotCell<T>*const row = src + i * kStep, *const tpl = cells.tpl + i * kPiece;
+    const DotCell<T>* const row = src + i * kStep;
     for (int c = 0; c < cells.width; c += kDotGroup) {
       Reg<DotCell<T>> pixels[kDotGroup];
       for_each<kDotGroup>(
           [&](int p) NUQI_FORCED { pixels[p] = load<Reg<DotCell<T>>::kLanes>(row + c + p); });
       for_each<R>([&](int k) NUQI_FORCED {
         if (!meets(k)) return;
-        const auto weights = broadcast_group(tpl + c - k * kPiece);
+        const auto weights = broadcast_group(cells.tpl + (i - k) * kPiece + c);
         for_each<kDotGroup>([&](int p) NUQI_FORCED {
           sums[k][p] = add_group_products<T>(sums[k][p], pixels[p], weights);
         });

@@ -63,11 +63,11 @@ NUQI_NOINLINE void sum_block(const MatchJob<float>& job, int64_t x, int64_t y,
   // Row i of the source meets row i - k of the template for row k of the results, where there is one.
   const auto add_row = [&](int64_t i, const auto& meets) NUQI_FORCED {
     const float* const src = row_of(job.src, y + i) + x;
-    const double* const tpl = job.tpl_doubles + i * width;
     for (int64_t c = 0; c < width; ++c) {
       const auto w = L::load(src + c);
       for_each<R>([&](int k) NUQI_FORCED {
-        if (meets(k)) sums[k] = add_term<differences>(sums[k], w, L::all(tpl[c - k * width]));
+        if (meets(k))
+          sums[k] = add_term<differences>(sums[k], w, L::all(job.tpl_doubles[(i - k) * width + c]));
       });
     }
   };
