@@ -33,8 +33,7 @@ Strength strength_of(const Plane<uint8_t>& grey) {
   float* dst = strength.plane.data();
   const int32_t src_step = floats.step(), dst_step = strength.plane.step();
   int32_t size = 0;
-  const int32_t width = roi.width;
-  strength.calls.push_back(NUQI_TIMED(nuqiMinEigenValGetSize(width, 3, 5, &size)));
+  require_ok(nuqiMinEigenValGetSize(roi.width, 3, 5, &size), "nuqiMinEigenValGetSize");
   std::vector<uint8_t> memory(static_cast<size_t>(size));
   void* buffer = memory.data();
   strength.calls.push_back(

@@ -61,7 +61,7 @@ Section pyramid_section(const Scene& scene) {
   Figure again("Rebuilt", "The picture rebuilt from its Laplacian levels", whole);
   again.note("From the Laplacian levels. Largest deviation from the picture: " +
              std::to_string(largest_deviation(whole, scene.colour)) + ".");
-  section.after.push_back(std::move(again.with(up_call(levels.back()))));
+  section.after.push_back(std::move(again.with(up_call(levels[count == 0 ? 0 : 1]))));
   return section;
 }
 
