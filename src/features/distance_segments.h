@@ -137,7 +137,7 @@ constexpr float kUnit = 0x1p-18f;
 // A block's pixels in their order, as floats.
 template <int kLanes>
 NUQI_INLINE void turn_back(const Block<kLanes>& block, const int32_t* from, float* pixels) {
-  constexpr int n = kLanes < 8 ? kLanes : 8;  // larger squares take longer
+  constexpr int n = kLanes > 8 ? kLanes / 2 : kLanes;  // larger squares take longer
   const auto turn = [&](int64_t x, const auto& column) NUQI_FORCED {
     for (int lane = 0; lane < kLanes; lane += n) {
       Vec<float, n> square[n];

@@ -58,7 +58,11 @@ void take_piece(const MatchJob<T>& job, int64_t u, int64_t v, Cells<T>& cells) {
   for (int y = 0; y < cells.height; ++y) {
     const T* const row = row_of(job.tpl, v + y) + u;
     DotCell<T>* const to = cells.tpl + y * kPiece;
-    for (int x = 0; x < cells.width; ++x) sum += (uint32_t)(to[x] = row[x]);
+    for (int x = 0; x < cells.width; ++x) {
+      const int pixel = +row[x];
+      to[x] = (DotCell<T>)pixel;
+      sum += (uint32_t)pixel;
+    }
     for (int x = cells.width; x % kDotGroup != 0; ++x) to[x] = 0;
   }
   cells.first = (int32_t)(sum * (uint32_t)kDotOffset<T>);

@@ -56,11 +56,12 @@ NUQI_INLINE Vec<T, N> lanes_down(const Vec<T, N>& a, const Vec<T, N>& in) {
   return {{lanes_moved<k>(a.r[0], in.r[0], typename UpTo<N>::Type{})}};
 }
 
-// Each lane and those before it, added up.
 template <class Native, int... I>
 NUQI_INLINE Native last_lane(const Native& a, Indices<I...>) {
-  return __builtin_shufflevector(a, a, (I - I + int{sizeof...(I)} - 1)...);
+  constexpr int last = sizeof...(I) - 1;
+  return __builtin_shufflevector(a, a, (I < last ? last : I)...);
 }
+// Each lane and those before it, added up.
 template <class T, int N>
 NUQI_INLINE Vec<T, N> running_sums(const Vec<T, N>& a) {
   constexpr int n = Vec<T, N>::kLanesPerReg;
