@@ -1,4 +1,5 @@
 // Rectangles and crosses of 3x3 or 5x5 pixels.
+#include "morph/row_pairs.h"
 #include "morph/tile.h"
 
 namespace nuqi::NUQI_ISA {
@@ -114,19 +115,29 @@ void stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_
     walk_down<N, size>(Shape<extremum, size, T, N>{}, job, rows, dst, x, First{int(count - x)});
 }
 
-template <template <Extremum, int, class, int> class Shape, Extremum extremum, int size, class T>
-void walk(const WindowJob<T>& job) {
-  for_stretches<false>(job, stretch<Shape, extremum, size, T>);
+template <Extremum extremum, int size, class T>
+void rectangle(const WindowJob<T>& job) {
+  if constexpr (kPairsRows<T>)
+    if (job.anchor.x == size / 2) return row_pairs<extremum, size, false>(job);
+  for_stretches<false>(job, stretch<Rectangle, extremum, size, T>);
+}
+
+// Around its anchor.
+template <Extremum extremum, int size, class T>
+void cross(const WindowJob<T>& job) {
+  if constexpr (kPairsRows<T>)
+    row_pairs<extremum, size, true>(job);
+  else
+    for_stretches<false>(job, stretch<Cross, extremum, size, T>);
 }
 
 constexpr auto kLeast = Extremum::least, kGreatest = Extremum::greatest;
 
 template <class T>
 constexpr WindowKernelsOf<T> kKernels = {
-    {{walk<Rectangle, kLeast, 3, T>, walk<Rectangle, kLeast, 5, T>},
-     {walk<Rectangle, kGreatest, 3, T>, walk<Rectangle, kGreatest, 5, T>}},
-    {{walk<Cross, kLeast, 3, T>, walk<Cross, kLeast, 5, T>},
-     {walk<Cross, kGreatest, 3, T>, walk<Cross, kGreatest, 5, T>}},
+    {{rectangle<kLeast, 3, T>, rectangle<kLeast, 5, T>},
+     {rectangle<kGreatest, 3, T>, rectangle<kGreatest, 5, T>}},
+    {{cross<kLeast, 3, T>, cross<kLeast, 5, T>}, {cross<kGreatest, 3, T>, cross<kGreatest, 5, T>}},
 };
 
 }  // namespace
