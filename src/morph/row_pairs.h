@@ -64,12 +64,11 @@ class Along {
 
 // Nothing that an extremum keeps stands behind the pixels.
 template <Extremum extremum>
-NUQI_INLINE Bytes load_pixels_or_worst(const uint8_t* from, Whole) {
-  return load<kRegBytes>(from);
+NUQI_INLINE Bytes worst_behind(const Bytes& pixels, Whole) {
+  return pixels;
 }
 template <Extremum extremum>
-NUQI_INLINE Bytes load_pixels_or_worst(const uint8_t* from, First part) {
-  const Bytes pixels = load<kRegBytes>(from, part);
+NUQI_INLINE Bytes worst_behind(const Bytes& pixels, First part) {
   return extremum == Extremum::greatest ? pixels : pixels | ~first_lanes<kRegBytes>(part.lanes);
 }
 
@@ -89,7 +88,7 @@ struct RowPair {
   template <class Part>
   NUQI_INLINE TwoRows down(int64_t x, Part part) const {
     const auto row = [&](const uint8_t* from)
-                         NUQI_FORCED { return load_pixels_or_worst<extremum>(from + x, part); };
+                         NUQI_FORCED { return load<kRegBytes>(from + x, part); };
     Bytes both = row(shared[0]);
     for_each<size - 2>([&](int i) NUQI_FORCED { both = best<extremum>(both, row(shared[i + 1])); });
     return {best<extremum>(both, row(highest)), best<extremum>(both, row(lowest))};
@@ -97,53 +96,125 @@ struct RowPair {
   // What is reduced along the row.
   template <class Part>
   NUQI_INLINE TwoRows across(int64_t x, Part part) const {
-    if constexpr (cross)
-      return {load_pixels_or_worst<extremum>(shared[size / 2 - 1] + x, part),
-              load_pixels_or_worst<extremum>(middle + x, part)};
-    else
-      return down(x, part);
+    if constexpr (!cross) return down(x, part);
+    return {load<kRegBytes>(shared[size / 2 - 1] + x, part), load<kRegBytes>(middle + x, part)};
   }
-};
-
-template <Extremum extremum, int size, bool cross>
-NUQI_INLINE void two_rows(const RowPair<extremum, size, cross>& rows, const Neighbours& to,
-                          uint8_t* upper, uint8_t* lower, int64_t count) {
-  constexpr int N = kRegBytes;
-  const auto rest = [&](int64_t x) NUQI_FORCED { return First{int(count - x)}; };
-  const TwoRows first = count < N ? rows.across(0, rest(0)) : rows.across(0, Whole{});
-  Along<extremum, size> along_upper(first.upper, to), along_lower(first.lower, to);
-  const auto finish = [&](int64_t x, const TwoRows& next, auto part) NUQI_FORCED {
-    TwoRows result = {along_upper.push(next.upper, to), along_lower.push(next.lower, to)};
+  template <class Part>
+  NUQI_INLINE void finish(TwoRows result, uint8_t* upper, uint8_t* lower, int64_t x,
+                          Part part) const {
     if constexpr (cross) {
-      const TwoRows column = rows.down(x, part);
+      const TwoRows column = down(x, part);
       result = {best<extremum>(result.upper, column.upper),
                 best<extremum>(result.lower, column.lower)};
     }
     store(lower + x, result.lower, part);
     store(upper + x, result.upper, part);
-  };
-  int64_t x = 0;
-  for (; x + 2 * N <= count; x += N) finish(x, rows.across(x + N, Whole{}), Whole{});
-  if (x + N < count) {
-    finish(x, rows.across(x + N, rest(x + N)), Whole{});
-    x += N;
   }
-  const TwoRows none = {worst<extremum, uint8_t>(), worst<extremum, uint8_t>()};
-  if (x + N == count)
-    finish(x, none, Whole{});
-  else
-    finish(x, none, rest(x));
-}
+};
+
+// ---- Rows of several registers
 
 template <Extremum extremum, int size, bool cross>
-NUQI_NOINLINE void row_pairs(const WindowJob<uint8_t>& job) {
-  const Neighbours to(size, job.channels);
+NUQI_INLINE void two_rows(const RowPair<extremum, size, cross>& rows, const Neighbours& to,
+                          uint8_t* upper, uint8_t* lower, int64_t count) {
+  constexpr int N = kRegBytes;
+  const auto across = [&](int64_t x, auto part) NUQI_FORCED {
+    const TwoRows pixels = rows.across(x, part);
+    return TwoRows{worst_behind<extremum>(pixels.upper, part),
+                   worst_behind<extremum>(pixels.lower, part)};
+  };
+  const TwoRows first = across(0, Whole{});
+  Along<extremum, size> along_upper(first.upper, to), along_lower(first.lower, to);
+  const auto push = [&](const TwoRows& next) NUQI_FORCED {
+    return TwoRows{along_upper.push(next.upper, to), along_lower.push(next.lower, to)};
+  };
+  int64_t x = 0;
+  for (; x + 2 * N <= count; x += N)
+    rows.finish(push(across(x + N, Whole{})), upper, lower, x, Whole{});
+  const TwoRows none = {worst<extremum, uint8_t>(), worst<extremum, uint8_t>()};
+  if (x + N < count) {
+    const First rest = {int(count - x - N)};
+    rows.finish(push(across(x + N, rest)), upper, lower, x, Whole{});
+    rows.finish(push(none), upper, lower, x + N, rest);
+  } else {
+    rows.finish(push(none), upper, lower, x, Whole{});
+  }
+}
+
+// ---- Rows of one register: pixels beyond its ends are replaced by others of the window
+
+template <Extremum extremum, int size>
+class AlongOne {
+  static constexpr int N = kRegBytes;
+  using Lanes = Vec<int8_t, N>;
+
+ public:
+  NUQI_INLINE AlongOne(int count, int channels) {
+    const Lanes here = lane_numbers<uint8_t>(typename UpTo<N>::Type{});
+    const Lanes end = broadcast<int8_t, N>((int8_t)count);
+    const auto on = [&](int lanes) NUQI_FORCED {
+      const Lanes there = here + broadcast<int8_t, N>((int8_t)lanes);
+      return as<uint8_t>(select(there < end, there, here));
+    };
+    const auto inside_or = [&](const Lanes& there, const Lanes& otherwise)
+                               NUQI_FORCED { return select(there < Lanes{}, otherwise, there); };
+    const Lanes pixel = broadcast<int8_t, N>((int8_t)channels);
+    const Lanes one_back = inside_or(here - pixel, here);
+    one_on_ = on(channels);
+    two_on_ = on(2 * channels);
+    back_ = as<uint8_t>(size == 3 ? one_back : inside_or(here - pixel - pixel, one_back));
+  }
+  NUQI_INLINE Bytes operator()(const Bytes& pixels) const {
+    const Bytes pairs = best<extremum>(pixels, pick(pixels, one_on_));
+    const Bytes result = best<extremum>(pairs, pick(pairs, back_));
+    return size == 3 ? result : best<extremum>(result, pick(pixels, two_on_));
+  }
+
+ private:
+  static NUQI_INLINE Bytes pick(const Bytes& a, const Bytes& lanes) {
+    return {{machine::permute_bytes(a.r[0], lanes.r[0])}};
+  }
+  Bytes one_on_, two_on_, back_;
+};
+
+// ---- All rows
+
+// compute(rows, upper, lower) makes two rows of the result.
+template <Extremum extremum, int size, bool cross, class Compute>
+NUQI_INLINE void for_row_pairs(const WindowJob<uint8_t>& job, const Compute& compute) {
   for (int64_t y = 0; y < job.height; y += 2) {
     // A last row alone is its own second: the upper one is stored last.
     const int64_t apart = y + 1 < job.height;
-    two_rows(RowPair<extremum, size, cross>(job.rows + y, apart), to, row_of(job.dst, y),
-             row_of(job.dst, y + apart), job.count);
+    compute(RowPair<extremum, size, cross>(job.rows + y, apart), row_of(job.dst, y),
+            row_of(job.dst, y + apart));
   }
+}
+
+template <Extremum extremum, int size, bool cross>
+NUQI_NOINLINE void narrow_rows(const WindowJob<uint8_t>& job) {
+  const AlongOne<extremum, size> along((int)job.count, job.channels);
+  const auto walk = [&](auto part) NUQI_FORCED {
+    for_row_pairs<extremum, size, cross>(
+        job, [&](const auto& rows, uint8_t* upper, uint8_t* lower) NUQI_FORCED {
+          const TwoRows pixels = rows.across(0, part);
+          rows.finish({along(pixels.upper), along(pixels.lower)}, upper, lower, 0, part);
+        });
+  };
+  job.count == kRegBytes ? walk(Whole{}) : walk(First{int(job.count)});
+}
+
+template <Extremum extremum, int size, bool cross>
+NUQI_NOINLINE void wide_rows(const WindowJob<uint8_t>& job) {
+  const Neighbours to(size, job.channels);
+  for_row_pairs<extremum, size, cross>(
+      job, [&](const auto& rows, uint8_t* upper, uint8_t* lower)
+               NUQI_FORCED { two_rows(rows, to, upper, lower, job.count); });
+}
+
+template <Extremum extremum, int size, bool cross>
+NUQI_INLINE void row_pairs(const WindowJob<uint8_t>& job) {
+  job.count <= kRegBytes ? narrow_rows<extremum, size, cross>(job)
+                         : wide_rows<extremum, size, cross>(job);
 }
 
 }  // namespace

@@ -100,11 +100,14 @@ NUQI_INLINE void walk_down(Shape shape, const WindowJob<T>& job, const T* const*
 }
 
 // Blocks of several registers: a cache line that two blocks share is seldom fetched twice.
-constexpr int registers_for(int size) { return Machine::kMasks || size == 3 ? 2 : 1; }
+template <class T>
+constexpr int registers_for(int size) {
+  return !kPairsRows<T> && (Machine::kMasks || size == 3) ? 2 : 1;
+}
 
 template <template <Extremum, int, class, int> class Shape, Extremum extremum, int size, class T>
 void stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_t count) {
-  constexpr int N = Reg<T>::kLanes, kWide = registers_for(size) * N;
+  constexpr int N = Reg<T>::kLanes, kWide = registers_for<T>(size) * N;
   int64_t x = 0;
   if constexpr (kWide > N)
     for (; x + kWide <= count; x += kWide)
