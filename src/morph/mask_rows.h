@@ -164,33 +164,49 @@ class MaskAcross {
   }
 
  private:
-  // Registers x - 1 to x + n of what lies below a pattern.
+  // What lies below a pattern: load_row(k, row) gives register k of a row.
+  template <int n, class Load>
+  NUQI_INLINE void reduce_down(Bytes (&down)[n], const Pattern& p, int64_t y,
+                               const Load& load_row) const {
+    const uint8_t* const* rows = job_.rows + y;
+    const auto set = [&](int r, const auto& join) NUQI_FORCED {
+      const uint8_t* row = rows[p.row[r]];
+      for_each<n>([&](int k) NUQI_FORCED { down[k] = join(down[k], load_row(k, row)); });
+    };
+    set(0, [](const Bytes&, const Bytes& pixels) NUQI_FORCED { return pixels; });
+    for (int r = 1; r < p.rows; ++r)
+      set(r, [](const Bytes& a, const Bytes& b) NUQI_FORCED { return best<extremum>(a, b); });
+  }
+  // n registers, and those around them, of which none is at an end.
   template <int n>
   NUQI_INLINE void inside(int64_t y, int64_t x) const {
-    reduce<n>(y, x, Whole{}, [&](Bytes* down, const auto& reduce_down) NUQI_FORCED {
-      for_each<n + 2>([&](int k)
-                          NUQI_FORCED { down[k] = reduce_down(x + (k - 1) * kRegBytes, Whole{}); });
+    reduce<n>(y, x, Whole{}, [&](Bytes(&down)[n + 2], const Pattern& p) NUQI_FORCED {
+      reduce_down(down, p, y, [&](int k, const uint8_t* row) NUQI_FORCED {
+        return load<kRegBytes>(row + x + (k - 1) * kRegBytes);
+      });
     });
   }
-  // The first register, or one that lies less than a whole one before the end.
+  // The first register, or one whose neighbour is not whole.
   template <bool first>
   NUQI_NOINLINE void ends(int64_t y, int64_t x) const {
-    const First rest = {rest_};
     const int64_t left = job_.count - x;
-    const auto load_down = [&](Bytes* down, const auto& reduce_down) NUQI_FORCED {
-      down[1] = left >= kRegBytes ? reduce_down(x, Whole{}) : reduce_down(x, rest);
-      down[0] = first ? Bytes{{machine::permute_bytes(down[1].r[0], copies_.ahead.r[0])}}
-                      : reduce_down(x - kRegBytes, Whole{});
-      if (left > kRegBytes) {
-        down[2] = left < 2 * kRegBytes
-                      ? permute_two(down[1], reduce_down(x + kRegBytes, rest), copies_.rest)
-                      : reduce_down(x + kRegBytes, Whole{});
-      } else {
+    const bool last = left <= kRegBytes, next_last = !last && left < 2 * kRegBytes;
+    const First here = {last ? rest_ : kRegBytes};
+    const First next = {last ? 0 : next_last ? rest_ : kRegBytes};
+    const auto load_down = [&](Bytes(&down)[3], const Pattern& p) NUQI_FORCED {
+      reduce_down(down, p, y, [&](int k, const uint8_t* row) NUQI_FORCED {
+        const uint8_t* from = row + x + (k - 1) * kRegBytes;
+        return k == 0 ? load<kRegBytes>(first ? from + kRegBytes : from)
+                      : load<kRegBytes>(from, k == 1 ? here : next);
+      });
+      if (first) down[0] = {{machine::permute_bytes(down[0].r[0], copies_.ahead.r[0])}};
+      if (last) {
         down[2] = permute_two(down[0], down[1], copies_.behind);
         down[1] = permute_two(down[0], down[1], copies_.rest);
       }
+      if (next_last) down[2] = permute_two(down[1], down[2], copies_.rest);
     };
-    left >= kRegBytes ? reduce<1>(y, x, Whole{}, load_down) : reduce<1>(y, x, rest, load_down);
+    reduce<1>(y, x, here, load_down);
   }
   template <int n, class Part, class Load>
   NUQI_INLINE void reduce(int64_t y, int64_t x, Part part, const Load& load_down) const {
@@ -199,12 +215,7 @@ class MaskAcross {
     for (int i = 0; i < patterns_.count; ++i) {
       const Pattern& p = patterns_.of[i];
       Bytes down[n + 2];
-      load_down(down, [&](int64_t at, auto part) NUQI_FORCED {
-        Bytes all = load<kRegBytes>(job_.rows[y + p.row[0]] + at, part);
-        for (int r = 1; r < p.rows; ++r)
-          all = best<extremum>(all, load<kRegBytes>(job_.rows[y + p.row[r]] + at, part));
-        return all;
-      });
+      load_down(down, p);
       const auto take = [&](int k, const Bytes& pixels)
                             NUQI_FORCED { results[k] = best<extremum>(results[k], pixels); };
       if (p.own) for_each<n>([&](int k) NUQI_FORCED { take(k, down[k + 1]); });
