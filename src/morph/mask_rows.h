@@ -10,12 +10,15 @@ namespace {
 
 constexpr int kMostColumns = 9;
 
-// Rows of the element that are alike, and their pixels' columns: `before` the anchor, behind it, and
-// maybe its own.
+// Calls f for each bit that is set.
+template <class F>
+NUQI_INLINE void for_bits(uint32_t bits, const F& f) {
+  for (; bits != 0; bits &= bits - 1) f(__builtin_ctz(bits));
+}
+
+// A bit for each column that these rows have inside, and for each row of the element that is so.
 struct Pattern {
-  int rows = 0, before = 0, behind = 0;
-  bool own = false;
-  uint8_t row[kSmallHeight], column_before[kMostColumns], column_behind[kMostColumns];
+  uint32_t columns, rows;
 };
 
 struct Patterns {
@@ -24,7 +27,6 @@ struct Patterns {
 
   NUQI_INLINE explicit Patterns(const WindowJob<uint8_t>& job) {
     constexpr int kEntry = 8;
-    uint32_t columns_of[kSmallHeight];
     const uint8_t* inside = job.inside;
     for (int r = 0; r < job.element.height; ++r) {
       uint32_t columns = 0;
@@ -32,221 +34,227 @@ struct Patterns {
         columns |= uint32_t{*inside != 0} << c;
       if (columns == 0) continue;
       int i = 0;
-      while (i < count && columns_of[i] != columns) ++i;
-      if (i == count) {
-        columns_of[count++] = columns;
-        add_columns(of[i], columns, job.anchor.x);
-      }
-      of[i].row[of[i].rows++] = (uint8_t)r;
-    }
-  }
-
- private:
-  static NUQI_INLINE void add_columns(Pattern& p, uint32_t columns, int anchor) {
-    p.own = columns >> anchor & 1;
-    for (int c = 0; c < kMostColumns; ++c) {
-      if ((columns >> c & 1) == 0 || c == anchor) continue;
-      if (c < anchor)
-        p.column_before[p.before++] = (uint8_t)c;
-      else
-        p.column_behind[p.behind++] = (uint8_t)c;
+      while (i < count && of[i].columns != columns) ++i;
+      if (i == count) of[count++] = {columns, 0};
+      of[i].rows |= 1u << r;
     }
   }
 };
 
+// down[i] becomes what lies below a pattern's rows: load_row(i, r) gives it for one row of the element.
+template <Extremum extremum, int n, class Load>
+NUQI_INLINE void reduce_down(Bytes (&down)[n], const Pattern& p, const Load& load_row) {
+  const int first = __builtin_ctz(p.rows);
+  for_each<n>([&](int i) NUQI_FORCED { down[i] = load_row(i, first); });
+  for_bits(p.rows & (p.rows - 1), [&](int r) NUQI_FORCED {
+    for_each<n>([&](int i) NUQI_FORCED { down[i] = best<extremum>(down[i], load_row(i, r)); });
+  });
+}
+
+// Some rows of the result at once; below the job's last one is that one again.
+constexpr int kRowsAtOnce = 4;
+
+struct FourRows {
+  int64_t at[kRowsAtOnce];
+
+  NUQI_INLINE FourRows(int64_t y, int64_t height) {
+    for_each<kRowsAtOnce>([&](int k) NUQI_FORCED { at[k] = y + k < height ? y + k : height - 1; });
+  }
+};
+
+// ---- Places of a pixel's neighbours
+
 using Lanes = Vec<int8_t, kRegBytes>;
 
-NUQI_INLINE Lanes lanes_from(int64_t first) {
+NUQI_INLINE Lanes lanes_from(int first) {
   return lane_numbers<uint8_t>(typename UpTo<kRegBytes>::Type{}) +
          broadcast<int8_t, kRegBytes>((int8_t)first);
 }
-// Lanes outside 0 to end - 1 become those of the same channel that are nearest to them, of those that a
-// small element reaches.
-NUQI_INLINE Lanes clamped(Lanes lanes, int end, int channels, int steps) {
-  const Lanes pixel = broadcast<int8_t, kRegBytes>((int8_t)channels);
-  const Lanes last = broadcast<int8_t, kRegBytes>((int8_t)(end - 1));
-  for (int i = 0; i < steps; ++i) {
-    lanes = select(lanes < Lanes{}, lanes + pixel, lanes);
-    lanes = select(last < lanes, lanes - pixel, lanes);
-  }
-  return lanes;
+NUQI_INLINE Lanes pixels_before(const Lanes& lanes, int end, int channels) {
+  const auto last = broadcast<int8_t, kRegBytes>((int8_t)(end - 1));
+  return select(last < lanes, lanes - broadcast<int8_t, kRegBytes>((int8_t)channels), lanes);
+}
+NUQI_INLINE Lanes pixels_behind(const Lanes& lanes, int channels) {
+  return select(lanes < Lanes{}, lanes + broadcast<int8_t, kRegBytes>((int8_t)channels), lanes);
+}
+NUQI_INLINE Bytes permute(const Bytes& a, const Bytes& places) {
+  return {{machine::permute_bytes(a.r[0], places.r[0])}};
+}
+NUQI_INLINE Bytes permute(const Bytes& low, const Bytes& high, const Bytes& places) {
+  return {{machine::permute_bytes(low.r[0], high.r[0], places.r[0])}};
 }
 
-// ---- Rows of one register, four at a time
+// ---- Rows of one register
+
+// Where each column of the element finds its pixels, of so many; copies stand beside them.
+struct ColumnPlaces {
+  Bytes of[kMostColumns];
+
+  NUQI_INLINE ColumnPlaces(const WindowJob<uint8_t>& job, int count) {
+    const auto pixel = broadcast<int8_t, kRegBytes>((int8_t)job.channels);
+    const auto here = lanes_from(0);
+    of[job.anchor.x] = as<uint8_t>(here);
+    Lanes at = here;
+    for (int c = job.anchor.x + 1; c < job.element.width; ++c)
+      of[c] = as<uint8_t>(at = pixels_before(at + pixel, count, job.channels));
+    at = here;
+    for (int c = job.anchor.x - 1; c >= 0; --c)
+      of[c] = as<uint8_t>(at = pixels_behind(at - pixel, job.channels));
+  }
+};
 
 template <Extremum extremum, class Part>
-NUQI_INLINE void mask_narrow(const WindowJob<uint8_t>& job, const Patterns& patterns, Part part) {
-  constexpr int kAtOnce = 4;
-  const int lanes = lane_count<kRegBytes>(part);
-  Bytes places[kMostColumns];
-  for (int c = 0; c < job.element.width; ++c)
-    places[c] = as<uint8_t>(clamped(lanes_from(int64_t{c - job.anchor.x} * job.channels), lanes,
-                                    job.channels, job.element.width));
-  for (int64_t y = 0; y < job.height; y += kAtOnce) {
-    // Rows below the last one are the last one again.
-    int64_t at[kAtOnce];
-    for_each<kAtOnce>([&](int k)
-                          NUQI_FORCED { at[k] = y + k < job.height ? y + k : job.height - 1; });
-    Bytes results[kAtOnce];
-    for_each<kAtOnce>([&](int k) NUQI_FORCED { results[k] = worst<extremum, uint8_t>(); });
+NUQI_INLINE void narrow_mask(const WindowJob<uint8_t>& job, Part part) {
+  const Patterns patterns(job);
+  const ColumnPlaces places(job, lane_count<kRegBytes>(part));
+  for (int64_t y = 0; y < job.height; y += kRowsAtOnce) {
+    const FourRows rows(y, job.height);
+    Bytes results[kRowsAtOnce], down[kRowsAtOnce];
+    for (Bytes& result : results) result = worst<extremum, uint8_t>();
     for (int i = 0; i < patterns.count; ++i) {
-      const Pattern& p = patterns.of[i];
-      Bytes down[kAtOnce];
-      for_each<kAtOnce>(
-          [&](int k) NUQI_FORCED { down[k] = load<kRegBytes>(job.rows[at[k] + p.row[0]], part); });
-      for (int r = 1; r < p.rows; ++r)
-        for_each<kAtOnce>([&](int k) NUQI_FORCED {
-          down[k] = best<extremum>(down[k], load<kRegBytes>(job.rows[at[k] + p.row[r]], part));
+      reduce_down<extremum>(down, patterns.of[i], [&](int k, int r) NUQI_FORCED {
+        return load<kRegBytes>(job.rows[rows.at[k] + r], part);
+      });
+      for_bits(patterns.of[i].columns, [&](int c) NUQI_FORCED {
+        for_each<kRowsAtOnce>([&](int k) NUQI_FORCED {
+          results[k] = best<extremum>(results[k], permute(down[k], places.of[c]));
         });
-      const auto take = [&](int c) NUQI_FORCED {
-        for_each<kAtOnce>([&](int k) NUQI_FORCED {
-          const Bytes there = {{machine::permute_bytes(down[k].r[0], places[c].r[0])}};
-          results[k] = best<extremum>(results[k], there);
-        });
-      };
-      if (p.own)
-        for_each<kAtOnce>([&](int k)
-                              NUQI_FORCED { results[k] = best<extremum>(results[k], down[k]); });
-      for (int j = 0; j < p.before; ++j) take(p.column_before[j]);
-      for (int j = 0; j < p.behind; ++j) take(p.column_behind[j]);
+      });
     }
-    for_each<kAtOnce>([&](int k) NUQI_FORCED { store(row_of(job.dst, at[k]), results[k], part); });
+    for_each<kRowsAtOnce>(
+        [&](int k) NUQI_FORCED { store(row_of(job.dst, rows.at[k]), results[k], part); });
   }
 }
 
 // ---- Rows of several registers
 
-// Where copies of the first and the last pixel are found, when the last register holds `rest` pixels.
+// Where copies are found: of the first pixel, ahead of the first register; of the last one, behind it in
+// the last register and the one after that, if that last one holds `count` pixels. The latter in two
+// registers, of which the last is the second.
 struct Copies {
   Bytes ahead, behind, rest;
 
-  NUQI_INLINE Copies(const WindowJob<uint8_t>& job, int lanes)
-      : ahead(as<uint8_t>(clamped(lanes_from(-kRegBytes), kRegBytes, job.channels, kMostColumns))) {
-    const Lanes register_on = lanes_from(kRegBytes) - lanes_from(0);
-    const auto in_last = [&](int64_t first) NUQI_FORCED {
-      const Lanes pixel = broadcast<int8_t, kRegBytes>((int8_t)job.channels);
-      const Lanes last = broadcast<int8_t, kRegBytes>((int8_t)(lanes - 1));
-      Lanes to = lanes_from(first);
-      for (int i = 0; i < 2 * kMostColumns; ++i) to = select(last < to, to - pixel, to);
-      return as<uint8_t>(to + register_on);
-    };
-    rest = in_last(0);
-    behind = in_last(kRegBytes);
+  NUQI_INLINE Copies(const WindowJob<uint8_t>& job, int count) {
+    Lanes before = lanes_from(-kRegBytes), last = lanes_from(0), next = last;
+    // The next register's lanes are counted on from the last one's.
+    next = next + broadcast<int8_t, kRegBytes>(kRegBytes);
+    for (int i = 0; i < kMostColumns; ++i) before = pixels_behind(before, job.channels);
+    for (int i = 0; i < 2 * kMostColumns; ++i) {
+      last = pixels_before(last, count, job.channels);
+      next = pixels_before(next, count, job.channels);
+    }
+    const auto second = broadcast<int8_t, kRegBytes>(kRegBytes);
+    ahead = as<uint8_t>(before);
+    rest = as<uint8_t>(last + second);
+    behind = as<uint8_t>(next + second);
   }
 };
 
-NUQI_INLINE Bytes permute_two(const Bytes& low, const Bytes& high, const Bytes& places) {
-  return {{machine::permute_bytes(low.r[0], high.r[0], places.r[0])}};
-}
-
 template <Extremum extremum>
-class MaskAcross {
+class WideMask {
+  static constexpr int N = kRegBytes;
+
  public:
-  NUQI_INLINE explicit MaskAcross(const WindowJob<uint8_t>& job)
+  NUQI_INLINE explicit WideMask(const WindowJob<uint8_t>& job)
       : job_(job),
+        own_(1u << job.anchor.x),
         patterns_(job),
-        rest_((int)((job.count - 1) % kRegBytes) + 1),
+        rest_((int)((job.count - 1) % N) + 1),
         copies_(job, rest_) {
-    for (int c = 0; c < job.element.width; ++c) {
-      const int64_t from = int64_t{c - job.anchor.x} * job.channels;
-      places_[c] = as<uint8_t>(lanes_from(from < 0 ? kRegBytes + from : from));
-    }
+    for (int c = 0; c < job.element.width; ++c)
+      places_[c] =
+          as<uint8_t>(lanes_from((c - job.anchor.x) * job.channels + (c < job.anchor.x ? N : 0)));
   }
   NUQI_INLINE void run() const {
-    constexpr int N = kRegBytes, kAtOnce = 4;
-    for (int64_t y = 0; y < job_.height; ++y) {
-      ends<true>(y, 0);
+    for (int64_t y = 0; y < job_.height; y += kRowsAtOnce) {
+      const FourRows rows(y, job_.height);
+      ends<true>(rows, 0);
       int64_t x = N;
-      for (; x + (kAtOnce + 1) * N <= job_.count; x += kAtOnce * N) inside<kAtOnce>(y, x);
-      for (; x + 2 * N <= job_.count; x += N) inside<1>(y, x);
-      for (; x < job_.count; x += N) ends<false>(y, x);
+      for (; x + 2 * N <= job_.count; x += x + 5 * N <= job_.count ? 4 * N : N)
+        for (int64_t at = y; at < job_.height && at < y + kRowsAtOnce; ++at)
+          x + 5 * N <= job_.count ? inside<4>(at, x) : inside<1>(at, x);
+      for (; x < job_.count; x += N) ends<false>(rows, x);
     }
   }
 
  private:
-  // What lies below a pattern: load_row(k, row) gives register k of a row.
-  template <int n, class Load>
-  NUQI_INLINE void reduce_down(Bytes (&down)[n], const Pattern& p, int64_t y,
-                               const Load& load_row) const {
-    const uint8_t* const* rows = job_.rows + y;
-    const auto set = [&](int r, const auto& join) NUQI_FORCED {
-      const uint8_t* row = rows[p.row[r]];
-      for_each<n>([&](int k) NUQI_FORCED { down[k] = join(down[k], load_row(k, row)); });
-    };
-    set(0, [](const Bytes&, const Bytes& pixels) NUQI_FORCED { return pixels; });
-    for (int r = 1; r < p.rows; ++r)
-      set(r, [](const Bytes& a, const Bytes& b) NUQI_FORCED { return best<extremum>(a, b); });
-  }
-  // n registers, and those around them, of which none is at an end.
+  // n registers of a row, of which none is at an end.
   template <int n>
   NUQI_INLINE void inside(int64_t y, int64_t x) const {
-    reduce<n>(y, x, Whole{}, [&](Bytes(&down)[n + 2], const Pattern& p) NUQI_FORCED {
-      reduce_down(down, p, y, [&](int k, const uint8_t* row) NUQI_FORCED {
-        return load<kRegBytes>(row + x + (k - 1) * kRegBytes);
+    Bytes results[n];
+    reduce<n, 1>(results, [&](Bytes(&down)[n + 2], const Pattern& p) NUQI_FORCED {
+      reduce_down<extremum>(down, p, [&](int i, int r) NUQI_FORCED {
+        return load<N>(job_.rows[y + r] + x + (i - 1) * N);
       });
     });
+    uint8_t* to = row_of(job_.dst, y) + x;
+    for_each<n>([&](int k) NUQI_FORCED { store(to + k * N, results[k]); });
   }
-  // The first register, or one whose neighbour is not whole.
+  // The rows' first register, or one whose neighbour is not whole.
   template <bool first>
-  NUQI_NOINLINE void ends(int64_t y, int64_t x) const {
+  NUQI_NOINLINE void ends(const FourRows& rows, int64_t x) const {
     const int64_t left = job_.count - x;
-    const bool last = left <= kRegBytes, next_last = !last && left < 2 * kRegBytes;
-    const First here = {last ? rest_ : kRegBytes};
-    const First next = {last ? 0 : next_last ? rest_ : kRegBytes};
-    const auto load_down = [&](Bytes(&down)[3], const Pattern& p) NUQI_FORCED {
-      reduce_down(down, p, y, [&](int k, const uint8_t* row) NUQI_FORCED {
-        const uint8_t* from = row + x + (k - 1) * kRegBytes;
-        return k == 0 ? load<kRegBytes>(first ? from + kRegBytes : from)
-                      : load<kRegBytes>(from, k == 1 ? here : next);
-      });
-      if (first) down[0] = {{machine::permute_bytes(down[0].r[0], copies_.ahead.r[0])}};
-      if (last) {
-        down[2] = permute_two(down[0], down[1], copies_.behind);
-        down[1] = permute_two(down[0], down[1], copies_.rest);
-      }
-      if (next_last) down[2] = permute_two(down[1], down[2], copies_.rest);
-    };
-    reduce<1>(y, x, here, load_down);
+    const bool last = left <= N, next_last = !last && left < 2 * N;
+    const First here = {last ? rest_ : N}, next = {last ? 0 : next_last ? rest_ : N};
+    Bytes results[kRowsAtOnce];
+    reduce<kRowsAtOnce, 3>(
+        results, [&](Bytes(&down)[3 * kRowsAtOnce], const Pattern& p) NUQI_FORCED {
+          reduce_down<extremum>(down, p, [&](int i, int r) NUQI_FORCED {
+            const uint8_t* from = job_.rows[rows.at[i / 3] + r] + x;
+            if (i % 3 == 0) return load<N>(first ? from : from - N);
+            return i % 3 == 1 ? load<N>(from, here) : load<N>(from + N, next);
+          });
+          for_each<kRowsAtOnce>([&](int k) NUQI_FORCED {
+            Bytes &before = down[3 * k], &own = down[3 * k + 1], &behind = down[3 * k + 2];
+            if (first) before = permute(before, copies_.ahead);
+            if (last) {
+              behind = permute(before, own, copies_.behind);
+              own = permute(before, own, copies_.rest);
+            }
+            if (next_last) behind = permute(own, behind, copies_.rest);
+          });
+        });
+    for_each<kRowsAtOnce>(
+        [&](int k) NUQI_FORCED { store(row_of(job_.dst, rows.at[k]) + x, results[k], here); });
   }
-  template <int n, class Part, class Load>
-  NUQI_INLINE void reduce(int64_t y, int64_t x, Part part, const Load& load_down) const {
-    Bytes results[n];
-    for_each<n>([&](int k) NUQI_FORCED { results[k] = worst<extremum, uint8_t>(); });
+  // Register k of the results comes from three of what lies below, from register k * apart on.
+  template <int n, int apart, class Load>
+  NUQI_INLINE void reduce(Bytes (&results)[n], const Load& load_down) const {
+    for (Bytes& result : results) result = worst<extremum, uint8_t>();
     for (int i = 0; i < patterns_.count; ++i) {
       const Pattern& p = patterns_.of[i];
-      Bytes down[n + 2];
+      Bytes down[apart * (n - 1) + 3];
       load_down(down, p);
-      const auto take = [&](int k, const Bytes& pixels)
-                            NUQI_FORCED { results[k] = best<extremum>(results[k], pixels); };
-      if (p.own) for_each<n>([&](int k) NUQI_FORCED { take(k, down[k + 1]); });
-      for (int j = 0; j < p.before; ++j) {
-        const Bytes places = places_[p.column_before[j]];
-        for_each<n>([&](int k) NUQI_FORCED { take(k, permute_two(down[k], down[k + 1], places)); });
-      }
-      for (int j = 0; j < p.behind; ++j) {
-        const Bytes places = places_[p.column_behind[j]];
-        for_each<n>([&](int k)
-                        NUQI_FORCED { take(k, permute_two(down[k + 1], down[k + 2], places)); });
-      }
+      const auto take = [&](uint32_t columns, int from) NUQI_FORCED {
+        for_bits(columns, [&](int c) NUQI_FORCED {
+          for_each<n>([&](int k) NUQI_FORCED {
+            const Bytes* at = down + k * apart + from;
+            results[k] = best<extremum>(results[k], permute(at[0], at[1], places_[c]));
+          });
+        });
+      };
+      take(p.columns & (own_ - 1), 0);
+      take(p.columns & (0 - 2 * own_), 1);
+      if (p.columns & own_)
+        for_each<n>([&](int k) NUQI_FORCED {
+          results[k] = best<extremum>(results[k], down[k * apart + 1]);
+        });
     }
-    for_each<n>([&](int k) NUQI_FORCED {
-      store(row_of(job_.dst, y) + x + k * kRegBytes, results[k], part);
-    });
   }
 
   const WindowJob<uint8_t>& job_;
+  uint32_t own_;  // the bit of the anchor's column
   Patterns patterns_;
-  int rest_;
+  int rest_;  // pixels in the last register
   Copies copies_;
   Bytes places_[kMostColumns];
 };
 
 template <Extremum extremum>
 NUQI_NOINLINE void mask_rows(const WindowJob<uint8_t>& job) {
-  if (job.count > kRegBytes) return MaskAcross<extremum>(job).run();
-  const Patterns patterns(job);
-  if (job.count == kRegBytes) return mask_narrow<extremum>(job, patterns, Whole{});
-  mask_narrow<extremum>(job, patterns, First{int(job.count)});
+  if (job.count > kRegBytes) return WideMask<extremum>(job).run();
+  if (job.count == kRegBytes) return narrow_mask<extremum>(job, Whole{});
+  narrow_mask<extremum>(job, First{int(job.count)});
 }
 
 }  // namespace
