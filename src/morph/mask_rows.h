@@ -41,6 +41,13 @@ struct Patterns {
   }
 };
 
+// One by one: GCC 12 fills an array by halves of registers, whose whole is then loaded too early.
+template <Extremum extremum, int n>
+NUQI_INLINE void start(Bytes (&results)[n]) {
+  const Bytes none = worst<extremum, uint8_t>();
+  for_each<n>([&](int k) NUQI_FORCED { results[k] = none; });
+}
+
 // down[i] becomes what lies below a pattern's rows: load_row(i, r) gives it for one row of the element.
 template <Extremum extremum, int n, class Load>
 NUQI_INLINE void reduce_down(Bytes (&down)[n], const Pattern& p, const Load& load_row) {
@@ -110,7 +117,7 @@ NUQI_INLINE void narrow_mask(const WindowJob<uint8_t>& job, Part part) {
   for (int64_t y = 0; y < job.height; y += kRowsAtOnce) {
     const FourRows rows(y, job.height);
     Bytes results[kRowsAtOnce], down[kRowsAtOnce];
-    for (Bytes& result : results) result = worst<extremum, uint8_t>();
+    start<extremum>(results);
     for (int i = 0; i < patterns.count; ++i) {
       reduce_down<extremum>(down, patterns.of[i], [&](int k, int r) NUQI_FORCED {
         return load<kRegBytes>(job.rows[rows.at[k] + r], part);
@@ -152,7 +159,7 @@ struct Copies {
 
 template <Extremum extremum>
 class WideMask {
-  static constexpr int N = kRegBytes;
+  static constexpr int N = kRegBytes, kAtOnce = 4;
 
  public:
   NUQI_INLINE explicit WideMask(const WindowJob<uint8_t>& job)
@@ -168,41 +175,42 @@ class WideMask {
   NUQI_INLINE void run() const {
     for (int64_t y = 0; y < job_.height; y += kRowsAtOnce) {
       const FourRows rows(y, job_.height);
-      ends<true>(rows, 0);
       int64_t x = N;
-      for (; x + 2 * N <= job_.count; x += x + 5 * N <= job_.count ? 4 * N : N)
-        for (int64_t at = y; at < job_.height && at < y + kRowsAtOnce; ++at)
-          x + 5 * N <= job_.count ? inside<4>(at, x) : inside<1>(at, x);
-      for (; x < job_.count; x += N) ends<false>(rows, x);
+      job_.count < 2 * N ? ends<true, false>(rows, 0) : ends<true, true>(rows, 0);
+      for (; x + (kAtOnce + 1) * N <= job_.count; x += kAtOnce * N)
+        for (int64_t at = y; at < job_.height && at < y + kRowsAtOnce; ++at) inside(at, x);
+      for (; x + 2 * N <= job_.count; x += N) ends<false, true>(rows, x);
+      for (; x < job_.count; x += N) ends<false, false>(rows, x);
     }
   }
 
  private:
-  // n registers of a row, of which none is at an end.
-  template <int n>
+  // Registers of a row of which none is at an end.
   NUQI_INLINE void inside(int64_t y, int64_t x) const {
-    Bytes results[n];
-    reduce<n, 1>(results, [&](Bytes(&down)[n + 2], const Pattern& p) NUQI_FORCED {
+    Bytes results[kAtOnce];
+    reduce<kAtOnce, 1>(results, [&](Bytes(&down)[kAtOnce + 2], const Pattern& p) NUQI_FORCED {
       reduce_down<extremum>(down, p, [&](int i, int r) NUQI_FORCED {
         return load<N>(job_.rows[y + r] + x + (i - 1) * N);
       });
     });
     uint8_t* to = row_of(job_.dst, y) + x;
-    for_each<n>([&](int k) NUQI_FORCED { store(to + k * N, results[k]); });
+    for_each<kAtOnce>([&](int k) NUQI_FORCED { store(to + k * N, results[k]); });
   }
-  // The rows' first register, or one whose neighbour is not whole.
-  template <bool first>
+  // One register of each row: the first or another, with a whole one behind it or maybe not.
+  template <bool first, bool whole>
   NUQI_NOINLINE void ends(const FourRows& rows, int64_t x) const {
     const int64_t left = job_.count - x;
-    const bool last = left <= N, next_last = !last && left < 2 * N;
+    const bool last = !whole && left <= N, next_last = !whole && !last && left < 2 * N;
     const First here = {last ? rest_ : N}, next = {last ? 0 : next_last ? rest_ : N};
+    const auto load_some = [&](const uint8_t* from, First part)
+                               NUQI_FORCED { return whole ? load<N>(from) : load<N>(from, part); };
     Bytes results[kRowsAtOnce];
     reduce<kRowsAtOnce, 3>(
         results, [&](Bytes(&down)[3 * kRowsAtOnce], const Pattern& p) NUQI_FORCED {
           reduce_down<extremum>(down, p, [&](int i, int r) NUQI_FORCED {
             const uint8_t* from = job_.rows[rows.at[i / 3] + r] + x;
             if (i % 3 == 0) return load<N>(first ? from : from - N);
-            return i % 3 == 1 ? load<N>(from, here) : load<N>(from + N, next);
+            return i % 3 == 1 ? load_some(from, here) : load_some(from + N, next);
           });
           for_each<kRowsAtOnce>([&](int k) NUQI_FORCED {
             Bytes &before = down[3 * k], &own = down[3 * k + 1], &behind = down[3 * k + 2];
@@ -214,13 +222,15 @@ class WideMask {
             if (next_last) behind = permute(own, behind, copies_.rest);
           });
         });
-    for_each<kRowsAtOnce>(
-        [&](int k) NUQI_FORCED { store(row_of(job_.dst, rows.at[k]) + x, results[k], here); });
+    for_each<kRowsAtOnce>([&](int k) NUQI_FORCED {
+      uint8_t* to = row_of(job_.dst, rows.at[k]) + x;
+      whole ? store(to, results[k]) : store(to, results[k], here);
+    });
   }
   // Register k of the results comes from three of what lies below, from register k * apart on.
   template <int n, int apart, class Load>
   NUQI_INLINE void reduce(Bytes (&results)[n], const Load& load_down) const {
-    for (Bytes& result : results) result = worst<extremum, uint8_t>();
+    start<extremum>(results);
     for (int i = 0; i < patterns_.count; ++i) {
       const Pattern& p = patterns_.of[i];
       Bytes down[apart * (n - 1) + 3];
