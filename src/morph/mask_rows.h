@@ -71,42 +71,29 @@ struct FourRows {
 
 // ---- Places of a pixel's neighbours
 
-using Lanes = Vec<int8_t, kRegBytes>;
-
-NUQI_INLINE Lanes lanes_from(int first) {
-  return lane_numbers<uint8_t>(typename UpTo<kRegBytes>::Type{}) +
-         broadcast<int8_t, kRegBytes>((int8_t)first);
-}
-NUQI_INLINE Lanes pixels_before(const Lanes& lanes, int end, int channels) {
+NUQI_INLINE ByteLanes pixels_before(const ByteLanes& lanes, int end, int channels) {
   const auto last = broadcast<int8_t, kRegBytes>((int8_t)(end - 1));
   return select(last < lanes, lanes - broadcast<int8_t, kRegBytes>((int8_t)channels), lanes);
 }
-NUQI_INLINE Lanes pixels_behind(const Lanes& lanes, int channels) {
-  return select(lanes < Lanes{}, lanes + broadcast<int8_t, kRegBytes>((int8_t)channels), lanes);
+NUQI_INLINE ByteLanes pixels_behind(const ByteLanes& lanes, int channels) {
+  return select(lanes < ByteLanes{}, lanes + broadcast<int8_t, kRegBytes>((int8_t)channels), lanes);
 }
-NUQI_INLINE Bytes permute(const Bytes& a, const Bytes& places) {
-  return {{machine::permute_bytes(a.r[0], places.r[0])}};
-}
-NUQI_INLINE Bytes permute(const Bytes& low, const Bytes& high, const Bytes& places) {
-  return {{machine::permute_bytes(low.r[0], high.r[0], places.r[0])}};
-}
-
 // ---- Rows of one register
 
 // Where each column of the element finds its pixels, of so many; copies stand beside them.
 struct ColumnPlaces {
-  Bytes of[kMostColumns];
+  ByteLanes of[kMostColumns];
 
   NUQI_INLINE ColumnPlaces(const WindowJob<uint8_t>& job, int count) {
     const auto pixel = broadcast<int8_t, kRegBytes>((int8_t)job.channels);
-    const auto here = lanes_from(0);
-    of[job.anchor.x] = as<uint8_t>(here);
-    Lanes at = here;
+    const auto here = lane_bytes(0);
+    of[job.anchor.x] = here;
+    ByteLanes at = here;
     for (int c = job.anchor.x + 1; c < job.element.width; ++c)
-      of[c] = as<uint8_t>(at = pixels_before(at + pixel, count, job.channels));
+      of[c] = at = pixels_before(at + pixel, count, job.channels);
     at = here;
     for (int c = job.anchor.x - 1; c >= 0; --c)
-      of[c] = as<uint8_t>(at = pixels_behind(at - pixel, job.channels));
+      of[c] = at = pixels_behind(at - pixel, job.channels);
   }
 };
 
@@ -124,7 +111,7 @@ NUQI_INLINE void narrow_mask(const WindowJob<uint8_t>& job, Part part) {
       });
       for_bits(patterns.of[i].columns, [&](int c) NUQI_FORCED {
         for_each<kRowsAtOnce>([&](int k) NUQI_FORCED {
-          results[k] = best<extremum>(results[k], permute(down[k], places.of[c]));
+          results[k] = best<extremum>(results[k], permute_bytes(down[k], places.of[c]));
         });
       });
     }
@@ -139,10 +126,10 @@ NUQI_INLINE void narrow_mask(const WindowJob<uint8_t>& job, Part part) {
 // the last register and the one after that, if that last one holds `count` pixels. The latter in two
 // registers, of which the last is the second.
 struct Copies {
-  Bytes ahead, behind, rest;
+  ByteLanes ahead, behind, rest;
 
   NUQI_INLINE Copies(const WindowJob<uint8_t>& job, int count) {
-    Lanes before = lanes_from(-kRegBytes), last = lanes_from(0), next = last;
+    ByteLanes before = lane_bytes(-kRegBytes), last = lane_bytes(0), next = last;
     // The next register's lanes are counted on from the last one's.
     next = next + broadcast<int8_t, kRegBytes>(kRegBytes);
     for (int i = 0; i < kMostColumns; ++i) before = pixels_behind(before, job.channels);
@@ -151,9 +138,9 @@ struct Copies {
       next = pixels_before(next, count, job.channels);
     }
     const auto second = broadcast<int8_t, kRegBytes>(kRegBytes);
-    ahead = as<uint8_t>(before);
-    rest = as<uint8_t>(last + second);
-    behind = as<uint8_t>(next + second);
+    ahead = before;
+    rest = last + second;
+    behind = next + second;
   }
 };
 
@@ -169,8 +156,7 @@ class WideMask {
         rest_((int)((job.count - 1) % N) + 1),
         copies_(job, rest_) {
     for (int c = 0; c < job.element.width; ++c)
-      places_[c] =
-          as<uint8_t>(lanes_from((c - job.anchor.x) * job.channels + (c < job.anchor.x ? N : 0)));
+      places_[c] = lane_bytes((c - job.anchor.x) * job.channels + (c < job.anchor.x ? N : 0));
   }
   NUQI_INLINE void run() const {
     for (int64_t y = 0; y < job_.height; y += kRowsAtOnce) {
@@ -214,12 +200,12 @@ class WideMask {
           });
           for_each<kRowsAtOnce>([&](int k) NUQI_FORCED {
             Bytes &before = down[3 * k], &own = down[3 * k + 1], &behind = down[3 * k + 2];
-            if (first) before = permute(before, copies_.ahead);
+            if (first) before = permute_bytes(before, copies_.ahead);
             if (last) {
-              behind = permute(before, own, copies_.behind);
-              own = permute(before, own, copies_.rest);
+              behind = permute_bytes(before, own, copies_.behind);
+              own = permute_bytes(before, own, copies_.rest);
             }
-            if (next_last) behind = permute(own, behind, copies_.rest);
+            if (next_last) behind = permute_bytes(own, behind, copies_.rest);
           });
         });
     for_each<kRowsAtOnce>([&](int k) NUQI_FORCED {
@@ -239,7 +225,7 @@ class WideMask {
         for_bits(columns, [&](int c) NUQI_FORCED {
           for_each<n>([&](int k) NUQI_FORCED {
             const Bytes* at = down + k * apart + from;
-            results[k] = best<extremum>(results[k], permute(at[0], at[1], places_[c]));
+            results[k] = best<extremum>(results[k], permute_bytes(at[0], at[1], places_[c]));
           });
         });
       };
@@ -257,7 +243,7 @@ class WideMask {
   Patterns patterns_;
   int rest_;  // pixels in the last register
   Copies copies_;
-  Bytes places_[kMostColumns];
+  ByteLanes places_[kMostColumns];
 };
 
 template <Extremum extremum>

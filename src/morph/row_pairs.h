@@ -17,25 +17,22 @@ constexpr bool kPairsRows = Machine::kPermutesBytes && sizeof(T) == 1;
 
 using Bytes = Reg<uint8_t>;
 
-// The lanes from lane `from` on of two registers in a row.
-struct Places {
-  Bytes::Native at;
-  NUQI_INLINE explicit Places(int64_t from) {
-    const auto first = lane_numbers<uint8_t>(typename UpTo<kRegBytes>::Type{});
-    at = as<uint8_t>(first + broadcast<int8_t, kRegBytes>((int8_t)from)).r[0];
-  }
-  NUQI_INLINE Bytes operator()(const Bytes& low, const Bytes& high) const {
-    return {{machine::permute_bytes(low.r[0], high.r[0], at)}};
-  }
-};
+using ByteLanes = Vec<int8_t, kRegBytes>;
+
+NUQI_INLINE ByteLanes lane_bytes(int64_t first) {
+  return lane_numbers<uint8_t>(typename UpTo<kRegBytes>::Type{}) +
+         broadcast<int8_t, kRegBytes>((int8_t)first);
+}
 
 // Where the neighbours of a register's pixels are found: one and two pixels on, and as far back as a
 // window begins.
 struct Neighbours {
-  Places one_on, two_on, back;
+  ByteLanes one_on, two_on, back;
 
   NUQI_INLINE Neighbours(int size, int64_t channels)
-      : one_on(channels), two_on(2 * channels), back(kRegBytes - size / 2 * channels) {}
+      : one_on(lane_bytes(channels)),
+        two_on(lane_bytes(2 * channels)),
+        back(lane_bytes(kRegBytes - size / 2 * channels)) {}
 };
 
 // Windows of `size` pixels around those of one register after the other: pairs of neighbours, of size 5
@@ -46,13 +43,13 @@ class Along {
   NUQI_INLINE explicit Along(const Bytes& first, const Neighbours& to)
       : here_(first), pairs_(worst<extremum, uint8_t>()) {
     // The first pixel is in a pair that begins before it.
-    if constexpr (size == 5) pairs_ = to.one_on(pairs_, first);
+    if constexpr (size == 5) pairs_ = permute_bytes(pairs_, first, to.one_on);
   }
   // Gives the windows of the register before.
   NUQI_INLINE Bytes push(const Bytes& next, const Neighbours& to) {
-    const Bytes pairs = best<extremum>(here_, to.one_on(here_, next));
-    Bytes result = best<extremum>(pairs, to.back(pairs_, pairs));
-    if constexpr (size == 5) result = best<extremum>(result, to.two_on(here_, next));
+    const Bytes pairs = best<extremum>(here_, permute_bytes(here_, next, to.one_on));
+    Bytes result = best<extremum>(pairs, permute_bytes(pairs_, pairs, to.back));
+    if constexpr (size == 5) result = best<extremum>(result, permute_bytes(here_, next, to.two_on));
     here_ = next;
     pairs_ = pairs;
     return result;
@@ -146,35 +143,31 @@ NUQI_INLINE void two_rows(const RowPair<extremum, size, cross>& rows, const Neig
 template <Extremum extremum, int size>
 class AlongOne {
   static constexpr int N = kRegBytes;
-  using Lanes = Vec<int8_t, N>;
 
  public:
   NUQI_INLINE AlongOne(int count, int channels) {
-    const Lanes here = lane_numbers<uint8_t>(typename UpTo<N>::Type{});
-    const Lanes end = broadcast<int8_t, N>((int8_t)count);
+    const ByteLanes here = lane_bytes(0), end = broadcast<int8_t, N>((int8_t)count);
     const auto on = [&](int lanes) NUQI_FORCED {
-      const Lanes there = here + broadcast<int8_t, N>((int8_t)lanes);
-      return as<uint8_t>(select(there < end, there, here));
+      const ByteLanes there = lane_bytes(lanes);
+      return select(there < end, there, here);
     };
-    const auto inside_or = [&](const Lanes& there, const Lanes& otherwise)
-                               NUQI_FORCED { return select(there < Lanes{}, otherwise, there); };
-    const Lanes pixel = broadcast<int8_t, N>((int8_t)channels);
-    const Lanes one_back = inside_or(here - pixel, here);
+    const auto back_or = [&](int lanes, const ByteLanes& otherwise) NUQI_FORCED {
+      const ByteLanes there = lane_bytes(-lanes);
+      return select(there < ByteLanes{}, otherwise, there);
+    };
     one_on_ = on(channels);
     two_on_ = on(2 * channels);
-    back_ = as<uint8_t>(size == 3 ? one_back : inside_or(here - pixel - pixel, one_back));
+    back_ = back_or(channels, here);
+    if constexpr (size == 5) back_ = back_or(2 * channels, back_);
   }
   NUQI_INLINE Bytes operator()(const Bytes& pixels) const {
-    const Bytes pairs = best<extremum>(pixels, pick(pixels, one_on_));
-    const Bytes result = best<extremum>(pairs, pick(pairs, back_));
-    return size == 3 ? result : best<extremum>(result, pick(pixels, two_on_));
+    const Bytes pairs = best<extremum>(pixels, permute_bytes(pixels, one_on_));
+    const Bytes result = best<extremum>(pairs, permute_bytes(pairs, back_));
+    return size == 3 ? result : best<extremum>(result, permute_bytes(pixels, two_on_));
   }
 
  private:
-  static NUQI_INLINE Bytes pick(const Bytes& a, const Bytes& lanes) {
-    return {{machine::permute_bytes(a.r[0], lanes.r[0])}};
-  }
-  Bytes one_on_, two_on_, back_;
+  ByteLanes one_on_, two_on_, back_;
 };
 
 // ---- All rows
