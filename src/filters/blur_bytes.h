@@ -38,12 +38,6 @@ NUQI_INLINE auto sums_along(const Load& load) {
   return Sums{shared + left, shared + right};
 }
 
-// Lane i is lane from[i] of a.
-template <class T, int N>
-NUQI_INLINE Vec<T, N> permute_bytes(const Vec<T, N>& a, const Vec<int8_t, N>& from) {
-  return {{machine::permute_bytes(a.r[0], as<uint8_t>(from).r[0])}};
-}
-
 // The first eight of sixteen columns: one register of results, and no masks where masks are slow.
 struct Eight {};
 

@@ -1,4 +1,5 @@
 // Small arbitrary masks. A pixel is loaded once, and offered to all results that it may lie below.
+#include "morph/mask_rows.h"
 #include "morph/tile.h"
 
 namespace nuqi::NUQI_ISA {
@@ -65,6 +66,8 @@ void mask_stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, i
 
 template <Extremum extremum, class T>
 void mask(const WindowJob<T>& job) {
+  if constexpr (kPairsRows<T>)
+    if (job.element.width <= kMostColumns) return mask_rows<extremum>(job);
   for_stretches<kIsFloat<T>>(job, job.element.height <= kMaskHeights[0]
                                       ? mask_stretch<extremum, kMaskHeights[0], T>
                                       : mask_stretch<extremum, kMaskHeights[1], T>);

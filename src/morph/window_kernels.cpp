@@ -1,4 +1,5 @@
 // Rectangles and crosses of 3x3 or 5x5 pixels.
+#include "morph/row_pairs.h"
 #include "morph/tile.h"
 
 namespace nuqi::NUQI_ISA {
@@ -99,11 +100,14 @@ NUQI_INLINE void walk_down(Shape shape, const WindowJob<T>& job, const T* const*
 }
 
 // Blocks of several registers: a cache line that two blocks share is seldom fetched twice.
-constexpr int registers_for(int size) { return Machine::kMasks || size == 3 ? 2 : 1; }
+template <class T>
+constexpr int registers_for(int size) {
+  return !kPairsRows<T> && (Machine::kMasks || size == 3) ? 2 : 1;
+}
 
 template <template <Extremum, int, class, int> class Shape, Extremum extremum, int size, class T>
 void stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_t count) {
-  constexpr int N = Reg<T>::kLanes, kWide = registers_for(size) * N;
+  constexpr int N = Reg<T>::kLanes, kWide = registers_for<T>(size) * N;
   int64_t x = 0;
   if constexpr (kWide > N)
     for (; x + kWide <= count; x += kWide)
@@ -114,19 +118,29 @@ void stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_
     walk_down<N, size>(Shape<extremum, size, T, N>{}, job, rows, dst, x, First{int(count - x)});
 }
 
-template <template <Extremum, int, class, int> class Shape, Extremum extremum, int size, class T>
-void walk(const WindowJob<T>& job) {
-  for_stretches<false>(job, stretch<Shape, extremum, size, T>);
+template <Extremum extremum, int size, class T>
+void rectangle(const WindowJob<T>& job) {
+  if constexpr (kPairsRows<T>)
+    if (job.anchor.x == size / 2) return row_pairs<extremum, size, false>(job);
+  for_stretches<false>(job, stretch<Rectangle, extremum, size, T>);
+}
+
+// Around its anchor.
+template <Extremum extremum, int size, class T>
+void cross(const WindowJob<T>& job) {
+  if constexpr (kPairsRows<T>)
+    row_pairs<extremum, size, true>(job);
+  else
+    for_stretches<false>(job, stretch<Cross, extremum, size, T>);
 }
 
 constexpr auto kLeast = Extremum::least, kGreatest = Extremum::greatest;
 
 template <class T>
 constexpr WindowKernelsOf<T> kKernels = {
-    {{walk<Rectangle, kLeast, 3, T>, walk<Rectangle, kLeast, 5, T>},
-     {walk<Rectangle, kGreatest, 3, T>, walk<Rectangle, kGreatest, 5, T>}},
-    {{walk<Cross, kLeast, 3, T>, walk<Cross, kLeast, 5, T>},
-     {walk<Cross, kGreatest, 3, T>, walk<Cross, kGreatest, 5, T>}},
+    {{rectangle<kLeast, 3, T>, rectangle<kLeast, 5, T>},
+     {rectangle<kGreatest, 3, T>, rectangle<kGreatest, 5, T>}},
+    {{cross<kLeast, 3, T>, cross<kLeast, 5, T>}, {cross<kGreatest, 3, T>, cross<kGreatest, 5, T>}},
 };
 
 }  // namespace

@@ -82,6 +82,31 @@ TEST_P(Strips, AgreeWithTheReference) {
   });
 }
 
+// Rows that end near the end of a register, of small elements with any anchor: each width has another.
+TEST_P(Strips, SmallElementsAtTheEndsOfRows) {
+  const Element some[] = {element_of(3, 3, 1, 1), element_of(5, 5, 2, 2), element_of(5, 5, 4, 1),
+                          element_of(9, 4, 8, 0), element_of(3, 3, 0, 2), element_of(9, 9, 0, 4),
+                          element_of(7, 2, 3, 1)};
+  for_each_strip([&]<class T>(const StripMember<T>& member) {
+    MorphState* states[std::size(some)];
+    for (size_t i = 0; i < std::size(some); ++i) states[i] = state_for(member, some[i], 400);
+    size_t next = 0;
+    for (int bytes : {64, 128, 384})
+      for (int beside = -9; beside <= 9; beside += bytes == 384 ? 3 : 1) {
+        const int width = bytes / int{sizeof(T)} / member.channels + beside;
+        if (width < 1) continue;
+        const size_t i = next++ % std::size(some);
+        const RoiSize roi = {width, 1 + static_cast<int>(next % 5)};
+        const auto picture = strip_picture<T>(roi, next, member.channels);
+        SCOPED_TRACE(testing::Message() << member.name << " " << some[i].size.width << "x"
+                                        << some[i].size.height << " over " << width);
+        const Case how = {roi, next % 2 == 0 ? Wall::after : Wall::before};
+        ASSERT_TRUE(same_bits(expected_of(member, some[i], picture),
+                              whole<T, T>(member, states[i], picture, how)));
+      }
+  });
+}
+
 // Feeds the picture in strips of these heights, of which the last may be empty. A strip completes as many
 // rows of the result as it has rows, once the first `below` of the image have come.
 template <class T>

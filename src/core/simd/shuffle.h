@@ -12,6 +12,17 @@ NUQI_INLINE Mask<T, int{sizeof...(I)}> lane_numbers(Indices<I...>) {
   return {{typename Mask<T, int{sizeof...(I)}>::Native{I...}}};
 }
 
+// The bytes of a register, or of two in a row, from these places; where bytes permute across registers.
+template <class T, class P, int N>
+NUQI_INLINE Vec<T, N> permute_bytes(const Vec<T, N>& a, const Vec<P, N>& places) {
+  return {{machine::permute_bytes(a.r[0], as<uint8_t>(places).r[0])}};
+}
+template <class T, class P, int N>
+NUQI_INLINE Vec<T, N> permute_bytes(const Vec<T, N>& low, const Vec<T, N>& high,
+                                    const Vec<P, N>& places) {
+  return {{machine::permute_bytes(low.r[0], high.r[0], as<uint8_t>(places).r[0])}};
+}
+
 // Shifts in a zero: one instruction everywhere, while GCC 12 expands other byte shuffles to fifty on SSE2.
 template <class Native, int... I>
 NUQI_INLINE Native one_up(const Native& a, Indices<I...>) {
