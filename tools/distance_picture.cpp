@@ -25,7 +25,7 @@ Picture distance_picture(const Plane<float>& distances, double range) {
 }
 
 void draw_contours(Picture& picture, const Plane<float>& distances, double step) {
-  const auto [width, height] = distances.size;
+  const int32_t width = distances.size.width, height = distances.size.height;
   const auto band = [&](int32_t x, int32_t y) {
     return std::floor(double(distances.values[size_t(y) * size_t(width) + size_t(x)]) / step);
   };
