@@ -10,7 +10,7 @@ namespace {
 
 // Blocks are read whole, so that a line has room for one more than it holds; lines lie an odd number of
 // cache lines apart.
-constexpr int kStripBytes = 512, kLineStep = kStripBytes + kRectangleBytes + 64;
+constexpr int kStripBytes = 640, kLineStep = kStripBytes + kRectangleBytes + 192;
 
 // ---- Down the columns
 
@@ -123,23 +123,27 @@ NUQI_INLINE void fill_worst(uint8_t* to, int64_t count) {
   for (int64_t i = 0; i < count; i += N) store(to + i, worst<extremum, uint8_t, N>());
 }
 
-// Columns x to x + count - 1 of the results.
+// Columns x to x + count - 1 of the results. Blocks of the lines are those of the caller's rows.
 template <Extremum extremum>
 NUQI_INLINE void strip(const WindowJob<uint8_t>& job, int64_t x, int64_t count, uint8_t* lines) {
+  const auto round_down = [](int64_t column) NUQI_FORCED { return column & -int64_t{kRegBytes}; };
   const int64_t height = job.element.height, most = job.height < height ? job.height : height;
-  const int64_t from = x - int64_t{job.anchor.x} * job.channels;
+  const int64_t from = x - int64_t{job.anchor.x} * job.channels, start = round_down(from);
   const int64_t end = from + count + int64_t{job.element.width - 1} * job.channels;
-  const int64_t before = from < 0 ? -from : 0, after = end > job.count ? end - job.count : 0;
-  const int64_t inside = end - from - before - after;
+  const int64_t blocks_end = round_down(end + kRegBytes - 1);
+  const int64_t left = start < 0 ? 0 : start,
+                right = job.count < blocks_end ? job.count : blocks_end;
   for (int64_t r = 0; r < most; ++r) {
-    fill_worst<extremum>(lines + r * kLineStep, before);
-    fill_worst<extremum>(lines + r * kLineStep + before + inside, after);
+    uint8_t* line = lines + r * kLineStep;
+    fill_worst<extremum>(line, left - start);
+    fill_worst<extremum>(line + right - start, end - right);
   }
   for (int64_t y = 0; y < job.height; y += most) {
     const int64_t rows = job.height - y < most ? job.height - y : most;
-    down<extremum>(job.rows + y, from + before, inside, height, rows, lines + before);
-    along<extremum>(lines, rows, Image<uint8_t>{row_of(job.dst, y) + x, job.dst.step}, count,
-                    job.channels, job.element.width);
+    down<extremum>(job.rows + y, left, right - left, height, rows, lines + left - start);
+    along<extremum>(lines + from - start, rows,
+                    Image<uint8_t>{row_of(job.dst, y) + x, job.dst.step}, count, job.channels,
+                    job.element.width);
   }
 }
 
