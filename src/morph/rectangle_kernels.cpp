@@ -117,10 +117,14 @@ NUQI_INLINE void along(const T* lines, int64_t rows, Image<T> dst, int64_t count
 
 // ---- Strips
 
+// What any pixel replaces, in `count` columns of some lines and in what a block holds beyond them. Line by
+// line, GCC would call memset.
 template <Extremum extremum>
-NUQI_INLINE void fill_worst(uint8_t* to, int64_t count) {
+NUQI_INLINE void fill_worst(uint8_t* lines, int64_t rows, int64_t count) {
   constexpr int N = Reg<uint8_t>::kLanes;
-  for (int64_t i = 0; i < count; i += N) store(to + i, worst<extremum, uint8_t, N>());
+  for (int64_t x = 0; x < count; x += N)
+    for (int64_t r = 0; r < rows; ++r)
+      store(lines + r * kLineStep + x, worst<extremum, uint8_t, N>());
 }
 
 // Columns x to x + count - 1 of the results. Blocks of the lines are those of the caller's rows.
@@ -133,11 +137,8 @@ NUQI_INLINE void strip(const WindowJob<uint8_t>& job, int64_t x, int64_t count, 
   const int64_t blocks_end = round_down(end + kRegBytes - 1);
   const int64_t left = start < 0 ? 0 : start,
                 right = job.count < blocks_end ? job.count : blocks_end;
-  for (int64_t r = 0; r < most; ++r) {
-    uint8_t* line = lines + r * kLineStep;
-    fill_worst<extremum>(line, left - start);
-    fill_worst<extremum>(line + right - start, end - right);
-  }
+  fill_worst<extremum>(lines, most, left - start);
+  fill_worst<extremum>(lines + right - start, most, end - right);
   for (int64_t y = 0; y < job.height; y += most) {
     const int64_t rows = job.height - y < most ? job.height - y : most;
     down<extremum>(job.rows + y, left, right - left, height, rows, lines + left - start);
