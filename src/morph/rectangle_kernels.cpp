@@ -12,6 +12,10 @@ namespace {
 // cache lines apart.
 constexpr int kStripBytes = 640, kLineStep = kStripBytes + kRectangleBytes + 192;
 
+// Lines at least between what goes down the columns and what goes along the rows, where loads across what
+// has just been stored would wait for it.
+constexpr int kTogether = 16;
+
 // ---- Down the columns
 
 // Results of `count` windows of `height` rows, one line each. All of them hold the row numbered height - 1:
@@ -131,17 +135,20 @@ NUQI_INLINE void fill_worst(uint8_t* lines, int64_t rows, int64_t count) {
 template <Extremum extremum>
 NUQI_INLINE void strip(const WindowJob<uint8_t>& job, int64_t x, int64_t count, uint8_t* lines) {
   const auto round_down = [](int64_t column) NUQI_FORCED { return column & -int64_t{kRegBytes}; };
-  const int64_t height = job.element.height, most = job.height < height ? job.height : height;
+  const auto least = [](int64_t a, int64_t b) NUQI_FORCED { return a < b ? a : b; };
+  const int64_t height = job.element.height;
+  const int64_t most = least(job.height, height < kTogether ? kTogether / height * height : height);
   const int64_t from = x - int64_t{job.anchor.x} * job.channels, start = round_down(from);
   const int64_t end = from + count + int64_t{job.element.width - 1} * job.channels;
   const int64_t blocks_end = round_down(end + kRegBytes - 1);
-  const int64_t left = start < 0 ? 0 : start,
-                right = job.count < blocks_end ? job.count : blocks_end;
+  const int64_t left = start < 0 ? 0 : start, right = least(job.count, blocks_end);
   fill_worst<extremum>(lines, most, left - start);
   fill_worst<extremum>(lines + right - start, most, end - right);
   for (int64_t y = 0; y < job.height; y += most) {
-    const int64_t rows = job.height - y < most ? job.height - y : most;
-    down<extremum>(job.rows + y, left, right - left, height, rows, lines + left - start);
+    const int64_t rows = least(most, job.height - y);
+    for (int64_t r = 0; r < rows; r += height)
+      down<extremum>(job.rows + y + r, left, right - left, height, least(height, rows - r),
+                     lines + r * kLineStep + left - start);
     along<extremum>(lines + from - start, rows,
                     Image<uint8_t>{row_of(job.dst, y) + x, job.dst.step}, count, job.channels,
                     job.element.width);

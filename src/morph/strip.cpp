@@ -2,6 +2,7 @@
 #include "morph/strip.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "core/stripe.h"
 #include "core/validate.h"
@@ -87,8 +88,16 @@ void run_rows(const StripCall<T>& call, const Stripe& stripe, int64_t at_once,
         .inside = state.inside,
     });
   }
-  source.keep(width);
-  state.held = stripe.kept();
+  // Of rows held already the pointers move up; the others are copied.
+  const int kept = stripe.kept();
+  const int64_t first = stripe.end() - kept;
+  const int moved = !stripe.first && first < 0 ? static_cast<int>(-first) : 0;
+  source.collect(first + moved, kept - moved, rows);
+  if (moved > 0)
+    std::rotate(state.rows, state.rows + stripe.held - moved, state.rows + stripe.held);
+  for (int i = moved; i < kept; ++i)
+    std::memcpy(state.rows[i], rows[i - moved], row_bytes(call.src, width));
+  state.held = kept;
 }
 
 template <class T>
