@@ -1,4 +1,4 @@
-// Extrema along lines of pixels, from windows that grow fourfold.
+// Extrema of lines of pixels or rows, from windows that grow fourfold.
 #pragma once
 
 #include "morph/extremum.h"
@@ -31,27 +31,11 @@ NUQI_INLINE void take_four(const T* a, const T* b, const T* c, const T* d, T* to
         part);
 }
 
-// Every element of `to` becomes the extremum of the `size` pixels from that of `row` on: windows of w
-// become windows of 4 * w, kept in `between`, then those of the size. From the left, so that only what is
-// read no more is overwritten where these are one row.
 template <Extremum extremum, class T>
-NUQI_NOINLINE void along_row(const T* row, T* between, T* to, int64_t count, int64_t channels,
-                             int64_t size) {
-  const auto combine = [&](T* into, int64_t n, int64_t b, int64_t c, int64_t d) NUQI_FORCED {
-    for_blocks<Reg<T>::kLanes>(n, [&](int64_t x, auto part) NUQI_FORCED {
-      const T* at = row + x;
-      take_four<extremum, T>(at, at + b, at + c, at + d, into + x, part);
-    });
-  };
-  int64_t rest = count + (size - 1) * channels;
-  for (int64_t step = channels; 4 * step < size * channels; step *= 4) {
-    rest -= 3 * step;
-    combine(between, rest, step, 2 * step, 3 * step);
-    row = between;
-  }
-  const Windows last(size);
-  if (size > 1 || row != to)
-    combine(to, count, last.at[1] * channels, last.at[2] * channels, last.at[3] * channels);
+NUQI_NOINLINE void of_rows(const T* a, const T* b, const T* c, const T* d, T* to, int64_t count) {
+  for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
+    take_four<extremum>(a + x, b + x, c + x, d + x, to + x, part);
+  });
 }
 
 }  // namespace

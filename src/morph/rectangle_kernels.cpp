@@ -94,6 +94,33 @@ NUQI_NOINLINE void along_in_registers(const T* lines, int64_t rows, Image<T> dst
   }
 }
 
+// Windows that grow fourfold. Each pass takes several rows, for the same reason as above.
+template <Extremum extremum, class T>
+NUQI_NOINLINE void along_in_passes(const T* lines, int64_t rows, Image<T> dst, int64_t count,
+                                   int64_t channels, int64_t size) {
+  constexpr int kRows = kTogether / 2, kStep = kLineStep / int{sizeof(T)};
+  alignas(64) T between[kRows * kStep];
+  const Windows last(size);
+  for (int64_t y = 0; y < rows; y += kRows) {
+    const int64_t n = rows - y < kRows ? rows - y : kRows;
+    const T* from = lines + y * kStep;
+    int64_t rest = count + (size - 1) * channels;
+    for (int64_t w = 1; w < last.reached; w *= 4) {
+      const int64_t step = w * channels;
+      rest -= 3 * step;
+      for (int64_t i = 0; i < n * kStep; i += kStep) {
+        const T* row = from + i;
+        of_rows<extremum>(row, row + step, row + 2 * step, row + 3 * step, between + i, rest);
+      }
+      from = between;
+    }
+    for (int64_t i = 0; i < n; ++i) {
+      const auto at = [&](int k) NUQI_FORCED { return from + i * kStep + last.at[k] * channels; };
+      of_rows<extremum>(at(0), at(1), at(2), at(3), row_of(dst, y + i), count);
+    }
+  }
+}
+
 template <Extremum extremum, class T>
 NUQI_INLINE void along(const T* lines, int64_t rows, Image<T> dst, int64_t count, int64_t channels,
                        int64_t size) {
@@ -114,9 +141,7 @@ NUQI_INLINE void along(const T* lines, int64_t rows, Image<T> dst, int64_t count
         case 6: return with(Indices<6>{});
       }
   }
-  alignas(64) T between[kLineStep / sizeof(T)];
-  for (int64_t y = 0; y < rows; ++y, lines += kLineStep / int64_t{sizeof(T)})
-    along_row<extremum, T>(lines, between, row_of(dst, y), count, channels, size);
+  along_in_passes<extremum>(lines, rows, dst, count, channels, size);
 }
 
 // ---- Strips

@@ -24,6 +24,28 @@ struct Ring {
   }
 };
 
+// Every element of `to` becomes the extremum of the `size` pixels from that of `row` on: windows of w
+// become windows of 4 * w, then those of the size. From the left, so that only what is read no more is
+// overwritten where both are one row.
+template <Extremum extremum, class T>
+NUQI_NOINLINE void along_row(const T* row, T* to, int64_t count, int64_t channels, int64_t size) {
+  const auto combine = [&](const T* from, int64_t n, int64_t b, int64_t c, int64_t d) NUQI_FORCED {
+    for_blocks<Reg<T>::kLanes>(n, [&](int64_t x, auto part) NUQI_FORCED {
+      const T* at = from + x;
+      take_four<extremum, T>(at, at + b, at + c, at + d, to + x, part);
+    });
+  };
+  int64_t rest = count + (size - 1) * channels;
+  for (int64_t step = channels; 4 * step < size * channels; step *= 4) {
+    rest -= 3 * step;
+    combine(row, rest, step, 2 * step, 3 * step);
+    row = to;
+  }
+  const Windows last(size);
+  if (size > 1 || row != to)
+    combine(row, count, last.at[1] * channels, last.at[2] * channels, last.at[3] * channels);
+}
+
 // ---- Rows on their way into the ring
 
 template <class T>
@@ -90,13 +112,6 @@ NUQI_INLINE RingState run(const StripJob<T>& job, const Family& family) {
   return {ring.oldest, ring.held};
 }
 
-template <Extremum extremum, class T>
-NUQI_NOINLINE void of_rows(const T* a, const T* b, const T* c, const T* d, T* to, int64_t count) {
-  for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
-    take_four<extremum>(a + x, b + x, c + x, d + x, to + x, part);
-  });
-}
-
 // ---- Rectangles. The ring holds extrema along the rows; of windows of w rows, the more the farther
 // a row is from the newest.
 
@@ -108,7 +123,7 @@ struct Rectangle {
 
   NUQI_INLINE void enter(const T* src, T* row) const {
     expand<false>(job, src, row);
-    along_row<extremum, T>(row, row, row, job.count, job.channels, job.element.width);
+    along_row<extremum, T>(row, row, job.count, job.channels, job.element.width);
   }
   NUQI_INLINE void entered(const Ring<T>& ring) const {
     for (int32_t w = 1; w < last.reached && ring.held >= 4 * w; w *= 4) {
@@ -139,8 +154,7 @@ struct Cross {
   NUQI_INLINE void leave(const Ring<T>& ring, T* dst) const {
     constexpr int N = Reg<T>::kLanes;
     T* along = ring.next();
-    along_row<extremum, T>(ring[job.anchor.y], along, along, job.count, job.channels,
-                           job.element.width);
+    along_row<extremum, T>(ring[job.anchor.y], along, job.count, job.channels, job.element.width);
     const int64_t column = job.anchor.x * job.channels;
     for_blocks<N>(job.count, [&](int64_t x, auto part) NUQI_FORCED {
       auto result = load<N>(along + x, part);
