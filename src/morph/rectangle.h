@@ -1,5 +1,5 @@
-// The kernels of rectangles that are too large for those of windows, and not too large for a strip of
-// columns to hold their rows.
+// The kernels of rectangles of bytes that are too large for those of windows, and not too large for a strip
+// of columns to hold their rows.
 #pragma once
 
 #include "morph/window.h"
@@ -11,12 +11,9 @@ constexpr int kRectangleHeight = 64, kRectangleBytes = 256;
 // A job's rows of the result at most, and its source rows.
 constexpr int kRectangleRows = 64, kRectangleSources = kRectangleRows + kRectangleHeight - 1;
 
-template <class T>
-struct RectangleKernelsOf {
-  void (*of[2])(const WindowJob<T>&);  // erosion, dilation
+struct RectangleKernels {
+  void (*of[2])(const WindowJob<uint8_t>&);  // erosion, dilation
 };
-
-using RectangleKernels = ByType<RectangleKernelsOf, uint8_t>;
 
 NUQI_KERNEL_TABLES(RectangleKernels, rectangle_kernels)
 

@@ -192,6 +192,6 @@ void rectangle(const WindowJob<uint8_t>& job) {
 }  // namespace
 
 const RectangleKernels rectangle_kernels = {
-    {{rectangle<Extremum::least>, rectangle<Extremum::greatest>}}};
+    {rectangle<Extremum::least>, rectangle<Extremum::greatest>}};
 
 }  // namespace nuqi::NUQI_ISA

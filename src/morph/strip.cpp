@@ -114,8 +114,8 @@ void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum
 
 template <class T>
 void run_rectangle(const StripCall<T>& call, const Stripe& stripe, Extremum extremum) {
-  const auto& kernels = rectangle_kernels().template of_type<T>();
-  run_rows(call, stripe, kRectangleRows, kernels.of[static_cast<int>(extremum)]);
+  if constexpr (sizeof(T) == 1)
+    run_rows(call, stripe, kRectangleRows, rectangle_kernels().of[static_cast<int>(extremum)]);
 }
 
 // The ring holds expanded rows, which the kernels reduce as they need it.
@@ -156,9 +156,9 @@ void run(const StripCall<T>& call, Extremum extremum) {
     for (int64_t i = 0; i < slots; ++i) state.rows[i] = state.firstRow + i * state.rowStep;
   if (is_small(state))
     run_small(call, stripe, extremum);
-  else if (is_rectangle(state)) {
-    if constexpr (sizeof(T) == 1) run_rectangle(call, stripe, extremum);
-  } else
+  else if (is_rectangle(state))
+    run_rectangle(call, stripe, extremum);
+  else
     run_large(call, stripe, extremum);
   call.roi->height = static_cast<int32_t>(stripe.produced());
 }
