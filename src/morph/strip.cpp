@@ -2,11 +2,12 @@
 #include "morph/strip.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "core/stripe.h"
 #include "core/validate.h"
 #include "morph/morph_state.h"
-#include "morph/window.h"
+#include "morph/rectangle.h"
 
 namespace nuqi {
 namespace {
@@ -48,30 +49,31 @@ const auto& kernels_of(int32_t shape) {
   return shape == kRectangle ? kernels.rectangle : shape == kCross ? kernels.cross : kernels.mask;
 }
 
-// Elements whose results come straight from the caller's rows: small ones.
-template <class T>
+int64_t bytes_beside(const MorphState& state) {
+  return (int64_t{state.maskWidth} - 1) * state.channels * (state.dataType == k8u ? 1 : 4);
+}
+
+// Elements whose results come straight from the caller's rows: small ones, and rectangles of bytes.
 bool is_small(const MorphState& state) {
   const RoiSize size = {state.maskWidth, state.maskHeight};
   const bool walked = size.width == size.height && (size.width == 3 || size.width == 5);
   const bool centred = 2 * state.anchorX == size.width - 1 && 2 * state.anchorY == size.height - 1;
-  const int64_t beside = (int64_t{size.width} - 1) * state.channels * int64_t{sizeof(T)};
-  if (size.height > kSmallHeight || beside > kSmallBytes) return false;
+  if (size.height > kSmallHeight || bytes_beside(state) > kSmallBytes) return false;
   return state.shape == kArbitrary || (walked && (centred || state.shape == kRectangle));
+}
+bool is_rectangle(const MorphState& state) {
+  return state.shape == kRectangle && state.dataType == k8u &&
+         state.maskHeight <= kRectangleHeight && bytes_beside(state) <= kRectangleBytes;
 }
 
 // The ring holds source rows.
 template <class T>
-void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum) {
-  const WindowKernelsOf<T>& kernels = window_kernels().template of_type<T>();
+void run_rows(const StripCall<T>& call, const Stripe& stripe, int64_t at_once,
+              void (*kernel)(const WindowJob<T>&)) {
   MorphState& state = *call.state;
   const int32_t width = call.roi->width * state.channels;
   const StripeRows<T> source = {stripe, call.src, state.rows};
-  const T* rows[kWindowSources];
-  const int which = static_cast<int>(extremum), size = state.maskWidth == 3 ? 0 : 1;
-  const auto kernel = state.shape == kRectangle ? kernels.rectangle[which][size]
-                      : state.shape == kCross   ? kernels.cross[which][size]
-                                                : mask_kernels().template of_type<T>().of[which];
-  const int64_t at_once = width * int64_t{sizeof(T)} > kLongRow ? kLongWindowRows : kWindowRows;
+  const T* rows[kRectangleSources];
   for (int64_t y = 0; y < stripe.produced(); y += at_once) {
     const int64_t count = std::min(at_once, stripe.produced() - y);
     source.collect(y - stripe.lead(), count + stripe.around(), rows);
@@ -86,8 +88,34 @@ void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum
         .inside = state.inside,
     });
   }
-  source.keep(width);
-  state.held = stripe.kept();
+  // Of rows held already the pointers move up; the others are copied.
+  const int kept = stripe.kept();
+  const int64_t first = stripe.end() - kept;
+  const int moved = !stripe.first && first < 0 ? static_cast<int>(-first) : 0;
+  source.collect(first + moved, kept - moved, rows);
+  if (moved > 0)
+    std::rotate(state.rows, state.rows + stripe.held - moved, state.rows + stripe.held);
+  for (int i = moved; i < kept; ++i)
+    std::memcpy(state.rows[i], rows[i - moved], row_bytes(call.src, width));
+  state.held = kept;
+}
+
+template <class T>
+void run_small(const StripCall<T>& call, const Stripe& stripe, Extremum extremum) {
+  const WindowKernelsOf<T>& kernels = window_kernels().template of_type<T>();
+  const MorphState& state = *call.state;
+  const int which = static_cast<int>(extremum), size = state.maskWidth == 3 ? 0 : 1;
+  const auto kernel = state.shape == kRectangle ? kernels.rectangle[which][size]
+                      : state.shape == kCross   ? kernels.cross[which][size]
+                                                : mask_kernels().template of_type<T>().of[which];
+  const int64_t row = int64_t{call.roi->width} * state.channels * int64_t{sizeof(T)};
+  run_rows(call, stripe, row > kLongRow ? kLongWindowRows : kWindowRows, kernel);
+}
+
+template <class T>
+void run_rectangle(const StripCall<T>& call, const Stripe& stripe, Extremum extremum) {
+  if constexpr (sizeof(T) == 1)
+    run_rows(call, stripe, kRectangleRows, rectangle_kernels().of[static_cast<int>(extremum)]);
 }
 
 // The ring holds expanded rows, which the kernels reduce as they need it.
@@ -126,7 +154,12 @@ void run(const StripCall<T>& call, Extremum extremum) {
   const int64_t slots = int64_t{state.maskHeight} + spare_rows(state.dataType);
   if (stripe.first)
     for (int64_t i = 0; i < slots; ++i) state.rows[i] = state.firstRow + i * state.rowStep;
-  is_small<T>(state) ? run_small(call, stripe, extremum) : run_large(call, stripe, extremum);
+  if (is_small(state))
+    run_small(call, stripe, extremum);
+  else if (is_rectangle(state))
+    run_rectangle(call, stripe, extremum);
+  else
+    run_large(call, stripe, extremum);
   call.roi->height = static_cast<int32_t>(stripe.produced());
 }
 

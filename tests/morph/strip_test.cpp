@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "morph/strip_members.h"
@@ -167,6 +168,29 @@ TEST_P(Strips, LargeElements) {
       if (height == 1) continue;
       ASSERT_TRUE(same_bits(expected, in_strips(member, state, picture,
                                                 height - 1 - element.anchor.y, {1, 2, 3, 1})));
+    }
+  });
+}
+
+// Rectangles about as high as those whose rows are kept as they came, and pictures of many rows and bytes.
+TEST_P(Strips, LargeRectangles) {
+  for_each_strip([]<class T>(const StripMember<T>& member) {
+    if (member.shape != kRectangle) return;
+    for (const auto& [size, roi] : {std::pair<RoiSize, RoiSize>{{4, 16}, {530, 70}},
+                                    {{3, 63}, {20, 140}},
+                                    {{30, 64}, {65, 9}},
+                                    {{2, 65}, {20, 70}},
+                                    {{65, 3}, {70, 5}},
+                                    {{90, 2}, {300, 4}}}) {
+      const Element element = element_of(size.width, size.height, size.width / 2, size.height / 3);
+      const auto picture = strip_picture<T>(roi, 3, member.channels);
+      MorphState* state = state_for(member, element, roi.width);
+      SCOPED_TRACE(testing::Message() << member.name << " " << size.width << "x" << size.height);
+      const std::vector<T> expected = expected_of(member, element, picture);
+      ASSERT_TRUE(same_bits(expected, whole<T, T>(member, state, picture)));
+      ASSERT_TRUE(
+          same_bits(expected, in_strips(member, state, picture, size.height - 1 - element.anchor.y,
+                                        {1, roi.height - 3, 2})));
     }
   });
 }
