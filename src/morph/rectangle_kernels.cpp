@@ -81,7 +81,7 @@ NUQI_NOINLINE void along_in_registers(const T* lines, int64_t rows, Image<T> dst
     const auto windows_at = [&](int64_t x) NUQI_FORCED {
       auto m = load<N>(line + x);
       for_each<doublings>([&](int i) NUQI_FORCED {
-        const Reg<T> next = {{machine::permute_bytes(m.r[0], right[i].r[0], places[i].r[0])}};
+        const Reg<T> next = permute_bytes(m, right[i], places[i]);
         right[i] = m;
         m = best<extremum>(m, next);
       });
