@@ -26,22 +26,30 @@ struct Tile {
   NUQI_INLINE void refer(const WindowJob<T>& job, int64_t from) {
     for (int64_t r = 0; r < sources(job); ++r) rows[r] = job.rows[r] + from;
   }
+  template <bool keys>
+  static NUQI_INLINE void copy(const T* from, T* to, int64_t count) {
+    for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
+      const auto block = load<Reg<T>::kLanes>(from + x, part);
+      store(to + x, keys ? swap_key<T>(block) : block, part);
+    });
+  }
   // Columns `from` to `from` + count - 1 of the image, all of its rows; those outside are copies.
   template <bool keys>
   NUQI_INLINE void fill(const WindowJob<T>& job, int64_t from, int64_t count) {
     const int64_t before = from < 0 ? -from : 0, beyond = from + count - job.count;
     const int64_t after = beyond > 0 ? beyond : 0, inside = count - before - after;
+    const int64_t last = job.count - job.channels;  // the pixel that copies repeat
     for (int64_t r = 0; r < sources(job); ++r) {
-      const T* src = job.rows[r] + from + before;
+      const T* src = job.rows[r];
       T* row = pixels + r * kStep;
       T* to = row + before;
       rows[r] = row;
-      for_blocks<Reg<T>::kLanes>(inside, [&](int64_t x, auto part) NUQI_FORCED {
-        const auto block = load<Reg<T>::kLanes>(src + x, part);
-        store(to + x, keys ? swap_key<T>(block) : block);
-      });
+      copy<keys>(src + from + before, to, inside);
       for (int64_t i = 1; i <= before; ++i) to[-i] = to[job.channels - i];
-      for (int64_t i = 0; i < after; ++i) to[inside + i] = to[inside + i - job.channels];
+      to += inside;
+      // The tile may hold less than a pixel of the row itself.
+      copy<keys>(src + last, to, after < job.channels ? after : job.channels);
+      for (int64_t i = job.channels; i < after; ++i) to[i] = to[i - job.channels];
     }
   }
 };
