@@ -68,7 +68,7 @@ template <class D>
 using EigenKernel = void (*)(const EigenJob&, const EigenStrip<D>&);
 
 enum class EigenResult { minimum, vectors };
-constexpr int values_of(EigenResult result) { return result == EigenResult::minimum ? 1 : 6; }
+consteval int values_of(EigenResult result) { return result == EigenResult::minimum ? 1 : 6; }
 
 template <class D>
 struct EigenKernelsOf {

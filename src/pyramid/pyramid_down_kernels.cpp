@@ -17,16 +17,15 @@ struct DownBand {
   int count;  // rows of the result
   bool first, last;
 
-  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y, int most) {
+  NUQI_INLINE DownBand(const PyramidJob<T>& job, int64_t y, int most)
+      : src{row_of(job.src, 2 * y), job.src.step}, dst{row_of(job.dst, y), job.dst.step} {
     const int64_t rest = job.roi.height / 2 - y;
     count = rest < most ? int(rest) : most;
     first = y == 0;
     last = rest <= most;
     const auto row = [&](int64_t i) NUQI_FORCED { return row_of(job.src, i); };
-    src = {row(2 * y), job.src.step};
     before[0] = first ? row(job.roi.height == 2 ? 0 : 2) : row(2 * y - 2);
     before[1] = row(first ? 1 : 2 * y - 1);
-    dst = {row_of(job.dst, y), job.dst.step};
   }
   NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
 };

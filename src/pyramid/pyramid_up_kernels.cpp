@@ -17,14 +17,13 @@ struct UpBand {
   int count;  // rows of the source
   bool first, last;
 
-  NUQI_INLINE UpBand(const PyramidJob<T>& job, int64_t y, int most) {
+  NUQI_INLINE UpBand(const PyramidJob<T>& job, int64_t y, int most)
+      : src{row_of(job.src, y), job.src.step}, dst{row_of(job.dst, 2 * y), job.dst.step} {
     const int64_t rest = job.roi.height - y;
     count = rest < most ? int(rest) : most;
     first = y == 0;
     last = rest <= most;
-    src = {row_of(job.src, y), job.src.step};
     before = row_of(job.src, !first ? y - 1 : job.roi.height > 1 ? 1 : 0);
-    dst = {row_of(job.dst, 2 * y), job.dst.step};
   }
   NUQI_INLINE Place place(int y) const { return {first && y == 0, last && y == count - 1}; }
 };
