@@ -68,7 +68,10 @@ template <class D>
 using EigenKernel = void (*)(const EigenJob&, const EigenStrip<D>&);
 
 enum class EigenResult { minimum, vectors };
-consteval int values_of(EigenResult result) { return result == EigenResult::minimum ? 1 : 6; }
+// Forced inline as row_of is.
+__attribute__((always_inline)) constexpr int values_of(EigenResult result) {
+  return result == EigenResult::minimum ? 1 : 6;
+}
 
 template <class D>
 struct EigenKernelsOf {
