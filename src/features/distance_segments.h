@@ -78,8 +78,7 @@ NUQI_INLINE Ints<kLanes> moved(const Ints<kLanes>& a, const Ints<kLanes>& in) {
 template <int kLanes>
 NUQI_INLINE Ints<kLanes> rest_of(const Block<kLanes>& block, const Ints<kLanes>& a,
                                  const Ints<kLanes>& b) {
-  return select(lane_numbers<int32_t>(typename UpTo<kLanes>::Type{}) < all<kLanes>(block.rest), a,
-                b);
+  return select(lanes_below<int32_t, kLanes>(block.rest), a, b);
 }
 
 // ---- Into that order and back

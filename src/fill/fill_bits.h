@@ -62,8 +62,7 @@ NUQI_INLINE void paint(float* at, uint64_t pixels, float value, Part part) {
 }
 
 template <class T>
-__attribute__((noinline)) void paint_word(const FillJob<T>& job, int32_t y, int32_t k,
-                                          uint64_t pixels) {
+NUQI_NOINLINE void paint_word(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
   const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
   T* const at = row_of(job.image, y) + x;
   if (rest >= kFillWordPixels)

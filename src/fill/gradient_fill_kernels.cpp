@@ -90,7 +90,7 @@ class Gradient {
     const uint64_t left = joins_.symmetric() ? right : steps(y, k, -1, 0) >> 1;
     return {right & open >> 1, left & open};
   }
-  __attribute__((noinline)) uint64_t steps(int32_t y, int32_t k, int dx, int dy) const {
+  NUQI_NOINLINE uint64_t steps(int32_t y, int32_t k, int dx, int dy) const {
     // Of the first word, the first pixel has no neighbour on the left.
     const int skip = dx < 0 && k == 0;
     const int32_t x = k * kFillWordPixels + skip, rest = width_ - x - (dx > 0);

@@ -46,8 +46,8 @@ constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
 
 // Adds [first, end) to the row's range of words, with what lies between.
 template <class Rule, class T>
-__attribute__((noinline)) void prepare(const Rule& rule, const FillJob<T>& job, RowRange& known,
-                                       int32_t y, int32_t first, int32_t end) {
+NUQI_NOINLINE void prepare(const Rule& rule, const FillJob<T>& job, RowRange& known, int32_t y,
+                           int32_t first, int32_t end) {
   if (y == known.top && y > 0) job.rows[known.top = y - 1] = {0, 0};
   if (y == known.bottom && y + 1 < job.roi.height) job.rows[known.bottom = y + 1] = {0, 0};
   FillWord* const words = job.words + y * job.row_words;

@@ -13,13 +13,6 @@ namespace {
 template <class V>
 constexpr int kBlock = (kRegBytes > 32 ? kRegBytes : 32) / int{sizeof(V)};
 
-// Walks columns, N or more, in blocks: body(x). The last one overlaps the one before it.
-template <int N, class Body>
-NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
-  for (; from < to - N; from += N) body(from);
-  body(to - N);
-}
-
 // The first pass computes kRowsAtOnce rows together. Narrow images have more of them in the band, up to
 // kBytes, so that the second pass finds them in the cache and not in the store buffer: its loads straddle
 // the first pass's stores, which ends store forwarding.

@@ -88,7 +88,8 @@ void run_rows(const StripCall<T>& call, const Stripe& stripe, int64_t at_once,
         .inside = state.inside,
     });
   }
-  // Of rows held already the pointers move up; the others are copied.
+  // Unlike StripeRows::keep, which filters need for the order of their buffers: of rows held already the
+  // pointers move up; the others are copied.
   const int kept = stripe.kept();
   const int64_t first = stripe.end() - kept;
   const int moved = !stripe.first && first < 0 ? static_cast<int>(-first) : 0;

@@ -51,7 +51,8 @@ class DownTriples {
   NUQI_INLINE DownTriples(int64_t x, Whole) : x_(x) {}
   template <int weight>
   NUQI_INLINE Vec<int16_t, 16> sum(const T* row) const {
-    const auto s = [&](int ahead) NUQI_FORCED { return load_widened(row + 2 * x_ + ahead); };
+    const auto s = [&](int ahead)
+                       NUQI_FORCED { return convert<int16_t>(load<16>(row + 2 * x_ + ahead)); };
     return times(s(-6) + s(6), weight) + times(s(-3) + s(3), 4 * weight) + times(s(0), 6 * weight);
   }
   NUQI_INLINE void store_result(T* row, const Vec<int16_t, 16>& sums) const {
@@ -163,9 +164,9 @@ class DownFloats {
     const auto c = take<0>(here), d = take<channels>(here), e = take<kAhead>(after);
     auto sums = five_taps(a, b, c, d, e, kInside);
     if (start)
-      sums = select(lane_below<n>(channels), five_taps(a, b, c, d, e, {true, false}), sums);
+      sums = select(lanes_below<float, n>(channels), five_taps(a, b, c, d, e, {true, false}), sums);
     if (end)
-      sums = select(lane_below<n>(lane_count<kSums>(part_) - channels), sums,
+      sums = select(lanes_below<float, n>(lane_count<kSums>(part_) - channels), sums,
                     five_taps(a, b, c, d, e, {false, true}));
     return sums;
   }

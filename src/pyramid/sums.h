@@ -47,14 +47,6 @@ NUQI_INLINE int band_rows(int64_t bytes, int64_t row_bytes) {
   return int(rows < kFewest ? kFewest : rows < kMost ? rows : kMost);
 }
 
-// Walks the elements from `from` to `to`, N or more, in blocks: body(x). The last block overlaps the one
-// before it.
-template <int N, class Body>
-NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
-  for (; from < to - N; from += N) body(from);
-  body(to - N);
-}
-
 struct No {
   static constexpr bool value = false;
 };
@@ -75,18 +67,6 @@ NUQI_INLINE void for_whole_row(int64_t elements, const Body& body) {
 // The sums that fill a register, less those of a part of a pixel.
 template <int channels, class T>
 constexpr int kBlockSums = kRegBytes / (kIsFloat<T> ? 4 : 2) / channels* channels;
-
-// The first lanes of floats.
-template <int N>
-NUQI_INLINE Mask<float, N> lane_below(int count) {
-  return lane_numbers<float>(typename UpTo<N>::Type{}) < broadcast<int32_t, N>(count);
-}
-
-// Bytes to 16-bit lanes.
-template <class T>
-NUQI_INLINE Vec<int16_t, 16> load_widened(const T* from) {
-  return convert<int16_t>(load<16>(from));
-}
 
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

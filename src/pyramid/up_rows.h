@@ -56,7 +56,8 @@ class UpWidened {
 
   NUQI_INLINE UpWidened(int64_t x, Whole) : x_(x) {}
   NUQI_INLINE UpSums<Px<uint16_t>> sums(const T* row) const {
-    const auto s = [&](int ahead) NUQI_FORCED { return load_widened(row + x_ + ahead); };
+    const auto s = [&](int ahead)
+                       NUQI_FORCED { return convert<int16_t>(load<16>(row + x_ + ahead)); };
     const auto [even, odd] = three_taps(s(-channels), s(0), s(channels));
     return offset<T>(times(even, 16), times(odd, 16));
   }
@@ -174,10 +175,10 @@ class UpFloats {
     const auto c = end ? moved<channels>(b, lanes) : s(end ? 0 : channels);
     auto sums = float_taps(a, b, c, kInside);
     if (start)
-      sums.even =
-          select(lane_below<N>(channels), float_taps(a, b, c, {true, false}).even, sums.even);
+      sums.even = select(lanes_below<float, N>(channels), float_taps(a, b, c, {true, false}).even,
+                         sums.even);
     if (end) {
-      const auto others = lane_below<N>(lane_count<kSums>(part_) - channels);
+      const auto others = lanes_below<float, N>(lane_count<kSums>(part_) - channels);
       const auto last = float_taps(a, b, c, {false, true});
       sums = {select(others, sums.even, last.even), select(others, sums.odd, last.odd)};
     }

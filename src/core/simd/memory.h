@@ -91,6 +91,14 @@ NUQI_INLINE Px<uint8_t> load_eight(const uint8_t* from, First part) { return loa
 // Asks for the cache line of an address, which need not be readable.
 NUQI_INLINE void prefetch(const void* at) { __builtin_prefetch(at); }
 
+// Walks elements from `from` to `to`, N or more, in blocks: body(x). The last block overlaps the one
+// before it.
+template <int N, class Body>
+NUQI_INLINE void for_whole_blocks(int64_t from, int64_t to, const Body& body) {
+  for (; from < to - N; from += N) body(from);
+  body(to - N);
+}
+
 // Walks a row: body(x, Whole{}) for each block of N pixels, then body(x, First{rest}).
 template <int N = 16, class Body>
 NUQI_INLINE void for_blocks(int64_t width, const Body& body) {

@@ -42,8 +42,7 @@ NUQI_INLINE Px<double> load_doubles(const float* from, const Px<uint8_t>& mask, 
 // Mask bytes that select the first n pixels.
 template <int N>
 NUQI_INLINE Vec<uint8_t, N> first_lanes(int n) {
-  const auto numbers = lane_numbers<uint8_t>(typename UpTo<N>::Type{});
-  return as<uint8_t>(numbers < broadcast<int8_t, N>((int8_t)n));
+  return as<uint8_t>(lanes_below<uint8_t, N>(n));
 }
 
 // How many are selected.

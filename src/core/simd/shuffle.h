@@ -12,6 +12,13 @@ NUQI_INLINE Mask<T, int{sizeof...(I)}> lane_numbers(Indices<I...>) {
   return {{typename Mask<T, int{sizeof...(I)}>::Native{I...}}};
 }
 
+// The first n lanes.
+template <class T, int N>
+NUQI_INLINE Mask<T, N> lanes_below(int n) {
+  using Number = typename Mask<T, N>::Lane;
+  return lane_numbers<T>(typename UpTo<N>::Type{}) < broadcast<Number, N>((Number)n);
+}
+
 // The bytes of a register, or of two in a row, from these places; where bytes permute across registers.
 template <class T, class P, int N>
 NUQI_INLINE Vec<T, N> permute_bytes(const Vec<T, N>& a, const Vec<P, N>& places) {
