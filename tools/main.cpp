@@ -6,7 +6,7 @@
 #include <new>
 #include <string>
 
-#include "commands.h"
+#include "commands/commands.h"
 #include "core/isa.h"
 #include "failure.h"
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "corner_points.h"
+#include "pictures/corner_points.h"
 #include "run_program.h"
 
 namespace tools::test {

@@ -1,9 +1,9 @@
 // The commands blur, sobel and laplace on pictures small enough to filter by hand.
 #include <algorithm>
 
-#include "filter_state.h"
+#include "commands/filter_state.h"
 #include "run_program.h"
-#include "tour_colours.h"
+#include "tour/colours.h"
 
 namespace tools::test {
 namespace {

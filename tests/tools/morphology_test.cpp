@@ -1,8 +1,8 @@
 // The commands erode, dilate, open, close and gradient against sets of pixels.
 #include <algorithm>
 
-#include "element.h"
-#include "row_writer.h"
+#include "commands/element.h"
+#include "pictures/row_writer.h"
 #include "run_program.h"
 #include "sample_pictures.h"
 

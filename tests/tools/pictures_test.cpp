@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "failure.h"
-#include "picture.h"
+#include "pictures/picture.h"
 #include "sample_pictures.h"
 
 namespace tools::test {

@@ -1,7 +1,7 @@
 // The command pyramid: sheets, files, and pictures rebuilt from their differences.
 #include <algorithm>
 
-#include "pyramid_picture.h"
+#include "pictures/pyramid_picture.h"
 #include "run_program.h"
 
 namespace tools::test {

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-#include "file.h"
+#include "pictures/file.h"
 
 namespace tools::test {
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <functional>
 
-#include "row_reader.h"
+#include "pictures/row_reader.h"
 
 namespace tools::test {
 

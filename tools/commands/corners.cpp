@@ -1,0 +1,85 @@
+// nuqi corners: the strongest corners of a picture.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "clock.h"
+#include "commands/commands.h"
+#include "core/isa.h"
+#include "failure.h"
+#include "pictures/corner_points.h"
+#include "pictures/file.h"
+
+namespace tools {
+namespace {
+
+constexpr char kFooter[] =
+    "Writes IN with a ring around each of its strongest corners. A pixel's strength is the\n"
+    "smaller eigenvalue of the products of the derivatives, by Sobel kernels of --aperture,\n"
+    "summed over a square of --block pixels: grey levels from 0 to 255, so that strengths are\n"
+    "the same on every machine. Corners are local maxima above 0; none is nearer than\n"
+    "--distance pixels to a stronger one. Of equal ones the upper comes first, then the left\n"
+    "one; of a plateau one pixel counts. --csv writes a line x,y,strength for each.\n";
+
+struct Options {
+  std::string in, out, csv;
+  int aperture = 3, block = 3;
+  int top = 100;
+  double distance = 10;
+};
+
+void write_csv(const std::string& path, const std::vector<Corner>& corners) {
+  std::string text = "x,y,strength\n";
+  for (const Corner& corner : corners) {
+    char line[64];
+    std::snprintf(line, sizeof line, "%d,%d,%.9g\n", corner.x, corner.y, double(corner.strength));
+    text += line;
+  }
+  write_file(path, text.data(), text.size());
+}
+
+void find_corners(const Options& options) {
+  check_ending(options.out);
+  const Picture picture = read_picture(options.in);
+  const Plane<float> grey = floats_of(grey_of(picture));
+  Plane<float> strength;
+  const double seconds =
+      seconds_of([&] { strength = corner_strength(grey, options.aperture, options.block); });
+  const auto corners = strongest_corners(strength, size_t(options.top), options.distance);
+  write_picture(options.out, with_rings(picture, corners));
+  if (!options.csv.empty()) write_csv(options.csv, corners);
+  std::printf("%s: %s, %zu corner%s", options.out.c_str(), size_text(picture.size).c_str(),
+              corners.size(), corners.size() == 1 ? "" : "s");
+  if (!corners.empty())
+    std::printf(" of strength %.4g to %.4g", double(corners.front().strength),
+                double(corners.back().strength));
+  std::printf(" (aperture %d, block %d), %.2f ms with %s\n", options.aperture, options.block,
+              1e3 * seconds, nuqi::name_of(nuqi::isa()));
+}
+
+}  // namespace
+
+void add_corners(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("corners", "Finds the strongest corners of a picture");
+  command->footer(kFooter);
+  command->add_option("IN", options->in, "The picture")->required();
+  command->add_option("OUT", options->out, "The picture with rings")->required();
+  command->add_option("--aperture", options->aperture, "Size of the derivatives: 3, 5 or 7")
+      ->check(CLI::IsMember({3, 5, 7}))
+      ->capture_default_str();
+  command->add_option("--block", options->block, "Side of the square of sums: 3, 5 or 7")
+      ->check(CLI::IsMember({3, 5, 7}))
+      ->capture_default_str();
+  command->add_option("--top", options->top, "How many corners at most")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  command->add_option("--distance", options->distance, "Pixels from a corner to stronger ones")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
+  command->add_option("--csv", options->csv, "A file for places and strengths")->type_name("FILE");
+  command->callback([options] { find_corners(*options); });
+}
+
+}  // namespace tools

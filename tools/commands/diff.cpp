@@ -1,0 +1,63 @@
+// nuqi diff: where two pictures differ.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "commands/commands.h"
+#include "failure.h"
+#include "pictures/picture.h"
+
+namespace tools {
+namespace {
+
+constexpr char kFooter[] =
+    "Writes the absolute difference of two pictures of one size, in each channel: black where\n"
+    "they are equal. Exit code 0, whether they differ or not.\n";
+
+struct Options {
+  std::string a, b, out;
+};
+
+// Channels differ each by itself, so that a row of n colours is one of 3n bytes.
+Picture difference(const Picture& a, const Picture& b) {
+  Picture result(a.size, a.channels);
+  const RoiSize bytes{a.size.width * a.channels, a.size.height};
+  require_ok(nuqiAbsDiff_8u_C1R(a.pixels.data(), bytes.width, b.pixels.data(), bytes.width,
+                                result.pixels.data(), bytes.width, bytes),
+             "nuqiAbsDiff_8u_C1R");
+  return result;
+}
+
+void write_difference(const Options& options) {
+  check_ending(options.out);
+  const Picture a = read_picture(options.a), b = read_picture(options.b);
+  check_same_size(options.b, b.size, options.a, a.size);
+  const Picture result = difference(a, b);
+  write_picture(options.out, result);
+  int64_t differing = 0;
+  int largest = 0;
+  for (size_t i = 0; i < result.pixels.size(); i += 3) {
+    const uint8_t* rgb = &result.pixels[i];
+    const int most = std::max({rgb[0], rgb[1], rgb[2]});
+    differing += most > 0;
+    largest = std::max(largest, most);
+  }
+  std::printf("%s: %s, %lld pixels differ, by at most %d\n", options.out.c_str(),
+              size_text(result.size).c_str(), static_cast<long long>(differing), largest);
+}
+
+}  // namespace
+
+void add_diff(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("diff", "Shows where two pictures differ");
+  command->footer(kFooter);
+  command->add_option("A", options->a, "The first picture")->required();
+  command->add_option("B", options->b, "The second picture, of the same size")->required();
+  command->add_option("OUT", options->out, "The difference")->required();
+  command->callback([options] { write_difference(*options); });
+}
+
+}  // namespace tools

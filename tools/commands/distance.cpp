@@ -1,0 +1,117 @@
+// nuqi distance: how far every pixel is from the dark ones.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "clock.h"
+#include "commands/commands.h"
+#include "core/isa.h"
+#include "failure.h"
+#include "pictures/distance_picture.h"
+#include "pictures/pfm.h"
+#include "pictures/picture.h"
+#include "pictures/plot.h"
+
+namespace tools {
+namespace {
+
+constexpr char kFooter[] =
+    "Writes each pixel's distance, in pixels, to the nearest one whose grey level is below\n"
+    "--threshold: black at 0, over purple and orange, to pale yellow at the largest distance;\n"
+    "below the picture is the scale. With --invert, the distance to the nearest pixel at or above\n"
+    "the threshold. A way goes by steps to neighbours: chessboard counts the larger of columns "
+    "and\n"
+    "rows, city both together; euclid3 and euclid5 come close to the straight line, by steps "
+    "within\n"
+    "3x3 and 5x5 pixels. No distance exceeds 4096, which is also that of all pixels where there "
+    "is\n"
+    "none to reach. A PFM file holds the distances as 32-bit floats.\n";
+
+const std::map<std::string, int32_t> kMetrics = {
+    {"chessboard", 30}, {"city", 31}, {"euclid3", 32}, {"euclid5", 52}};
+
+struct Options {
+  std::string in, out, floats;
+  std::string metric = "euclid5";
+  int threshold = 128;
+  bool contours = false, invert = false;
+};
+
+// 0 where distances start, 255 elsewhere.
+Plane<uint8_t> features_of(Plane<uint8_t> grey, const Options& options) {
+  for (uint8_t& level : grey.values) {
+    level = (level < options.threshold) != options.invert ? 0 : 255;
+  }
+  return grey;
+}
+
+Plane<float> distances_to(const Plane<uint8_t>& features, int32_t metric) {
+  Plane<float> distances(features.size);
+  float weights[3] = {};
+  require_ok(nuqiGetDistanceTransformMask(metric, weights), "nuqiGetDistanceTransformMask");
+  if (metric == kMetrics.at("euclid5")) {
+    require_ok(
+        nuqiDistanceTransform_5x5_8u32f_C1R(features.data(), features.step(), distances.data(),
+                                            distances.step(), features.size, weights),
+        "nuqiDistanceTransform_5x5_8u32f_C1R");
+  } else {
+    require_ok(
+        nuqiDistanceTransform_3x3_8u32f_C1R(features.data(), features.step(), distances.data(),
+                                            distances.step(), features.size, weights),
+        "nuqiDistanceTransform_3x3_8u32f_C1R");
+  }
+  return distances;
+}
+
+void show_distances(const Options& options) {
+  check_ending(options.out);
+  const Plane<uint8_t> features = features_of(grey_of(read_picture(options.in)), options);
+  Plane<float> distances;
+  const double seconds =
+      seconds_of([&] { distances = distances_to(features, kMetrics.at(options.metric)); });
+  const double range = distance_range(distances), step = step_to(range);
+  Picture picture = distance_picture(distances, range);
+  if (options.contours) draw_contours(picture, distances, step);
+  write_picture(options.out, with_scale(picture, range, step));
+  if (!options.floats.empty()) write_pfm(options.floats, distances);
+
+  const auto count = std::count(features.values.begin(), features.values.end(), 0);
+  const auto far = std::count(distances.values.begin(), distances.values.end(), kMostDistance);
+  std::printf("%s: %s, %.1f %% %s, %s distances to %g, %.2f ms with %s\n", options.out.c_str(),
+              size_text(features.size).c_str(),
+              100.0 * double(count) / double(features.values.size()),
+              options.invert ? "light" : "dark", options.metric.c_str(), range, 1e3 * seconds,
+              nuqi::name_of(nuqi::isa()));
+  if (count == 0) {
+    std::printf("no pixel to measure from: all distances are %g\n", double(kMostDistance));
+  } else if (far > 0) {
+    std::printf("%td pixels are %g or more away\n", far, double(kMostDistance));
+  }
+}
+
+}  // namespace
+
+void add_distance(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("distance", "Shows distances to the dark pixels");
+  command->footer(kFooter);
+  command->add_option("IN", options->in, "The picture")->required();
+  command->add_option("OUT", options->out, "The distances in colours, with their scale")
+      ->required();
+  command->add_option("--threshold", options->threshold, "Grey levels below this are dark")
+      ->check(CLI::Range(1, 255))
+      ->capture_default_str();
+  command->add_option("--metric", options->metric, "chessboard, city, euclid3 or euclid5")
+      ->check(CLI::IsMember(kMetrics))
+      ->capture_default_str();
+  command->add_flag("--contours", options->contours, "Draws a line at each number of the scale");
+  command->add_flag("--invert", options->invert, "Measures from the light pixels");
+  command->add_option("--float", options->floats, "A PFM file for the distances as numbers")
+      ->type_name("FILE");
+  command->callback([options] { show_distances(*options); });
+}
+
+}  // namespace tools

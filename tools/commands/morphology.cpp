@@ -1,0 +1,172 @@
+// nuqi erode, dilate, open, close and gradient: least and greatest pixels around each pixel.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+#include "commands/element.h"
+#include "core/isa.h"
+#include "failure.h"
+#include "pictures/strips.h"
+
+namespace tools {
+namespace {
+
+constexpr char kFooter[] =
+    "Writes a picture of IN's size, grey or in colours; channels are taken each on its own, alpha "
+    "is\n"
+    "copied unchanged. Pixels beyond an edge equal the edge pixel. Takes pictures larger than\n"
+    "memory (`nuqi --help`).\n"
+    "\n"
+    "The element is a rectangle, a cross of the row and the column through the anchor, a filled\n"
+    "ellipse, or a FILE of 0 and 1 in lines or a picture that is bright (128 and more) inside the\n"
+    "element. The library has an ellipse of its own, shape 2, whose middle row is empty at odd\n"
+    "heights (3x3 is two pixels); the one here is drawn and passed as a mask. The second step of\n"
+    "open and close takes the element turned by 180 degrees.\n";
+
+enum class Operation { erode, dilate, open, close, gradient };
+
+struct Command {
+  const char* name;
+  const char* description;
+  const char* done;
+};
+
+constexpr Command kCommands[] = {
+    {"erode", "Takes the least of the pixels around each pixel: dark spreads", "eroded"},
+    {"dilate", "Takes the greatest of the pixels around each pixel: bright spreads", "dilated"},
+    {"open", "Erodes, then dilates: bright spots smaller than the element vanish", "opened"},
+    {"close", "Dilates, then erodes: dark spots smaller than the element vanish", "closed"},
+    {"gradient", "Takes the difference of dilation and erosion: bright along edges", "gradient"},
+};
+
+struct Options {
+  std::string in, out;
+  ElementOptions element;
+  int times = 1;
+};
+
+class Chain {
+ public:
+  void add(Extremum extremum, const Element& element, int times, RoiSize picture, int channels) {
+    for (int i = 0; i < times; ++i) {
+      stages_.push_back(morph_stage(extremum, element, picture, channels));
+    }
+  }
+
+  Strip<uint8_t> operator()(Strip<uint8_t> strip) {
+    for (MorphStage& stage : stages_) strip = stage(strip);
+    return strip;
+  }
+
+  double seconds() const {
+    double sum = 0;
+    for (const MorphStage& stage : stages_) sum += stage.seconds();
+    return sum;
+  }
+
+ private:
+  std::vector<MorphStage> stages_;
+};
+
+class Morphology {
+ public:
+  Morphology(Operation operation, const Element& element, int times, RoiSize picture, int channels)
+      : row_(size_t(picture.width) * size_t(channels)), has_alpha_(channels == 4) {
+    const auto add = [&](Chain& chain, Extremum extremum, const Element& shape) {
+      chain.add(extremum, shape, times, picture, channels);
+    };
+    switch (operation) {
+      case Operation::erode: add(chain_, Extremum::least, element); break;
+      case Operation::dilate: add(chain_, Extremum::greatest, element); break;
+      case Operation::open:
+        add(chain_, Extremum::least, element);
+        add(chain_, Extremum::greatest, turned(element));
+        break;
+      case Operation::close:
+        add(chain_, Extremum::greatest, element);
+        add(chain_, Extremum::least, turned(element));
+        break;
+      case Operation::gradient:
+        add(chain_, Extremum::greatest, element);
+        add(subtracted_, Extremum::least, element);
+        break;
+    }
+    subtracts_ = operation == Operation::gradient;
+  }
+
+  Strip<uint8_t> operator()(Strip<uint8_t> strip) {
+    if (has_alpha_) keep_alpha(strip);
+    Strip<uint8_t> result = chain_(strip);
+    if (!subtracts_ && !has_alpha_) return result;
+    result_.assign(result.values, result.values + row_ * size_t(result.rows));
+    if (subtracts_) subtract(subtracted_(strip));
+    if (has_alpha_) put_alpha();
+    return {result_.data(), result.rows};
+  }
+
+  double seconds() const { return chain_.seconds() + subtracted_.seconds(); }
+
+ private:
+  // Both chains have the same elements, so that they give the same rows.
+  void subtract(Strip<uint8_t> least) {
+    for (size_t i = 0; i < row_ * size_t(least.rows); ++i) {
+      result_[i] = uint8_t(result_[i] - least.values[i]);
+    }
+  }
+
+  // Alpha waits for the rows that it belongs to.
+  void keep_alpha(Strip<uint8_t> strip) {
+    for (size_t i = 3; i < row_ * size_t(strip.rows); i += 4) alpha_.push_back(strip.values[i]);
+  }
+  void put_alpha() {
+    for (size_t i = 3; i < result_.size(); i += 4) result_[i] = alpha_[i / 4];
+    alpha_.erase(alpha_.begin(), alpha_.begin() + ptrdiff_t(result_.size() / 4));
+  }
+
+  size_t row_;
+  bool has_alpha_, subtracts_ = false;
+  Chain chain_, subtracted_;
+  Bytes result_, alpha_;
+};
+
+void run(Operation operation, const Options& options) {
+  check_ending(options.out);
+  const Element element = element_of(options.element);
+  const auto in = open_rows(options.in, Form::stored);
+  const RoiSize size = in->size();
+  const auto out = create_picture(options.out, size, in->channels());
+  Morphology morphology(operation, element, options.times, size, in->channels());
+  RowProgress progress(size, 1);
+  for_strips(*in, progress,
+             [&](Strip<uint8_t> strip) { write_strip(*out, morphology(strip), in->row_bytes()); });
+  out->finish();
+  const std::string times =
+      options.times == 1 ? "" : ", " + std::to_string(options.times) + " times";
+  std::printf("%s: %s, %s with a %s%s, %.2f ms with %s\n", options.out.c_str(),
+              size_text(size).c_str(), kCommands[int(operation)].done, element.name.c_str(),
+              times.c_str(), 1e3 * morphology.seconds(), nuqi::name_of(nuqi::isa()));
+}
+
+}  // namespace
+
+void add_morphology(CLI::App& app) {
+  for (const Operation operation : {Operation::erode, Operation::dilate, Operation::open,
+                                    Operation::close, Operation::gradient}) {
+    const Command& texts = kCommands[int(operation)];
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand(texts.name, texts.description);
+    command->footer(kFooter);
+    command->add_option("IN", options->in, "The picture")->required();
+    command->add_option("OUT", options->out, "The result")->required();
+    add_element_options(*command, options->element);
+    command->add_option("--times", options->times, "Repeats each step")
+        ->check(CLI::Range(1, 1000))
+        ->capture_default_str();
+    command->callback([operation, options] { run(operation, *options); });
+  }
+}
+
+}  // namespace tools

@@ -1,0 +1,89 @@
+// nuqi pyramid: a picture at smaller and smaller sizes, or what each size adds to the next smaller one.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "clock.h"
+#include "commands/commands.h"
+#include "core/isa.h"
+#include "failure.h"
+#include "pictures/picture.h"
+#include "pictures/pyramid_picture.h"
+
+namespace tools {
+namespace {
+
+constexpr char kFooter[] =
+    "Writes the picture and N levels below it, each smoothed and half as wide and high as the one\n"
+    "above. Where a width or height is odd, the last column or row is repeated first. All levels\n"
+    "come on one sheet, or one file each where OUT holds %d: that becomes 0 for the picture, 1 "
+    "for\n"
+    "the first level below it, and so on.\n"
+    "With --laplacian all levels but the last are what they lack that the level below, brought up\n"
+    "to their size, gives: mid-grey where nothing, as much brighter or darker as the difference.\n"
+    "The differences are kept in 16 bits; the picture is rebuilt from them and the last level, "
+    "and\n"
+    "the largest deviation from IN is printed: 0.\n";
+
+constexpr char kNumber[] = "%d";
+
+struct Options {
+  std::string in, out;
+  int levels = 0;
+  bool laplacian = false;
+};
+
+void write_levels(const std::string& out, const std::vector<Picture>& levels) {
+  const size_t number = out.find(kNumber);
+  if (number == std::string::npos) return write_picture(out, sheet_of(levels));
+  for (size_t i = 0; i < levels.size(); ++i) {
+    std::string path = out;
+    write_picture(path.replace(number, sizeof kNumber - 1, std::to_string(i)), levels[i]);
+  }
+}
+
+void make_pyramid(const Options& options) {
+  check_ending(options.out);
+  const Picture picture = read_picture(options.in);
+  const int most = most_levels(picture.size);
+  if (options.levels > most) {
+    throw UserError("--levels " + std::to_string(options.levels) + ": " + options.in + " is " +
+                    size_text(picture.size) + " and has at most " + std::to_string(most) +
+                    " levels below it");
+  }
+  std::vector<Picture> levels;
+  const double seconds = seconds_of([&] { levels = levels_of(picture, options.levels); });
+  std::string rebuilding;
+  if (options.laplacian) {
+    const std::vector<Differences> differences = differences_of(levels);
+    const int deviation = largest_deviation(rebuilt(differences, levels), picture);
+    rebuilding = ", rebuilt with a largest deviation of " + std::to_string(deviation);
+    write_levels(options.out, pictures_of(differences, levels));
+  } else {
+    write_levels(options.out, levels);
+  }
+  std::printf("%s: %s and %d levels down to %s%s, %.2f ms with %s\n", options.out.c_str(),
+              size_text(picture.size).c_str(), options.levels,
+              size_text(levels.back().size).c_str(), rebuilding.c_str(), 1e3 * seconds,
+              nuqi::name_of(nuqi::isa()));
+}
+
+}  // namespace
+
+void add_pyramid(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("pyramid", "Shows a picture at smaller and smaller sizes");
+  command->footer(kFooter);
+  command->add_option("IN", options->in, "The picture")->required();
+  command->add_option("OUT", options->out, "All levels, or one each where it holds %d")->required();
+  command->add_option("--levels", options->levels, "How many below the picture")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1000000))
+      ->required();
+  command->add_flag("--laplacian", options->laplacian, "Shows what each level adds to the next");
+  command->callback([options] { make_pyramid(*options); });
+}
+
+}  // namespace tools

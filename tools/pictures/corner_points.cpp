@@ -1,0 +1,128 @@
+// The strongest corners of a picture, and marks where they are.
+#include "pictures/corner_points.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "failure.h"
+
+namespace tools {
+namespace {
+
+constexpr std::array<uint8_t, 3> kRing = {255, 138, 30}, kShade = {20, 16, 24};
+
+// Finds the plateaus of a plane: connected pixels of one value.
+class Plateaus {
+ public:
+  explicit Plateaus(const Plane<float>& plane) : plane_(plane), seen_(plane.size) {}
+
+  // The pixel is the first of a plateau that no neighbour exceeds.
+  bool is_maximum(int32_t x, int32_t y) {
+    if (seen_.values[at(x, y)]) return false;
+    const float value = plane_.values[at(x, y)];
+    bool highest = true;
+    visit(x, y);
+    while (!open_.empty()) {
+      const auto [px, py] = open_.back();
+      open_.pop_back();
+      for (int32_t ny = std::max(py - 1, 0); ny <= std::min(py + 1, plane_.size.height - 1); ++ny)
+        for (int32_t nx = std::max(px - 1, 0); nx <= std::min(px + 1, plane_.size.width - 1);
+             ++nx) {
+          const float other = plane_.values[at(nx, ny)];
+          if (other > value) highest = false;
+          if (other == value && !seen_.values[at(nx, ny)]) visit(nx, ny);
+        }
+    }
+    return highest;
+  }
+
+ private:
+  size_t at(int32_t x, int32_t y) const {
+    return size_t(y) * size_t(plane_.size.width) + size_t(x);
+  }
+  void visit(int32_t x, int32_t y) {
+    seen_.values[at(x, y)] = 1;
+    open_.push_back({x, y});
+  }
+
+  const Plane<float>& plane_;
+  Plane<uint8_t> seen_;
+  std::vector<PixelPoint> open_;
+};
+
+// Calls visit(x, y) with the pixels nearer than `distance`.
+template <class Visit>
+void for_each_near(RoiSize size, const Corner& corner, double distance, const Visit& visit) {
+  const double reach = std::min(distance, double(std::max(size.width, size.height)));
+  const int32_t most = int32_t(std::ceil(reach));
+  for (int32_t y = std::max(corner.y - most, 0); y <= std::min(corner.y + most, size.height - 1);
+       ++y)
+    for (int32_t x = std::max(corner.x - most, 0); x <= std::min(corner.x + most, size.width - 1);
+         ++x)
+      if (std::hypot(x - corner.x, y - corner.y) < distance) visit(x, y);
+}
+
+void put(Picture& picture, int32_t x, int32_t y, const std::array<uint8_t, 3>& ink) {
+  if (x < 0 || y < 0 || x >= picture.size.width || y >= picture.size.height) return;
+  const size_t pixel = size_t(y) * size_t(picture.size.width) + size_t(x);
+  std::copy(ink.begin(), ink.end(), picture.pixels.begin() + ptrdiff_t(3 * pixel));
+}
+
+}  // namespace
+
+Plane<float> floats_of(const Plane<uint8_t>& grey) {
+  Plane<float> floats(grey.size);
+  std::copy(grey.values.begin(), grey.values.end(), floats.values.begin());
+  return floats;
+}
+
+Plane<float> corner_strength(const Plane<float>& grey, int aperture, int block) {
+  Plane<float> strength(grey.size);
+  int32_t bytes = 0;
+  require_ok(nuqiMinEigenValGetSize(grey.size.width, aperture, block, &bytes),
+             "nuqiMinEigenValGetSize");
+  std::vector<uint8_t> buffer(static_cast<size_t>(bytes));
+  require_ok(nuqiMinEigenVal_32f_C1R(grey.data(), grey.step(), strength.data(), strength.step(),
+                                     grey.size, aperture, block, buffer.data()),
+             "nuqiMinEigenVal_32f_C1R");
+  return strength;
+}
+
+std::vector<Corner> strongest_corners(const Plane<float>& strength, size_t count, double distance) {
+  const RoiSize size = strength.size;
+  std::vector<Corner> maxima;
+  Plateaus plateaus(strength);
+  size_t pixel = 0;
+  for (int32_t y = 0; y < size.height; ++y)
+    for (int32_t x = 0; x < size.width; ++x, ++pixel)
+      if (strength.values[pixel] > 0 && plateaus.is_maximum(x, y))
+        maxima.push_back({x, y, strength.values[pixel]});
+  // They come in raster order, which a stable sort keeps among equals.
+  std::stable_sort(maxima.begin(), maxima.end(),
+                   [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
+
+  std::vector<Corner> corners;
+  Plane<uint8_t> taken(size);
+  for (const Corner& corner : maxima) {
+    if (corners.size() == count) break;
+    if (taken.values[size_t(corner.y) * size_t(size.width) + size_t(corner.x)]) continue;
+    corners.push_back(corner);
+    for_each_near(size, corner, distance, [&](int32_t x, int32_t y) {
+      taken.values[size_t(y) * size_t(size.width) + size_t(x)] = 1;
+    });
+  }
+  return corners;
+}
+
+Picture with_rings(Picture picture, const std::vector<Corner>& corners) {
+  for (const auto& [radius, ink] : {std::pair{4, kShade}, std::pair{3, kRing}})
+    for (const Corner& corner : corners)
+      for (int32_t dy = -radius; dy <= radius; ++dy)
+        for (int32_t dx = -radius; dx <= radius; ++dx)
+          if (std::lround(std::hypot(dx, dy)) == radius)
+            put(picture, corner.x + dx, corner.y + dy, ink);
+  return picture;
+}
+
+}  // namespace tools

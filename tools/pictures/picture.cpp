@@ -1,0 +1,68 @@
+// Pictures in memory, and the way from colour to grey.
+#include "pictures/picture.h"
+
+#include "failure.h"
+#include "pictures/row_reader.h"
+
+namespace tools {
+namespace {
+
+// Canny's buffer of 12 * (width + 2) * (height + 2) bytes must stay below 2^31.
+constexpr uint64_t kMaxBorderedPixels = INT32_MAX / 12;
+
+}  // namespace
+
+std::string size_text(RoiSize size) {
+  return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
+void check_same_size(const std::string& name, RoiSize size, const std::string& first_name,
+                     RoiSize first) {
+  if (size.width == first.width && size.height == first.height) return;
+  throw UserError(name + ": is " + size_text(size) + ", but " + first_name + " is " +
+                  size_text(first));
+}
+
+void check_size(uint32_t width, uint32_t height, const std::string& name) {
+  check_sides(width, height, name);
+  if ((width + uint64_t{2}) * (height + uint64_t{2}) > kMaxBorderedPixels) {
+    throw UserError(name + ": is too large, the limit is " +
+                    std::to_string(kMaxBorderedPixels / 1000000) + " million pixels");
+  }
+}
+
+Picture read_picture(const std::string& path) {
+  return whole_picture(*open_rows(path, Form::colour), path);
+}
+
+Plane<uint8_t> grey_of(const Picture& picture) {
+  Plane<uint8_t> grey(picture.size);
+  if (picture.channels == 1) {
+    grey.values = picture.pixels;
+    return grey;
+  }
+  const uint8_t* rgb = picture.pixels.data();
+  for (uint8_t& value : grey.values) {
+    value = grey_level(rgb);
+    rgb += 3;
+  }
+  return grey;
+}
+
+Picture picture_of(const Plane<uint8_t>& plane) {
+  Picture picture;
+  picture.size = plane.size;
+  picture.channels = 1;
+  picture.pixels = plane.values;
+  return picture;
+}
+
+Plane<uint8_t> with_two_rows(Plane<uint8_t> plane) {
+  if (plane.size.height != 1) return plane;
+  const std::vector<uint8_t> row = plane.values;
+  plane.values.insert(plane.values.end(), row.begin(), row.end());
+  plane.size.height = 2;
+  return plane;
+}
+
+}  // namespace tools

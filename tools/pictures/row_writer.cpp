@@ -1,0 +1,78 @@
+// Pictures as sinks of rows: files by their ending, and pictures from memory.
+#include "pictures/row_writer.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <new>
+
+#include "failure.h"
+
+namespace tools {
+namespace {
+
+bool ends_with(const std::string& path, const std::string& ending) {
+  if (path.size() <= ending.size()) return false;
+  return std::equal(ending.begin(), ending.end(), path.end() - ptrdiff_t(ending.size()),
+                    [](char a, char b) { return a == std::tolower(static_cast<uint8_t>(b)); });
+}
+
+class PictureFile : public RowWriter {
+ public:
+  PictureFile(const std::string& path, RoiSize size, int channels)
+      : file_(path),
+        rows_(ends_with(path, ".png") ? write_png(file_.stream(), path, size, channels)
+                                      : write_jpeg(file_.stream(), path, size, channels)) {}
+
+  void write(const uint8_t* row) override { rows_->write(row); }
+  void finish() override {
+    rows_->finish();
+    file_.commit();
+  }
+
+ private:
+  OutputFile file_;
+  std::unique_ptr<RowWriter> rows_;
+};
+
+void write_rows(RowWriter& rows, const Picture& picture) {
+  const size_t row_bytes = size_t(picture.size.width) * size_t(picture.channels);
+  for (size_t at = 0; at < picture.pixels.size(); at += row_bytes) {
+    rows.write(picture.pixels.data() + at);
+  }
+  rows.finish();
+}
+
+struct Memory {
+  ~Memory() { std::free(bytes); }
+
+  char* bytes = nullptr;
+  size_t length = 0;
+};
+
+}  // namespace
+
+void check_ending(const std::string& path) {
+  if (ends_with(path, ".png") || ends_with(path, ".jpg") || ends_with(path, ".jpeg")) return;
+  throw UserError(path + ": cannot be written: its ending must be .png, .jpg or .jpeg");
+}
+
+std::unique_ptr<RowWriter> create_picture(const std::string& path, RoiSize size, int channels) {
+  check_ending(path);
+  return std::make_unique<PictureFile>(path, size, channels);
+}
+
+void write_picture(const std::string& path, const Picture& picture) {
+  write_rows(*create_picture(path, picture.size, picture.channels), picture);
+}
+
+Bytes encode_png(const Picture& picture, const std::string& name) {
+  Memory memory;
+  File file(open_memstream(&memory.bytes, &memory.length));
+  if (!file) throw std::bad_alloc();
+  write_rows(*write_png(file.get(), name, picture.size, picture.channels), picture);
+  file.reset();
+  return Bytes(memory.bytes, memory.bytes + memory.length);
+}
+
+}  // namespace tools

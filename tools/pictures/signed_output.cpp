@@ -1,0 +1,68 @@
+// How commands show results that may be negative: in colours, with their extremes on stdout.
+#include "pictures/signed_output.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <cstdio>
+
+#include "core/isa.h"
+#include "failure.h"
+#include "tour/colours.h"
+
+namespace tools {
+
+void add_signed_output(CLI::App& command, SignedOutput& output) {
+  command.add_option("OUT", output.path, "The result in colours")->required();
+  command.add_option_function<double>(
+      "--range",
+      [&output](double range) {
+        if (!(range > 0 && std::isfinite(range))) throw UserError("--range: must be above 0");
+        output.range = range;
+      },
+      "The magnitude shown in the palest colours");
+}
+
+void check(const SignedOutput& output) { check_ending(output.path); }
+
+void write_signed(const std::string& in, const SignedOutput& output, const std::string& how,
+                  const std::function<FilterStage(RoiSize picture)>& filter_for) {
+  const bool chosen = output.range > 0;
+  const RowOpener once = [&] { return open_rows(in, Form::grey); };
+  const RowOpener open = chosen ? once : rereadable(in, Form::grey);
+  auto rows = open();
+  const RoiSize size = rows->size();
+  const auto out = create_picture(output.path, size, 3);
+  RowProgress progress(size, chosen ? 1 : 2);
+  double seconds = 0;
+  const auto filter_rows = [&](const auto& use) {
+    FilterStage filter = filter_for(size);
+    for_strips(*rows, progress, [&](Strip<uint8_t> strip) { use(filter(strip)); });
+    seconds = filter.seconds();
+  };
+
+  const size_t width = size_t(size.width);
+  ValueCounts counts;
+  const auto count = [&](Strip<int16_t> strip) {
+    counts.add(strip.values, width * size_t(strip.rows));
+  };
+  if (!chosen) {
+    filter_rows(count);
+    rows = open();
+    check_same_size(in, rows->size(), "what was read before", size);
+  }
+  const double range = chosen ? output.range : counts.usual_range();
+  const SignedColours colours(range);
+  Bytes rgb;
+  filter_rows([&](Strip<int16_t> strip) {
+    if (chosen) count(strip);
+    rgb.resize(3 * width * size_t(strip.rows));
+    colours.put(strip.values, width * size_t(strip.rows), rgb.data());
+    write_strip(*out, {rgb.data(), strip.rows}, 3 * width);
+  });
+  out->finish();
+  std::printf("%s: %s, %s, values %d to %d, shown to %g, %.2f ms with %s\n", output.path.c_str(),
+              size_text(size).c_str(), how.c_str(), counts.lowest(), counts.highest(), range,
+              1e3 * seconds, nuqi::name_of(nuqi::isa()));
+}
+
+}  // namespace tools

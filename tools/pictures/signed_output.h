@@ -1,0 +1,36 @@
+// How commands show results that may be negative: in colours, with their extremes on stdout.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "commands/filter_state.h"
+
+namespace CLI {
+class App;
+}
+
+namespace tools {
+
+struct SignedOutput {
+  std::string path;
+  double range = 0;  // 0: chosen from the values
+};
+
+inline constexpr char kSignedFooter[] =
+    "Orange is positive, blue negative, black zero; the palest colours stand for the range and\n"
+    "all beyond it. Without --range it is the magnitude that one pixel in a hundred exceeds, for\n"
+    "which IN is read twice. Takes pictures larger than memory (`nuqi --help`).\n";
+
+// Adds OUT and --range.
+void add_signed_output(CLI::App& command, SignedOutput& output);
+
+// Throws UserError where it could not be written for a reason known before the work.
+void check(const SignedOutput& output);
+
+// Writes what the filter made for a picture's size gives of the grey levels of `in`. `how` says on stdout what
+// the values are.
+void write_signed(const std::string& in, const SignedOutput& output, const std::string& how,
+                  const std::function<FilterStage(RoiSize picture)>& filter_for);
+
+}  // namespace tools

@@ -1,0 +1,88 @@
+// The tour's section on flood fills.
+#include <algorithm>
+
+#include "commands/regions.h"
+#include "tour/families.h"
+
+namespace tools {
+namespace {
+
+constexpr char kText[] =
+    "The connected region of a pixel, painted in place: all pixels that equal it, or all that are "
+    "reached from neighbour to neighbour in small steps, however far a gradual change leads.";
+
+std::vector<uint8_t> buffer_for(RoiSize size) {
+  int32_t bytes = 0;
+  require_ok(nuqiFloodFillGetSize_Grad(size, &bytes), "nuqiFloodFillGetSize_Grad");
+  return std::vector<uint8_t>(size_t{uint32_t(bytes)});
+}
+
+// The picture with the region in orange.
+Picture region_over(const Picture& colour, const Plane<uint8_t>& before,
+                    const Plane<uint8_t>& after) {
+  Picture picture = colour;
+  for (size_t i = 0; i < picture.pixels.size() / size_t(picture.channels); ++i)
+    if (before.values[i] != after.values[i])
+      std::copy_n(std::begin({uint8_t{240}, uint8_t{140}, uint8_t{40}}), picture.channels,
+                  &picture.pixels[i * size_t(picture.channels)]);
+  return picture;
+}
+
+Figure gradient_figure(const Scene& scene) {
+  Plane<uint8_t> filled = scene.grey;
+  std::vector<uint8_t> scratch = buffer_for(filled.size);
+  const RoiSize roi = filled.size;
+  const PixelPoint seed = {roi.width / 2, 0};
+  uint8_t* const image = filled.data();
+  const int32_t step = filled.step();
+  void* const buffer = scratch.data();
+  FillRegion region{};
+  Call call =
+      NUQI_TIMED(nuqiFloodFill_Grad4Con_8u_C1IR(image, step, roi, seed, 0, 3, 3, &region, buffer));
+  Figure figure("What gradual steps reach", "The region of the topmost pixels in orange",
+                region_over(scene.colour, scene.grey, filled));
+  figure.with(std::move(call))
+      .note("From the middle of the first row, by steps of 3 grey levels at most.");
+  return figure;
+}
+
+// Canny's edges, whose regions are the lines of connected pixels.
+Figure regions_figure(const Scene& scene) {
+  const RoiSize roi = scene.grey.size;
+  Plane<int16_t> dx(roi), dy(roi);
+  require_ok(
+      nuqiSobel3x3_Dx_8u16s_C1R(scene.grey.data(), scene.grey.step(), dx.data(), dx.step(), roi),
+      "nuqiSobel3x3_Dx_8u16s_C1R");
+  require_ok(
+      nuqiSobel3x3_Dy_8u16s_C1R(scene.grey.data(), scene.grey.step(), dy.data(), dy.step(), 0, roi),
+      "nuqiSobel3x3_Dy_8u16s_C1R");
+  int32_t bytes = 0;
+  require_ok(nuqiCannyGetSize(roi, &bytes), "nuqiCannyGetSize");
+  std::vector<uint8_t> buffer(static_cast<size_t>(bytes));
+  Plane<uint8_t> edges(roi);
+  require_ok(nuqiCanny_16s8u_C1R(dx.data(), dx.step(), dy.data(), dy.step(), edges.data(),
+                                 edges.step(), roi, 60, 150, buffer.data()),
+             "nuqiCanny_16s8u_C1R");
+  const Regions regions(edges, 8);
+  const auto lines = std::count_if(regions.all().begin(), regions.all().end(),
+                                   [](const Region& region) { return region.level == 255; });
+  Figure figure("Edges, line by line", "Canny's edges, each connected line in a colour of its own",
+                regions.coloured(1, 0), Shrink::brightest);
+  figure.note(std::to_string(lines) +
+              " lines: <code>nuqiFloodFill_8Con_32f_C1IR</code> from every "
+              "pixel that no fill has reached before.");
+  return figure;
+}
+
+}  // namespace
+
+Section fill_section(const Scene& scene) {
+  Section section{"fills", "Flood fills", kText, {}, {}};
+  section.before.emplace_back("The picture in grey", "The picture in grey levels",
+                              picture_of(scene.grey));
+  section.after.push_back(gradient_figure(scene));
+  section.after.push_back(regions_figure(scene));
+  return section;
+}
+
+}  // namespace tools

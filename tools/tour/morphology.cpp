@@ -1,0 +1,153 @@
+// The tour's section on erosion and dilation.
+#include <algorithm>
+
+#include "commands/element.h"
+#include "pictures/edge_map.h"
+#include "tour/families.h"
+
+namespace tools {
+namespace {
+
+constexpr char kText[] =
+    "The least and the greatest pixel that an element covers. An erosion and a dilation with the "
+    "element turned around make an opening, which removes what the element does not fit into; the "
+    "other way round they make a closing, which fills gaps. Rectangles and crosses are quick at "
+    "any "
+    "size; any other element is a mask. Pictures come whole or in strips.";
+
+Element element(int32_t shape, int32_t width, int32_t height) {
+  return {shape, {width, height}, {width / 2, height / 2}};
+}
+
+struct Step {
+  Plane<uint8_t> result;
+  Call call;
+};
+
+Step apply(Extremum extremum, const Element& element, const Plane<uint8_t>& grey) {
+  Step step{Plane<uint8_t>(grey.size), {}};
+  const MorphOwner state = morph_state(element, grey.size.width, 1);
+  const MorphStage::Call call = morph_call(extremum, element, 1);
+  const std::string text =
+      std::string(call.name) + "(src, src_step, dst, dst_step, &roi, state, 0)";
+  step.call = timed_call(text.c_str(), [&] {
+    RoiSize roi = grey.size;
+    return call.function(grey.data(), grey.step(), step.result.data(), step.result.step(), &roi,
+                         state.get(), 0);
+  });
+  return step;
+}
+
+Figure one_step(const std::string& title, const std::string& note, Extremum extremum,
+                const Element& element, const Plane<uint8_t>& grey) {
+  Step step = apply(extremum, element, grey);
+  Figure figure(title, "The picture after: " + title, picture_of(step.result));
+  figure.note(note).with(std::move(step.call));
+  return figure;
+}
+
+// An opening begins with the least, a closing with the greatest.
+Figure two_steps(const std::string& title, const std::string& note, Extremum first,
+                 const Element& element, const Plane<uint8_t>& edges) {
+  const Extremum second = first == Extremum::least ? Extremum::greatest : Extremum::least;
+  Step one = apply(first, element, edges), two = apply(second, turned(element), one.result);
+  Figure figure(title, "The edges after: " + title, picture_of(two.result), Shrink::brightest);
+  figure.note(note).with(std::move(one.call)).with(std::move(two.call));
+  return figure;
+}
+
+Figure gradient(const Plane<uint8_t>& grey) {
+  const Element cross = element(Element::kCross, 3, 3);
+  Step greatest = apply(Extremum::greatest, cross, grey),
+       least = apply(Extremum::least, cross, grey);
+  Plane<uint8_t> difference = greatest.result;
+  for (size_t i = 0; i < difference.values.size(); ++i) {
+    difference.values[i] = uint8_t(difference.values[i] - least.result.values[i]);
+  }
+  Figure figure("Gradient, 3 × 3", "The difference of dilation and erosion: bright along edges",
+                picture_of(difference), Shrink::brightest);
+  figure.note("Dilation minus erosion: how steep the picture is.")
+      .with(std::move(greatest.call))
+      .with(std::move(least.call));
+  return figure;
+}
+
+// The element itself, dark: a lone dark pixel erodes to the element turned.
+Plane<uint8_t> covered_by(const Element& element) {
+  Plane<uint8_t> sheet(element.size);
+  sheet.values.assign(sheet.values.size(), 255);
+  const Element other = turned(element);
+  const size_t width = size_t(element.size.width);
+  sheet.values[size_t(other.anchor.y) * width + size_t(other.anchor.x)] = 0;
+  Plane<uint8_t> covered = apply(Extremum::least, element, sheet).result;
+  std::reverse(covered.values.begin(), covered.values.end());
+  return covered;
+}
+
+// The pixels of two elements as squares, side by side.
+Picture side_by_side(const Plane<uint8_t>& left, const Plane<uint8_t>& right) {
+  constexpr int32_t kSquare = 20, kHalf = 320;
+  Picture sheet({2 * kHalf, kHalf}, 1);
+  std::fill(sheet.pixels.begin(), sheet.pixels.end(), uint8_t{190});
+  uint8_t* pixel = sheet.pixels.data();
+  for (int32_t y = 0; y < kHalf; ++y) {
+    for (int32_t x = 0; x < 2 * kHalf; ++x, ++pixel) {
+      const Plane<uint8_t>& element = x < kHalf ? left : right;
+      const int32_t u = x % kHalf - (kHalf - element.size.width * kSquare) / 2;
+      const int32_t v = y - (kHalf - element.size.height * kSquare) / 2;
+      const PixelPoint at{u / kSquare, v / kSquare};
+      const bool line = u % kSquare == kSquare - 1 || v % kSquare == kSquare - 1;
+      if (u < 0 || v < 0 || at.x >= element.size.width || at.y >= element.size.height || line)
+        continue;
+      *pixel = element.values[size_t(at.y) * size_t(element.size.width) + size_t(at.x)];
+    }
+  }
+  return sheet;
+}
+
+Figure two_ellipses(int32_t side) {
+  const Element filled = ellipse({side, side});
+  Figure figure(
+      "Two ellipses, " + std::to_string(side) + " × " + std::to_string(side),
+      "The pixels of two elements, inside dark: a filled one, and one with an empty row",
+      side_by_side(covered_by(filled), covered_by(element(Element::kLibrarysEllipse, side, side))));
+  figure.note(
+      "Left one drawn by this program and passed as a mask (<code>shape</code> 100), right the "
+      "library's own (<code>shape</code> 2), whose middle row is empty at odd heights. Dark pixels "
+      "belong to the element.");
+  return figure;
+}
+
+}  // namespace
+
+Section morphology_section(const Scene& scene) {
+  const Plane<uint8_t>& grey = scene.grey;
+  const Plane<uint8_t> edges = edges_of(grey, "sobel", 100, 200);
+  Section section{"morphology", "Erosion and dilation", kText, {}, {}};
+  section.before.emplace_back("The picture in grey", "The picture in grey levels",
+                              picture_of(grey));
+  section.before.emplace_back("Its edges", "The picture's edges, white on black", picture_of(edges),
+                              Shrink::brightest);
+  const auto add = [&](Figure figure) { section.after.push_back(std::move(figure)); };
+  add(one_step("Erosion, rectangle 9 × 9", "Dark spreads, in squares.", Extremum::least,
+               element(Element::kRectangle, 9, 9), grey));
+  add(one_step("Dilation, rectangle 9 × 9", "Bright spreads.", Extremum::greatest,
+               element(Element::kRectangle, 9, 9), grey));
+  add(one_step("Erosion, cross 9 × 9", "Along the row and the column of each pixel.",
+               Extremum::least, element(Element::kCross, 9, 9), grey));
+  add(one_step("Dilation, cross 9 × 9", "Bright points become crosses.", Extremum::greatest,
+               element(Element::kCross, 9, 9), grey));
+  add(one_step("Dilation, filled ellipse 9 × 9", "Drawn by this program and passed as a mask.",
+               Extremum::greatest, ellipse({9, 9}), grey));
+  add(one_step("Dilation, the library's ellipse 9 × 9", "Without the row of the pixel itself.",
+               Extremum::greatest, element(Element::kLibrarysEllipse, 9, 9), grey));
+  add(two_ellipses(9));
+  add(gradient(grey));
+  add(two_steps("Closing of the edges, ellipse 7 × 7", "Gaps up to the element's size are filled.",
+                Extremum::greatest, ellipse({7, 7}), edges));
+  add(two_steps("Opening of the edges, rectangle 5 × 1", "Only edges level for five pixels stay.",
+                Extremum::least, element(Element::kRectangle, 5, 1), edges));
+  return section;
+}
+
+}  // namespace tools

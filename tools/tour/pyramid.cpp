@@ -1,0 +1,68 @@
+// The tour's section on the Gaussian pyramid.
+#include <algorithm>
+
+#include "pictures/pyramid_picture.h"
+#include "tour/families.h"
+
+namespace tools {
+namespace {
+
+constexpr char kText[] =
+    "Each level is the one above it, smoothed and half as wide and high. What a level has that the "
+    "next one, brought up to its size again, lacks, is its Laplacian level: with these and the "
+    "smallest picture the whole is rebuilt, to the last bit.";
+
+// The first step down, and the first up, once more with a clock.
+Call down_call(const Picture& level) {
+  const Picture even = made_even(level);
+  const RoiSize roi = even.size;
+  Picture result({roi.width / 2, roi.height / 2}, 3);
+  const uint8_t* src = even.pixels.data();
+  uint8_t* dst = result.pixels.data();
+  const int32_t src_step = 3 * roi.width, dst_step = 3 * result.size.width;
+  int32_t size = 0;
+  require_ok(nuqiPyrDownGetBufSize_Gauss5x5(roi.width, 1, 3, &size),
+             "nuqiPyrDownGetBufSize_Gauss5x5");
+  std::vector<uint8_t> room(static_cast<size_t>(size));
+  uint8_t* buffer = room.data();
+  return NUQI_TIMED(nuqiPyrDown_Gauss5x5_8u_C3R(src, src_step, dst, dst_step, roi, buffer));
+}
+Call up_call(const Picture& level) {
+  const RoiSize roi = level.size;
+  Picture result({2 * roi.width, 2 * roi.height}, 3);
+  const uint8_t* src = level.pixels.data();
+  uint8_t* dst = result.pixels.data();
+  const int32_t src_step = 3 * roi.width, dst_step = 6 * roi.width;
+  int32_t size = 0;
+  require_ok(nuqiPyrUpGetBufSize_Gauss5x5(roi.width, 1, 3, &size), "nuqiPyrUpGetBufSize_Gauss5x5");
+  std::vector<uint8_t> room(static_cast<size_t>(size));
+  uint8_t* buffer = room.data();
+  return NUQI_TIMED(nuqiPyrUp_Gauss5x5_8u_C3R(src, src_step, dst, dst_step, roi, buffer));
+}
+
+}  // namespace
+
+Section pyramid_section(const Scene& scene) {
+  Section section{"pyramid", "Gaussian pyramid", kText, {}, {}};
+  section.before.emplace_back("The picture", "The picture in colour", scene.colour);
+  const int count = std::min(5, most_levels(scene.colour.size));
+  const std::vector<Picture> levels = levels_of(scene.colour, count);
+  const std::vector<Differences> differences = differences_of(levels);
+  const Picture whole = rebuilt(differences, levels);
+
+  Figure gaussian("Gaussian levels", "The picture and below it smaller and smaller ones",
+                  sheet_of(levels));
+  gaussian.note("The picture and " + std::to_string(count) + " levels below it.");
+  section.after.push_back(std::move(gaussian.with(down_call(scene.colour))));
+  Figure laplacian("Laplacian levels", "Grey pictures with the edges of each level",
+                   sheet_of(pictures_of(differences, levels)));
+  laplacian.note("Mid-grey where a level is what the next one gives; the last is whole.");
+  section.after.push_back(std::move(laplacian));
+  Figure again("Rebuilt", "The picture rebuilt from its Laplacian levels", whole);
+  again.note("From the Laplacian levels. Largest deviation from the picture: " +
+             std::to_string(largest_deviation(whole, scene.colour)) + ".");
+  section.after.push_back(std::move(again.with(up_call(levels[count == 0 ? 0 : 1]))));
+  return section;
+}
+
+}  // namespace tools
