@@ -14,9 +14,14 @@
 #include <nuqi/hpp/bands.hpp>
 #include <nuqi/hpp/checks.hpp>
 #include <nuqi/hpp/error.hpp>
+#include <nuqi/hpp/fill.hpp>
 #include <nuqi/hpp/image.hpp>
+#include <nuqi/hpp/match.hpp>
+#include <nuqi/hpp/morphology.hpp>
 #include <nuqi/hpp/overloads.hpp>
+#include <nuqi/hpp/pyramid.hpp>
 #include <nuqi/hpp/scratch.hpp>
+#include <nuqi/hpp/strips.hpp>
 #include <nuqi/hpp/view.hpp>
 
 #endif
