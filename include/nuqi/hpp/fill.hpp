@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -49,18 +50,17 @@ struct Filled {
   FillRegion region{};
 };
 
-/// The bytes that a fill works in. The queries compute modulo 2^32; images that they tell too little for are
-/// beyond `kQueried` pixels.
-inline std::size_t fill_bytes(RoiSize roi, bool gradient) noexcept {
+/// The bytes that a fill works in. The queries compute modulo 2^32: beyond `kQueried` pixels they tell too
+/// little.
+inline std::int64_t fill_bytes(RoiSize roi, bool gradient) noexcept {
   constexpr std::int64_t kQueried = 178956970;
   const std::int64_t width = roi.width, height = roi.height;
   if (width * height > kQueried) {
-    return static_cast<std::size_t>(6 * width * height +
-                                    (gradient ? (width + 2) * (height + 2) : 0));
+    return 6 * width * height + (gradient ? (width + 2) * (height + 2) : 0);
   }
   std::int32_t bytes = 0;
   (gradient ? nuqiFloodFillGetSize_Grad : nuqiFloodFillGetSize)(roi, &bytes);
-  return static_cast<std::size_t>(bytes);
+  return bytes;
 }
 
 /// `call` is call(image, step, roi, &region, buffer).
@@ -68,10 +68,11 @@ template <class T, class Call>
 Filled fill(View<T, 1> image, PixelPoint seed, bool gradient, Scratch& scratch,
             const Call& call) noexcept {
   if (image.empty()) return {kEmpty};
-  if (!fits(image)) return {kTooLarge};
+  constexpr std::int64_t kMostPixels = std::numeric_limits<std::ptrdiff_t>::max() / 16;
+  if (!fits(image) || image.size() > kMostPixels) return {kTooLarge};
   if (seed.x < 0 || seed.y < 0 || seed.x >= image.width() || seed.y >= image.height())
     return {kSeedOutside};
-  void* const buffer = scratch.get(fill_bytes(roi_of(image), gradient));
+  void* const buffer = scratch.get(static_cast<std::size_t>(fill_bytes(roi_of(image), gradient)));
   if (buffer == nullptr) return {kNoMemory};
   Filled filled;
   filled.outcome = call(image.data(), static_cast<std::int32_t>(image.step()), roi_of(image),
