@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <tuple>
 
 namespace nuqi::detail {
 
@@ -81,6 +82,16 @@ Outcome in_bands(std::int64_t pixels, Call&& call, const First& first, const Oth
     return call(roi_of(first), whole(first), whole(others)...);
   }
   return cut_into_bands(pixels, call, first, others...);
+}
+
+/// Calls a C function with pointer and step of each part, the ROI, and further values: the order of arguments
+/// that most have.
+template <class Function, class... Values>
+auto flat(Function* function, Values... values) noexcept {
+  return [=](RoiSize roi, auto... parts) {
+    return std::apply(function, std::tuple_cat(std::make_tuple(parts.data, parts.step)...,
+                                               std::make_tuple(roi, values...)));
+  };
 }
 
 /// For operations on single pixels: bands as large as C takes them.

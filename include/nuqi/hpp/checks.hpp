@@ -40,6 +40,22 @@ void require(Outcome outcome, const char* function, const Arguments&... argument
   if (outcome.failed()) refuse(outcome, function, arguments...);
 }
 
+// ---- Types
+
+template <class First, class... Others>
+constexpr void expect_alike() noexcept {
+  static_assert(
+      ((std::is_same_v<ElementOf<First>, ElementOf<Others>> &&
+        kChannelsOf<First> == kChannelsOf<Others>)&&...),
+      "nuqi: the images differ in their elements or channels, and this operation needs them alike");
+}
+template <class T, int Channels, class... Outputs>
+constexpr void expect_output() noexcept {
+  static_assert(
+      ((std::is_same_v<ElementOf<Outputs>, T> && kChannelsOf<Outputs> == Channels) && ...),
+      "nuqi: this operation writes other elements, or another number of channels");
+}
+
 // ---- Sizes
 
 inline constexpr Outcome kEmpty{StatusBadSize, "an image is empty"};
@@ -123,6 +139,16 @@ bool overlap(const A& a, const B& b) noexcept {
   if (first.end() <= second.begin || second.end() <= first.begin) return false;
   return first.step == second.step ? rows_overlap_at_one_step(first, second)
                                    : rows_overlap(first, second);
+}
+
+/// Whether any two of several do.
+template <class First, class... Others>
+bool any_overlap(const First& first, const Others&... others) noexcept {
+  if constexpr (sizeof...(others) == 0) {
+    return false;
+  } else {
+    return (overlap(first, others) || ...) || any_overlap(others...);
+  }
 }
 
 /// Whether they are one and the same image.
