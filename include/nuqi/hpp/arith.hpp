@@ -42,12 +42,10 @@ inline constexpr auto kAddWeightedMasked = overloads(
 
 /// Acc is the caller's argument, so that temporary images are told from others.
 template <class Acc, class Call, class... Inputs>
-Outcome accumulate(Call call, std::remove_reference_t<Acc>& acc, const Inputs&... inputs) noexcept {
+[[gnu::always_inline]] inline Outcome accumulate(Call call, std::remove_reference_t<Acc>& acc,
+                                                 Inputs... inputs) noexcept {
   expect_output<float, 1, Acc>();
-  const auto out = as_output<Acc>(acc);
-  if (const Outcome bad = check_sizes(out, inputs...); bad.failed()) return bad;
-  if (const Outcome bad = check_apart(out, inputs...); bad.failed()) return bad;
-  return per_pixel(call, inputs..., out);
+  return write_apart(call, as_output<Acc>(acc), inputs...);
 }
 
 }  // namespace detail
@@ -185,14 +183,6 @@ inline constexpr auto kAbsDiff =
 inline constexpr auto kAbsDiffC =
     overloads(fn<std::uint8_t, 1>(nuqiAbsDiffC_8u_C1R), fn<float, 1>(nuqiAbsDiffC_32f_C1R));
 
-template <class Dst, class Call, class... Inputs>
-Outcome differ(Call call, std::remove_reference_t<Dst>& dst, const Inputs&... inputs) noexcept {
-  const auto out = as_output<Dst>(dst);
-  if (const Outcome bad = check_sizes(out, inputs...); bad.failed()) return bad;
-  if (const Outcome bad = check_in_place(out, inputs...); bad.failed()) return bad;
-  return per_pixel(call, inputs..., out);
-}
-
 /// A number held to the range of bytes, whatever its type.
 template <class Number>
 constexpr std::int32_t to_byte(Number number) noexcept {
@@ -205,17 +195,20 @@ constexpr std::int32_t to_byte(Number number) noexcept {
 }
 
 template <class Dst, class A, class B>
-Outcome abs_diff(const A& a, const B& b, std::remove_reference_t<Dst>& dst) noexcept {
+[[gnu::always_inline]] inline Outcome abs_diff(const A& a, const B& b,
+                                               std::remove_reference_t<Dst>& dst) noexcept {
   if constexpr (!std::is_arithmetic_v<B>) {
     expect_alike<const A, const B, std::remove_reference_t<Dst>>();
-    return differ<Dst>(flat(find_for<A>(kAbsDiff)), dst, as_input(a), as_input(b));
+    return write_in_place(flat(find_for<A>(kAbsDiff)), as_output<Dst>(dst), as_input(a),
+                          as_input(b));
   } else {
     expect_alike<const A, std::remove_reference_t<Dst>>();
     auto* const function = find_for<A>(kAbsDiffC);
     if constexpr (std::is_same_v<ElementOf<const A>, float>) {
-      return differ<Dst>(flat(function, static_cast<float>(b)), dst, as_input(a));
+      return write_in_place(flat(function, static_cast<float>(b)), as_output<Dst>(dst),
+                            as_input(a));
     } else {
-      return differ<Dst>(flat(function, to_byte(b)), dst, as_input(a));
+      return write_in_place(flat(function, to_byte(b)), as_output<Dst>(dst), as_input(a));
     }
   }
 }

@@ -6,8 +6,8 @@
 #include <nuqi/hpp/overloads.hpp>
 
 #include <cstdint>
-#include <limits>
 #include <new>
+#include <tuple>
 #include <type_traits>
 
 namespace nuqi {
@@ -21,60 +21,80 @@ inline constexpr auto kJoin =
     overloads(fn<std::uint8_t, 3>(nuqiCopy_8u_P3C3R), fn<std::uint8_t, 4>(nuqiCopy_8u_P4C4R),
               fn<float, 3>(nuqiCopy_32f_P3C3R), fn<float, 4>(nuqiCopy_32f_P4C4R));
 
-/// Bands for planes: C takes one step for all, and single rows have any.
+/// C takes one step for all planes.
 template <class First, class... Others>
-std::int64_t pixels_of_band(const First& first, const Others&... others) noexcept {
-  return ((first.step() == others.step()) && ...) ? std::numeric_limits<std::int64_t>::max()
-                                                  : first.width();
+bool same_step(First first, Others... others) noexcept {
+  return ((first.step() == others.step()) && ...);
+}
+template <class First, class... Others>
+[[gnu::always_inline]] inline bool all_far_apart(First first, Others... others) noexcept {
+  if constexpr (sizeof...(others) == 0) {
+    return true;
+  } else {
+    return (far_apart(first, others) && ...) && all_far_apart(others...);
+  }
+}
+
+/// Planes of different steps are taken row by row: a single row has any.
+template <class Call, class Src, class... Planes>
+[[gnu::noinline, gnu::cold]] Outcome split_slowly(Call call, Src src, Planes... planes) {
+  if (const Outcome bad = check_sizes(src, planes...); bad.failed()) return bad;
+  if (any_overlap(src, planes...)) return kOverlap;
+  return in_bands(same_step(planes...) ? kUnlimited : src.width(), call, src, planes...);
 }
 
 template <class Src, class... Planes>
-Outcome split(const Src& src, const Planes&... planes) noexcept {
+[[gnu::always_inline]] inline Outcome split(Src src, Planes... planes) noexcept {
+  using T = typename Src::element;
   static_assert(Src::channels() == sizeof...(Planes),
                 "nuqi: split takes as many planes as there are channels");
-  auto* const function = find<typename Src::element, Src::channels()>(kSplit);
-  if (const Outcome bad = check_sizes(src, planes...); bad.failed()) return bad;
-  if (const Outcome bad = check_apart(src, planes...); bad.failed()) return bad;
-  if (any_overlap(planes...)) return kOverlap;
-  return in_bands(
-      pixels_of_band(planes...),
-      [function](RoiSize roi, auto from, auto first, auto... others) {
-        typename Src::element* const to[] = {first.data, others.data...};
-        return function(from.data, from.step, to, first.step, roi);
-      },
-      src, planes...);
+  expect_output<T, 1, Planes...>();
+  auto* const function = find<T, Src::channels()>(kSplit);
+  const auto call = [function](RoiSize roi, auto from, auto first, auto... others) {
+    T* const to[] = {first.data, others.data...};
+    return function(from.data, from.step, to, first.step, roi);
+  };
+  if (ready(src, planes...) && same_step(planes...) && all_far_apart(src, planes...)) {
+    return call(roi_of(src), whole(src), whole(planes)...);
+  }
+  return split_slowly(call, src, planes...);
 }
 
 template <class Dst, class... Planes>
-Outcome join(const Dst& dst, const Planes&... planes) noexcept {
+[[gnu::always_inline]] inline Outcome join(Dst dst, Planes... planes) noexcept {
+  using T = typename Dst::element;
   static_assert(Dst::channels() == sizeof...(Planes),
                 "nuqi: join makes as many channels as there are planes");
-  auto* const function = find<typename Dst::element, Dst::channels()>(kJoin);
+  static_assert(
+      (std::is_same_v<typename Planes::element, T> && ...) && ((Planes::channels() == 1) && ...),
+      "nuqi: join takes planes of one channel and of its output's elements");
+  auto* const function = find<T, Dst::channels()>(kJoin);
+  // The output comes last.
+  const auto call = [function](RoiSize roi, auto... parts) {
+    const auto out = std::get<sizeof...(parts) - 1>(std::tie(parts...));
+    const T* const from[] = {parts.data...};
+    const std::int32_t steps[] = {parts.step...};
+    return function(from, steps[0], out.data, out.step, roi);
+  };
+  if (same_step(planes...)) return write_apart(call, dst, planes...);
   if (const Outcome bad = check_sizes(dst, planes...); bad.failed()) return bad;
   if (const Outcome bad = check_apart(dst, planes...); bad.failed()) return bad;
-  return in_bands(
-      pixels_of_band(planes...),
-      [function](RoiSize roi, auto to, auto first, auto... others) {
-        const typename Dst::element* const from[] = {first.data, others.data...};
-        return function(from, first.step, to.data, to.step, roi);
-      },
-      dst, planes...);
+  return in_bands(dst.width(), call, planes..., dst);
 }
 
 template <class Dst, class Src>
-Outcome split_one(const Src& src, int channel, const Dst& dst) noexcept {
+Outcome split_one(Src src, int channel, Dst dst) noexcept {
   using T = typename Src::element;
+  expect_output<T, 1, Dst>();
   auto* const function = find<T, Src::channels()>(kSplit);
-  if (const Outcome bad = check_sizes(src, dst); bad.failed()) return bad;
   if (const Outcome bad = check_channel(channel, Src::channels()); bad.failed()) return bad;
-  if (const Outcome bad = check_apart(dst, src); bad.failed()) return bad;
-  return per_pixel(
+  return write_apart(
       [=](RoiSize roi, auto from, auto to) {
         T* planes[Src::channels()] = {};
         planes[channel] = to.data;
         return function(from.data, from.step, planes, to.step, roi);
       },
-      src, dst);
+      dst, src);
 }
 
 }  // namespace detail
