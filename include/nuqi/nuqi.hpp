@@ -12,6 +12,7 @@
 
 #include <nuqi/hpp/arith.hpp>
 #include <nuqi/hpp/bands.hpp>
+#include <nuqi/hpp/channels.hpp>
 #include <nuqi/hpp/checks.hpp>
 #include <nuqi/hpp/error.hpp>
 #include <nuqi/hpp/fill.hpp>

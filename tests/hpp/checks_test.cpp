@@ -94,7 +94,8 @@ TEST(Bands, HoldSizesAndStepsOf31Bits) {
     const View<float, 3> view(&pixel, width, height, static_cast<std::ptrdiff_t>(step));
     std::int64_t covered = 0;
     int count = 0;
-    (void)detail::per_pixel(
+    (void)detail::in_bands(
+        detail::kUnlimited,
         [&](RoiSize roi, detail::Part<float> part) {
           EXPECT_GE(part.step, std::int64_t{12} * roi.width);
           covered += std::int64_t{roi.width} * roi.height;

@@ -2,10 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
 #include <nuqi/nuqi.hpp>
 #include <type_traits>
 #include <vector>
+
+#include "support.h"
 
 namespace {
 
@@ -13,6 +14,7 @@ using nuqi::Error;
 using nuqi::Image;
 using nuqi::kAnyChannels;
 using nuqi::View;
+using nuqi::test::status_of;
 
 TEST(View, ReachesPixelsByStepsInBytes) {
   std::vector<float> memory(40);
@@ -34,15 +36,6 @@ TEST(View, OnlyBecomesConst) {
   static_assert(!std::is_convertible_v<View<const std::uint8_t>, nuqi::Mask>,
                 "masks are made explicitly");
   static_assert(!std::is_copy_constructible_v<Image<float>>, "clone() copies");
-}
-
-StatusCode status_of(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const Error& error) {
-    return error.status();
-  }
-  return StatusOk;
 }
 
 TEST(View, RefusesImpossibleShapes) {

@@ -2,6 +2,8 @@
 #ifndef NUQI_HPP_OVERLOADS_HPP
 #define NUQI_HPP_OVERLOADS_HPP
 
+#include <nuqi/hpp/image.hpp>
+
 #include <type_traits>
 
 namespace nuqi::detail {
@@ -49,6 +51,12 @@ constexpr auto find(const Table& table) noexcept {
   static_assert(kHolds<T, Channels, Table>,
                 "nuqi: this operation does not exist for this element type and number of channels");
   if constexpr (kHolds<T, Channels, Table>) return pick<T, Channels>(table);
+}
+
+/// The function for an image of any kind.
+template <class AnyImage, class Table>
+constexpr auto find_for(const Table& table) noexcept {
+  return find<ElementOf<const AnyImage>, kChannelsOf<const AnyImage>>(table);
 }
 
 }  // namespace nuqi::detail
