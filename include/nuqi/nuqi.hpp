@@ -14,6 +14,7 @@
 #include <nuqi/hpp/bands.hpp>
 #include <nuqi/hpp/channels.hpp>
 #include <nuqi/hpp/checks.hpp>
+#include <nuqi/hpp/edges.hpp>
 #include <nuqi/hpp/error.hpp>
 #include <nuqi/hpp/fill.hpp>
 #include <nuqi/hpp/image.hpp>

@@ -73,7 +73,7 @@ Filled fill(View<T, 1> image, PixelPoint seed, bool gradient, Scratch& scratch,
   if (seed.x < 0 || seed.y < 0 || seed.x >= image.width() || seed.y >= image.height())
     return {kSeedOutside};
   void* const buffer = scratch.get(static_cast<std::size_t>(fill_bytes(roi_of(image), gradient)));
-  if (buffer == nullptr) return {kNoMemory};
+  if (buffer == nullptr) return {kNoScratch};
   Filled filled;
   filled.outcome = call(image.data(), static_cast<std::int32_t>(image.step()), roi_of(image),
                         &filled.region, buffer);
@@ -86,7 +86,7 @@ Filled fill_equal(View<T, C> image, PixelPoint seed, FillNumber<T> value, Connec
   auto* const function =
       connectivity == Connectivity::four ? find<T, C>(kFillFourEqual) : find<T, C>(kFillEightEqual);
   return fill(image, seed, false, scratch,
-              [&](T* data, std::int32_t step, RoiSize roi, FillRegion* region, void* buffer) {
+              [=](T* data, std::int32_t step, RoiSize roi, FillRegion* region, void* buffer) {
                 return function(data, step, roi, seed, value, region, buffer);
               });
 }
@@ -97,7 +97,7 @@ Filled fill_gradient(View<T, C> image, PixelPoint seed, FillNumber<T> value, Fil
   auto* const function = connectivity == Connectivity::four ? find<T, C>(kFillFourGradient)
                                                             : find<T, C>(kFillEightGradient);
   return fill(image, seed, true, scratch,
-              [&](T* data, std::int32_t step, RoiSize roi, FillRegion* region, void* buffer) {
+              [=](T* data, std::int32_t step, RoiSize roi, FillRegion* region, void* buffer) {
                 return function(data, step, roi, seed, value, lower, upper, region, buffer);
               });
 }

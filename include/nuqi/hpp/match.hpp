@@ -119,13 +119,14 @@ Outcome match_template(View<const T, C> src, View<const U, K> tpl, View<D, L> ds
   if (how.function == nullptr) return kNoSuchMethod;
   const bool sums = method == MatchMethod::coeff || method == MatchMethod::coeff_normed;
   if (sums && sum_wraps(tpl)) return kTemplateSum;
+  if (!fits(src, tpl, dst)) return kTooLarge;
+  const RoiSize src_roi = roi_of(src), tpl_roi = roi_of(tpl);
   std::int32_t bytes = 0;
-  if (!fits(src, tpl, dst) || how.query(roi_of(src), roi_of(tpl), kDataType<T>, &bytes) != StatusOk)
-    return kTooLarge;
+  if (how.query(src_roi, tpl_roi, kDataType<T>, &bytes) != StatusOk) return kNoScratch;
   void* const buffer = scratch.get(static_cast<std::size_t>(bytes));
-  if (buffer == nullptr) return kNoMemory;
-  return how.function(src.data(), static_cast<std::int32_t>(src.step()), roi_of(src), tpl.data(),
-                      static_cast<std::int32_t>(tpl.step()), roi_of(tpl), dst.data(),
+  if (buffer == nullptr) return kNoScratch;
+  return how.function(src.data(), static_cast<std::int32_t>(src.step()), src_roi, tpl.data(),
+                      static_cast<std::int32_t>(tpl.step()), tpl_roi, dst.data(),
                       static_cast<std::int32_t>(dst.step()), buffer);
 }
 

@@ -125,9 +125,7 @@ class Morphology : public detail::StripFilter<Morphology, MorphState> {
   template <class Output, class Source>
   void apply(Extremum extremum, const Source& src, std::remove_reference_t<Output>& dst) {
     extremum_ = extremum;
-    const auto in = detail::as_input(src);
-    const auto out = detail::as_output<Output>(dst);
-    detail::require(run(in, out), name(), in, out);
+    detail::require(run(detail::as_input(src), detail::as_output<Output>(dst)), name(), src, dst);
   }
 
   const char* name() const noexcept { return extremum_ == Extremum::least ? "erode" : "dilate"; }

@@ -42,38 +42,41 @@ inline constexpr Outcome kNotHalf{StatusBadSize,
 inline constexpr Outcome kNotTwice{StatusBadSize,
                                    "the output must have twice the width and twice the height"};
 
-/// `query` gives the bytes that `function` works in.
+/// `query` gives the bytes that `function` works in. The images are known to fit.
 template <class T, int C, class Function, class Query>
-Outcome pyramid_level(View<const T, C> src, View<T, C> dst, Function* function, Query* query,
-                      Scratch& scratch) noexcept {
-  if (overlap(dst, src)) return kOverlap;
+[[gnu::always_inline]] inline Outcome pyramid_level(View<const T, C> src, View<T, C> dst,
+                                                    Function* function, Query* query,
+                                                    Scratch& scratch) noexcept {
+  if (!far_apart(dst, src) && overlap(dst, src)) return kOverlap;
   std::int32_t bytes = 0;
-  if (!fits(src, dst) ||
-      query(static_cast<std::int32_t>(src.width()), kDataType<T>, C, &bytes) != StatusOk) {
-    return kTooLarge;
-  }
+  const StatusCode status = query(static_cast<std::int32_t>(src.width()), kDataType<T>, C, &bytes);
+  if (status != StatusOk) return kNoScratch;
   void* const buffer = scratch.get(static_cast<std::size_t>(bytes));
-  if (buffer == nullptr) return kNoMemory;
-  return function(src.data(), static_cast<std::int32_t>(src.step()), dst.data(),
-                  static_cast<std::int32_t>(dst.step()), roi_of(src), buffer);
+  if (buffer == nullptr) return kNoScratch;
+  const Part<const T> from = whole(src);
+  const Part<T> to = whole(dst);
+  return function(from.data, from.step, to.data, to.step, roi_of(src), buffer);
 }
 
 template <class T, class D, int C>
-Outcome pyramid_down(View<const T, C> src, View<D, C> dst, Scratch& scratch) noexcept {
+[[gnu::always_inline]] inline Outcome pyramid_down(View<const T, C> src, View<D, C> dst,
+                                                   Scratch& scratch) noexcept {
   static_assert(std::is_same_v<T, D>, "nuqi: pyramid_down writes elements of its input's type");
   if (src.empty()) return kEmpty;
-  if (src.width() % 2 != 0 || src.height() % 2 != 0) return kOddSize;
-  if (dst.width() != src.width() / 2 || dst.height() != src.height() / 2) return kNotHalf;
+  if (((src.width() | src.height()) & 1) != 0) return kOddSize;
+  if (!fits(src, dst)) return kTooLarge;
+  if (2 * dst.width() != src.width() || 2 * dst.height() != src.height()) return kNotHalf;
   return pyramid_level<T, C>(src, dst, find<T, C>(kPyramidDown), nuqiPyrDownGetBufSize_Gauss5x5,
                              scratch);
 }
 
 template <class T, class D, int C>
-Outcome pyramid_up(View<const T, C> src, View<D, C> dst, Scratch& scratch) noexcept {
+[[gnu::always_inline]] inline Outcome pyramid_up(View<const T, C> src, View<D, C> dst,
+                                                 Scratch& scratch) noexcept {
   static_assert(std::is_same_v<T, D>, "nuqi: pyramid_up writes elements of its input's type");
   if (src.empty()) return kEmpty;
-  if (dst.width() % 2 != 0 || dst.height() % 2 != 0) return kNotTwice;
-  if (dst.width() / 2 != src.width() || dst.height() / 2 != src.height()) return kNotTwice;
+  if (!fits(src, dst)) return kTooLarge;
+  if (dst.width() != 2 * src.width() || dst.height() != 2 * src.height()) return kNotTwice;
   return pyramid_level<T, C>(src, dst, find<T, C>(kPyramidUp), nuqiPyrUpGetBufSize_Gauss5x5,
                              scratch);
 }

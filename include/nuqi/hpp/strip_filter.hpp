@@ -62,7 +62,7 @@ class StripFilter {
     const auto in = as_input(strip);
     const auto out = as_output<Output>(dst);
     const std::int64_t due = rows_.due(in.height());
-    require(guarded([&] { return feed_rows(in, out, due); }), filter().name(), in, out);
+    require(guarded([&] { return feed_rows(in, out, due); }), filter().name(), strip, dst);
     return due;
   }
   /// Ends the image: writes its last rows to the first of `dst` and returns how many.
@@ -70,7 +70,7 @@ class StripFilter {
   std::int64_t finish(Output&& dst) {
     const auto out = as_output<Output>(dst);
     const std::int64_t due = rows_.due_at_end();
-    require(guarded([&] { return finish_rows(out, due); }), filter().name(), out);
+    require(guarded([&] { return finish_rows(out, due); }), filter().name(), dst);
     return due;
   }
 
@@ -82,19 +82,13 @@ class StripFilter {
 
   /// A whole image.
   template <class T, class D, int C>
-  Outcome run(const View<const T, C>& src, const View<D, C>& dst) noexcept {
-    Outcome outcome = check_sizes(src, dst);
-    if (outcome.failed()) return outcome;
-    outcome = check_apart(dst, src);
-    if (outcome.failed()) return outcome;
+  [[gnu::always_inline]] Outcome run(View<const T, C> src, View<D, C> dst) noexcept {
     rows_.end();
-    if (!fits(src, dst)) return guarded([&] { return in_bands(src, dst); });
-    outcome = prepare<T, C>(src.width());
-    if (outcome.failed()) return outcome;
-    RoiSize roi = roi_of(src);
-    return filter().template function<T, D, C>()(src.data(), static_cast<std::int32_t>(src.step()),
-                                                 dst.data(), static_cast<std::int32_t>(dst.step()),
-                                                 &roi, state_.get(), 0);
+    if (ready(dst, src) && far_apart(dst, src) &&
+        state_.serves(src.width(), Filter::template kType<T, C>)) {
+      return call_whole(src, dst);
+    }
+    return run_slowly(src, dst);
   }
 
  private:
@@ -111,6 +105,26 @@ class StripFilter {
     } catch (...) {
       return kNoMemory;
     }
+  }
+
+  template <class T, class D, int C>
+  [[gnu::always_inline]] Outcome call_whole(View<const T, C> src, View<D, C> dst) noexcept {
+    const Part<const T> from = whole(src);
+    const Part<D> to = whole(dst);
+    RoiSize roi = roi_of(src);
+    return filter().template function<T, D, C>()(from.data, from.step, to.data, to.step, &roi,
+                                                 state_.get(), 0);
+  }
+  /// All else: what is wrong is found out, a state is fetched, bands are cut.
+  template <class T, class D, int C>
+  [[gnu::noinline, gnu::cold]] Outcome run_slowly(View<const T, C> src, View<D, C> dst) noexcept {
+    Outcome outcome = check_sizes(src, dst);
+    if (outcome.failed()) return outcome;
+    outcome = check_apart(dst, src);
+    if (outcome.failed()) return outcome;
+    if (!fits(src, dst)) return guarded([&] { return in_bands(src, dst); });
+    outcome = prepare<T, C>(src.width());
+    return outcome.failed() ? outcome : call_whole(src, dst);
   }
 
   /// A state for images of a width and type.
@@ -143,7 +157,7 @@ class StripFilter {
   }
 
   template <class T, class D, int C>
-  Outcome in_bands(const View<const T, C>& src, const View<D, C>& dst) {
+  Outcome in_bands(View<const T, C> src, View<D, C> dst) {
     begin();
     const std::int64_t due = rows_.due(src.height());
     Outcome outcome = feed_rows(src, dst, due);
@@ -154,7 +168,7 @@ class StripFilter {
   }
 
   template <class T, class D, int C>
-  Outcome feed_rows(const View<const T, C>& strip, const View<D, C>& dst, std::int64_t due) {
+  Outcome feed_rows(View<const T, C> strip, View<D, C> dst, std::int64_t due) {
     static_assert(
         Filter::template kTakes<T, D, C>,
         "nuqi: this operation does not exist for these element types and this number of channels");
@@ -174,7 +188,7 @@ class StripFilter {
   }
 
   template <class D, int C>
-  Outcome finish_rows(const View<D, C>& dst, std::int64_t due) {
+  Outcome finish_rows(View<D, C> dst, std::int64_t due) {
     if (!rows_.begun()) return kNotBegun;
     if (rows_.taken() == 0) return kNoStrip;
     if (due > 0 && (dst.width() != width_ || dst.height() < due)) return kNoRoom;
@@ -185,7 +199,7 @@ class StripFilter {
   }
   /// If the strips were of T.
   template <class T, class D, int C>
-  void finish_as(const View<D, C>& dst, Outcome& outcome) {
+  void finish_as(View<D, C> dst, Outcome& outcome) {
     if constexpr (Filter::template kTakes<T, D, C>) {
       if (tag_ != kTag<T, C>) return;
       outcome = rows_.template finish<T>(dst, caller<T, D, C>());

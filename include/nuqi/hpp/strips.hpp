@@ -36,9 +36,7 @@ class ConvolFilter : public StripFilter<Filter, ConvolState> {
   /// Error.
   template <class Source, class Output>
   void operator()(const Source& src, Output&& dst) {
-    const auto in = as_input(src);
-    const auto out = as_output<Output>(dst);
-    require(this->run(in, out), name(), in, out);
+    require(this->run(as_input(src), as_output<Output>(dst)), name(), src, dst);
   }
   template <class Source, class Output>
   [[nodiscard]] StatusCode operator()(const Source& src, Output&& dst,
