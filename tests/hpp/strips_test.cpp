@@ -96,6 +96,7 @@ Image<D, C> in_strips(Filter& filter, const Begin& begin, const Image<T, C>& src
                       std::uint32_t seed) {
   Image<D, C> dst(src.width(), src.height());
   std::int64_t given = 0;
+  seed *= 2654435761u;
   begin();
   for (std::int64_t y = 0; y < src.height();) {
     seed = seed * 1664525u + 1013904223u;
@@ -195,7 +196,12 @@ TEST(Strips, RefuseWhatDoesNotFit) {
   EXPECT_EQ(nuqi::laplace(Image<std::uint8_t>(), dst, 3, std::nothrow), StatusBadSize);
   Image<std::uint8_t> same_type(20, 10);
   EXPECT_EQ(nuqi::erode(src, same_type, Element::cross(3, 3), std::nothrow), StatusOk);
+  nuqi::Morphology square(Element::rectangle(3, 3));
+  square.erode(src, same_type);
+  EXPECT_EQ(square.erode(same_type, same_type, std::nothrow), StatusBadArg);
   EXPECT_EQ(nuqi::dilate(same_type, same_type, Element::cross(3, 3), std::nothrow), StatusBadArg);
+  square.begin(Extremum::least);
+  EXPECT_EQ(status_of([&] { square.feed(same_type, same_type); }), StatusBadArg);
 }
 
 // Rows further apart than 2^31 bytes: C takes them one by one only.
