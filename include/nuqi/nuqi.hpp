@@ -15,7 +15,11 @@
 #include <nuqi/hpp/channels.hpp>
 #include <nuqi/hpp/checks.hpp>
 #include <nuqi/hpp/error.hpp>
+#include <nuqi/hpp/histogram.hpp>
 #include <nuqi/hpp/image.hpp>
+#include <nuqi/hpp/means.hpp>
+#include <nuqi/hpp/min_max.hpp>
+#include <nuqi/hpp/norms.hpp>
 #include <nuqi/hpp/overloads.hpp>
 #include <nuqi/hpp/scratch.hpp>
 #include <nuqi/hpp/view.hpp>
