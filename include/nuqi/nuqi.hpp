@@ -14,11 +14,15 @@
 #include <nuqi/hpp/bands.hpp>
 #include <nuqi/hpp/channels.hpp>
 #include <nuqi/hpp/checks.hpp>
+#include <nuqi/hpp/corners.hpp>
+#include <nuqi/hpp/derivatives.hpp>
+#include <nuqi/hpp/distance.hpp>
 #include <nuqi/hpp/error.hpp>
 #include <nuqi/hpp/histogram.hpp>
 #include <nuqi/hpp/image.hpp>
 #include <nuqi/hpp/means.hpp>
 #include <nuqi/hpp/min_max.hpp>
+#include <nuqi/hpp/motion.hpp>
 #include <nuqi/hpp/norms.hpp>
 #include <nuqi/hpp/overloads.hpp>
 #include <nuqi/hpp/scratch.hpp>
