@@ -33,7 +33,8 @@ template <class AnyView>
   RoiSize roi = {static_cast<std::int32_t>(view.width()), static_cast<std::int32_t>(view.height())};
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
   // GCC 12 stores the halves and loads the whole, which waits for both: three nanoseconds a call.
-  const std::uint64_t both = static_cast<std::uint64_t>(view.height()) << 32 | static_cast<std::uint32_t>(view.width());
+  const std::uint64_t both =
+      static_cast<std::uint64_t>(view.height()) << 32 | static_cast<std::uint32_t>(view.width());
   std::memcpy(&roi, &both, sizeof roi);
 #endif
   return roi;

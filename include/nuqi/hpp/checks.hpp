@@ -73,7 +73,7 @@ inline constexpr Outcome kNoChannel{StatusBadCoi, "there is no such channel: the
 inline constexpr Outcome kNothingSelected{StatusBadSize, "the mask selects nothing"};
 
 template <class First, class... Others>
-constexpr bool same_size(First first, Others... others) noexcept {
+constexpr bool same_size([[maybe_unused]] First first, Others... others) noexcept {
   return ((first.width() == others.width() && first.height() == others.height()) && ...);
 }
 

@@ -4,8 +4,8 @@
 
 #include <nuqi/hpp/bands.hpp>
 #include <nuqi/hpp/checks.hpp>
+#include <nuqi/hpp/derivatives.hpp>
 #include <nuqi/hpp/edge_strengths.hpp>
-#include <nuqi/hpp/overloads.hpp>
 #include <nuqi/hpp/scratch.hpp>
 
 #include <cstddef>
@@ -17,15 +17,6 @@
 
 namespace nuqi {
 namespace detail {
-
-inline constexpr auto kEdgeSobelDx = overloads(fn<std::uint8_t, 1>(nuqiSobel3x3_Dx_8u16s_C1R),
-                                               fn<std::int8_t, 1>(nuqiSobel3x3_Dx_8s16s_C1R));
-inline constexpr auto kEdgeSobelDy = overloads(fn<std::uint8_t, 1>(nuqiSobel3x3_Dy_8u16s_C1R),
-                                               fn<std::int8_t, 1>(nuqiSobel3x3_Dy_8s16s_C1R));
-inline constexpr auto kEdgeScharrDx = overloads(fn<std::uint8_t, 1>(nuqiScharr_Dx_8u16s_C1R),
-                                                fn<std::int8_t, 1>(nuqiScharr_Dx_8s16s_C1R));
-inline constexpr auto kEdgeScharrDy = overloads(fn<std::uint8_t, 1>(nuqiScharr_Dy_8u16s_C1R),
-                                                fn<std::int8_t, 1>(nuqiScharr_Dy_8s16s_C1R));
 
 inline constexpr Outcome kBadThresholds{StatusUnsupported, "low is below 0 or high below low"};
 
@@ -129,18 +120,13 @@ DerivativesOfPicture derivatives_of(Plane<const T> src, EdgeOperator edge_operat
     taken = twice;
   }
   found.rest = memory;
-  const Part<const T> from = whole(taken);
-  const Part<std::int16_t> dx = whole(found.dx), dy = whole(found.dy);
-  const RoiSize roi = roi_of(taken);
-  if (edge_operator == EdgeOperator::sobel) {
-    found.outcome = find<T, 1>(kEdgeSobelDx)(from.data, from.step, dx.data, dx.step, roi);
-    if (found.outcome.failed()) return found;
-    found.outcome = find<T, 1>(kEdgeSobelDy)(from.data, from.step, dy.data, dy.step, 0, roi);
-  } else {
-    found.outcome = find<T, 1>(kEdgeScharrDx)(from.data, from.step, dx.data, dx.step, roi, 0);
-    if (found.outcome.failed()) return found;
-    found.outcome = find<T, 1>(kEdgeScharrDy)(from.data, from.step, dy.data, dy.step, 0, roi, 0);
-  }
+  const auto derive = [&](Derivative which, Plane<std::int16_t> to) {
+    return edge_operator == EdgeOperator::sobel
+               ? detail::sobel3x3(taken, which, to, RowOrder::top_down)
+               : detail::scharr(taken, which, to, 0, RowOrder::top_down);
+  };
+  found.outcome = derive(Derivative::dx, found.dx);
+  if (!found.outcome.failed()) found.outcome = derive(Derivative::dy, found.dy);
   return found;
 }
 
