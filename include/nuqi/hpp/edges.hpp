@@ -32,7 +32,7 @@ Plane<T> take_plane(unsigned char*& memory, std::int64_t width, std::int64_t hei
   return plane;
 }
 
-/// The bytes that nuqiCanny_16s8u_C1R works in, or 0 where the image is too large for it.
+/// The bytes that the C function works in, or 0 where the image is too large for it.
 inline std::size_t canny_bytes(RoiSize roi) noexcept {
   std::int32_t size = 0;
   return nuqiCannyGetSize(roi, &size) == StatusOk ? static_cast<std::size_t>(size) : 0;
@@ -171,7 +171,7 @@ StrengthsOfPicture strengths_of(Plane<const T> src, EdgeOperator edge_operator,
 
 }  // namespace detail
 
-/// Canny's edges of a pair of derivative images, as nuqiCanny_16s8u_C1R finds them: 255 on edges, 0 elsewhere.
+/// Canny's edges of a pair of derivative images, as the C function finds them: 255 on edges, 0 elsewhere.
 /// dx, dy: int16_t; dst: uint8_t, all of one size, dst apart from both. Thresholds 0 <= low <= high are
 /// truncated. Neighbours across an edge that are equally strong suppress each other: see canny(). Throws Error.
 template <class Dx, class Dy, class Output>
