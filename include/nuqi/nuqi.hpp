@@ -17,15 +17,21 @@
 #include <nuqi/hpp/corners.hpp>
 #include <nuqi/hpp/derivatives.hpp>
 #include <nuqi/hpp/distance.hpp>
+#include <nuqi/hpp/edges.hpp>
 #include <nuqi/hpp/error.hpp>
+#include <nuqi/hpp/fill.hpp>
 #include <nuqi/hpp/histogram.hpp>
 #include <nuqi/hpp/image.hpp>
+#include <nuqi/hpp/match.hpp>
 #include <nuqi/hpp/means.hpp>
 #include <nuqi/hpp/min_max.hpp>
+#include <nuqi/hpp/morphology.hpp>
 #include <nuqi/hpp/motion.hpp>
 #include <nuqi/hpp/norms.hpp>
 #include <nuqi/hpp/overloads.hpp>
+#include <nuqi/hpp/pyramid.hpp>
 #include <nuqi/hpp/scratch.hpp>
+#include <nuqi/hpp/strips.hpp>
 #include <nuqi/hpp/view.hpp>
 
 #endif

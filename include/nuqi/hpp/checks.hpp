@@ -67,6 +67,8 @@ inline constexpr Outcome kOverlap{StatusBadArg, "the output overlaps an input or
 inline constexpr Outcome kTooLarge{
     StatusBadSize, "this operation takes images within 2^31 pixels and bytes a row"};
 inline constexpr Outcome kNoMemory{StatusNoMemory, "there is not enough memory"};
+inline constexpr Outcome kNoScratch{StatusNoMemory,
+                                    "the working memory exceeds 2^31 - 1 bytes, or what there is"};
 inline constexpr Outcome kNoChannel{StatusBadCoi, "there is no such channel: they count from 0"};
 inline constexpr Outcome kNothingSelected{StatusBadSize, "the mask selects nothing"};
 

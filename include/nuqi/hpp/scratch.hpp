@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace nuqi {
 
@@ -13,6 +14,12 @@ namespace nuqi {
 class Scratch {
  public:
   Scratch() noexcept = default;
+  Scratch(Scratch&& other) noexcept { swap(other); }
+  Scratch& operator=(Scratch&& other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~Scratch() = default;
 
   /// At least so many bytes, of undefined content; null where there are none. What was got before is lost.
   [[nodiscard]] void* get(std::size_t bytes) noexcept {
@@ -27,6 +34,10 @@ class Scratch {
     block_.reset();  // first, so that both need not fit
     block_.reset(new (std::nothrow) unsigned char[bytes]);
     size_ = block_ != nullptr ? bytes : 0;
+  }
+  void swap(Scratch& other) noexcept {
+    std::swap(block_, other.block_);
+    std::swap(size_, other.size_);
   }
 
   std::unique_ptr<unsigned char[]> block_;
