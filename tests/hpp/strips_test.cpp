@@ -207,7 +207,7 @@ TEST(Strips, RefuseWhatDoesNotFit) {
 // Rows further apart than 2^31 bytes: C takes them one by one only.
 TEST(Strips, RowsMayLieFarApart) {
   if (sizeof(void*) < 8) GTEST_SKIP() << "not enough addresses";
-  constexpr std::ptrdiff_t kApart = (std::ptrdiff_t{1} << 31) + 4096;
+  constexpr auto kApart = static_cast<std::ptrdiff_t>((std::int64_t{1} << 31) + 4096);
   constexpr std::int64_t kRows = 9;
   const auto room = static_cast<std::size_t>(2 * kRows * kApart);
   void* const memory = mmap(nullptr, room, PROT_READ | PROT_WRITE,
