@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <nuqi/hpp/error.hpp>
 #include <string>
 
 #include "commands/commands.h"
@@ -81,6 +82,9 @@ int run(int argc, char** argv) {
   } catch (const tools::UserError& error) {
     return fail(error.what(), 2);
   } catch (const std::bad_alloc&) {
+    return fail("out of memory", 1);
+  } catch (const nuqi::Error& error) {
+    if (error.status() != StatusNoMemory) throw;
     return fail("out of memory", 1);
   }
 }

@@ -1,7 +1,7 @@
 // The commands blur, sobel and laplace on pictures small enough to filter by hand.
 #include <algorithm>
+#include <nuqi/nuqi.hpp>
 
-#include "commands/filter_state.h"
 #include "run_program.h"
 #include "tour/colours.h"
 
@@ -86,17 +86,10 @@ TEST_F(Filters, StripsGiveTheWholePicturesResult) {
       SCOPED_TRACE(size_text(size) + ", " + std::to_string(aperture));
       const std::string side = std::to_string(aperture);
       Plane<int16_t> values(size);
-      const auto whole = [&](const auto& filter, const FilterState& state,
-                             const Plane<uint8_t>& plane) {
-        RoiSize roi = size;
-        ASSERT_EQ(
-            filter(plane.data(), plane.step(), values.data(), values.step(), &roi, state.get(), 0),
-            StatusOk);
-      };
-      whole(nuqiSobel_8u16s_C1R, sobel_state(size.width, kOfBytes, aperture, 1, 1), grey);
+      nuqi::sobel(grey, values, 1, 1, aperture);
       expect_values({"sobel", "--size", side, "--xorder", "1", "--yorder", "1"}, size,
                     values.values);
-      whole(nuqiLaplace_8u16s_C1R, laplace_state(size.width, kOfBytes, aperture), grey);
+      nuqi::laplace(grey, values, aperture);
       expect_values({"laplace", "--size", side}, size, values.values);
 
       ASSERT_EQ(run({"blur", path("in.png"), path("out.png"), "--size", side}).code, 0);
@@ -107,7 +100,7 @@ TEST_F(Filters, StripsGiveTheWholePicturesResult) {
         for (size_t i = 0; i < channel.values.size(); ++i) {
           channel.values[i] = picture.pixels[3 * i + c];
         }
-        whole(nuqiBlur_8u16s_C1R, blur_state(size.width, kOfBytes, aperture), channel);
+        nuqi::box_sum(channel, values, aperture);
         for (size_t i = 0; i < values.values.size(); ++i) {
           ASSERT_EQ(int(blurred.pixels[3 * i + c]), (values.values[i] + area / 2) / area);
         }

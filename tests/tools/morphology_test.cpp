@@ -1,7 +1,7 @@
 // The commands erode, dilate, open, close and gradient against sets of pixels.
 #include <algorithm>
+#include <nuqi/nuqi.hpp>
 
-#include "commands/element.h"
 #include "pictures/row_writer.h"
 #include "run_program.h"
 #include "sample_pictures.h"
@@ -158,7 +158,8 @@ TEST_F(MorphologyCommands, OpeningAndClosingTwiceChangeNothingMore) {
 TEST_F(MorphologyCommands, EllipsesAreFilled) {
   const auto text_of = [](RoiSize size) {
     std::string text;
-    for (const int32_t inside : ellipse(size).mask) text += char('0' + inside);
+    const nuqi::Element element = nuqi::Element::ellipse(size.width, size.height);
+    for (const int32_t inside : element.mask()) text += char('0' + inside);
     return text;
   };
   EXPECT_EQ(text_of({1, 1}), "1");

@@ -2,11 +2,11 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <string>
 #include <vector>
 
 #include "commands/commands.h"
-#include "commands/filter_state.h"
 #include "core/isa.h"
 #include "pictures/strips.h"
 
@@ -28,7 +28,7 @@ class Blur {
  public:
   Blur(RoiSize picture, int channels, int size)
       : row_(size_t(picture.width)), channels_(size_t(channels)) {
-    for (int c = 0; c < channels; ++c) stages_.push_back(blur_stage(picture, size));
+    for (int c = 0; c < channels; ++c) stages_.emplace_back(nuqi::BoxSum(size), picture, 1);
     const int area = size * size;
     for (int sum = 0; sum <= 255 * area; ++sum) means_.push_back(uint8_t((sum + area / 2) / area));
   }
@@ -49,11 +49,13 @@ class Blur {
   // What the library took, without the ways between channels and planes.
   double seconds() const {
     double sum = 0;
-    for (const FilterStage& stage : stages_) sum += stage.seconds();
+    for (const Stage& stage : stages_) sum += stage.seconds();
     return sum;
   }
 
  private:
+  using Stage = FilterStage<uint8_t, int16_t, nuqi::BoxSum, 1>;
+
   Strip<uint8_t> channel_of(Strip<uint8_t> strip, size_t c) {
     if (channels_ == 1) return strip;
     plane_.resize(size_t(strip.rows) * row_);
@@ -62,7 +64,7 @@ class Blur {
   }
 
   size_t row_, channels_;
-  std::vector<FilterStage> stages_;
+  std::vector<Stage> stages_;
   Bytes means_, plane_, result_;  // a mean for every sum
 };
 

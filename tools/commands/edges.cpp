@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,6 @@
 #include "commands/commands.h"
 #include "core/isa.h"
 #include "failure.h"
-#include "pictures/edge_map.h"
 #include "pictures/picture.h"
 
 namespace tools {
@@ -20,8 +20,8 @@ constexpr char kFooter[] =
     "Writes a grey picture of IN's size: 255 on edges, 0 elsewhere. A pixel's strength is\n"
     "|dx| + |dy|: at most 2040 with sobel, 8160 with scharr. A pixel strongest along its\n"
     "gradient and stronger than --high starts an edge; neighbours stronger than --low continue\n"
-    "it. A threshold that is not given is half or twice the other; with neither, they are 100\n"
-    "and 200 with sobel, 400 and 800 with scharr, whose weights are four times as large.\n";
+    "it. A threshold that is not given is half or twice the other. With neither, --high is what\n"
+    "a tenth of the pixels exceed, and --low 0.4 of it.\n";
 
 struct Options {
   std::string in, out;
@@ -30,28 +30,37 @@ struct Options {
   bool has_low = false, has_high = false;
 };
 
-void complete_thresholds(Options& options) {
-  if (!options.has_low && !options.has_high) {
-    options.low = options.edge_operator == "sobel" ? 100 : 400;
-  }
-  if (!options.has_high) options.high = 2 * options.low;
-  if (!options.has_low && options.has_high) options.low = options.high / 2;
-  if (!(options.low >= 0)) throw UserError("--low: must be 0 or more");
-  if (!(options.high >= options.low)) throw UserError("--high: must not be below --low");
+nuqi::EdgeOperator operator_of(const Options& options) {
+  return options.edge_operator == "sobel" ? nuqi::EdgeOperator::sobel : nuqi::EdgeOperator::scharr;
 }
 
-void find_edges(Options options) {
-  complete_thresholds(options);
+nuqi::CannyThresholds thresholds_for(const Plane<uint8_t>& grey, const Options& options) {
+  if (!options.has_low && !options.has_high)
+    return nuqi::canny_thresholds(grey, operator_of(options));
+  return {options.has_low ? options.low : options.high / 2,
+          options.has_high ? options.high : 2 * options.low};
+}
+
+void check_thresholds(const Options& options) {
+  if (options.has_low && !(options.low >= 0)) throw UserError("--low: must be 0 or more");
+  if (options.has_high && !(options.high >= (options.has_low ? options.low : 0))) {
+    throw UserError("--high: must not be below --low");
+  }
+}
+
+void find_edges(const Options& options) {
+  check_thresholds(options);
   check_ending(options.out);
   const Plane<uint8_t> grey = grey_of(read_picture(options.in));
-  Plane<uint8_t> edges;
-  const double seconds =
-      seconds_of([&] { edges = edges_of(grey, options.edge_operator, options.low, options.high); });
+  const nuqi::CannyThresholds thresholds = thresholds_for(grey, options);
+  Plane<uint8_t> edges(grey.size);
+  const double seconds = seconds_of(
+      [&] { nuqi::canny(grey, edges, thresholds.low, thresholds.high, operator_of(options)); });
   write_picture(options.out, picture_of(edges));
   const auto count = std::count(edges.values.begin(), edges.values.end(), 255);
   std::printf("%s: %s, %.1f %% edges (%s, low %g, high %g), %.2f ms with %s\n", options.out.c_str(),
               size_text(grey.size).c_str(), 100.0 * double(count) / double(edges.values.size()),
-              options.edge_operator.c_str(), double(options.low), double(options.high),
+              options.edge_operator.c_str(), double(thresholds.low), double(thresholds.high),
               1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 

@@ -1,10 +1,10 @@
 // nuqi laplace: the sum of a picture's second derivatives.
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <string>
 
 #include "commands/commands.h"
-#include "commands/filter_state.h"
 #include "pictures/signed_output.h"
 
 namespace tools {
@@ -27,8 +27,8 @@ struct Options {
 
 void apply_laplace(const Options& options) {
   check(options.out);
-  write_signed(options.in, options.out, "aperture " + std::to_string(options.size),
-               [&](RoiSize picture) { return laplace_stage(picture, options.size); });
+  write_signed<nuqi::Laplace>(options.in, options.out, "aperture " + std::to_string(options.size),
+                              [&] { return nuqi::Laplace(options.size); });
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <string>
 #include <vector>
 
@@ -48,27 +49,32 @@ struct Options {
   int times = 1;
 };
 
+using nuqi::Element;
+using nuqi::Extremum;
+
 class Chain {
  public:
   void add(Extremum extremum, const Element& element, int times, RoiSize picture, int channels) {
     for (int i = 0; i < times; ++i) {
-      stages_.push_back(morph_stage(extremum, element, picture, channels));
+      stages_.emplace_back(nuqi::Morphology(element), picture, channels, extremum);
     }
   }
 
   Strip<uint8_t> operator()(Strip<uint8_t> strip) {
-    for (MorphStage& stage : stages_) strip = stage(strip);
+    for (Stage& stage : stages_) strip = stage(strip);
     return strip;
   }
 
   double seconds() const {
     double sum = 0;
-    for (const MorphStage& stage : stages_) sum += stage.seconds();
+    for (const Stage& stage : stages_) sum += stage.seconds();
     return sum;
   }
 
  private:
-  std::vector<MorphStage> stages_;
+  using Stage = FilterStage<uint8_t, uint8_t, nuqi::Morphology, 1, 3, 4>;
+
+  std::vector<Stage> stages_;
 };
 
 class Morphology {
@@ -83,11 +89,11 @@ class Morphology {
       case Operation::dilate: add(chain_, Extremum::greatest, element); break;
       case Operation::open:
         add(chain_, Extremum::least, element);
-        add(chain_, Extremum::greatest, turned(element));
+        add(chain_, Extremum::greatest, element.turned());
         break;
       case Operation::close:
         add(chain_, Extremum::greatest, element);
-        add(chain_, Extremum::least, turned(element));
+        add(chain_, Extremum::least, element.turned());
         break;
       case Operation::gradient:
         add(chain_, Extremum::greatest, element);
@@ -134,11 +140,11 @@ class Morphology {
 
 void run(Operation operation, const Options& options) {
   check_ending(options.out);
-  const Element element = element_of(options.element);
+  const NamedElement element = element_of(options.element);
   const auto in = open_rows(options.in, Form::stored);
   const RoiSize size = in->size();
   const auto out = create_picture(options.out, size, in->channels());
-  Morphology morphology(operation, element, options.times, size, in->channels());
+  Morphology morphology(operation, element.element, options.times, size, in->channels());
   RowProgress progress(size, 1);
   for_strips(*in, progress,
              [&](Strip<uint8_t> strip) { write_strip(*out, morphology(strip), in->row_bytes()); });

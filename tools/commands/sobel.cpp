@@ -1,10 +1,10 @@
 // nuqi sobel: derivatives of a picture by Sobel's method.
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <string>
 
 #include "commands/commands.h"
-#include "commands/filter_state.h"
 #include "failure.h"
 #include "pictures/signed_output.h"
 
@@ -36,13 +36,11 @@ void differentiate(const Options& options) {
   check_order("--xorder", options.x_order, options.size);
   check_order("--yorder", options.y_order, options.size);
   check(options.out);
-  write_signed(options.in, options.out,
-               "order " + std::to_string(options.x_order) + " in x and " +
-                   std::to_string(options.y_order) + " in y, aperture " +
-                   std::to_string(options.size),
-               [&](RoiSize picture) {
-                 return sobel_stage(picture, options.size, options.x_order, options.y_order);
-               });
+  write_signed<nuqi::Sobel>(
+      options.in, options.out,
+      "order " + std::to_string(options.x_order) + " in x and " + std::to_string(options.y_order) +
+          " in y, aperture " + std::to_string(options.size),
+      [&] { return nuqi::Sobel(options.x_order, options.y_order, options.size); });
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <nuqi/nuqi.hpp>
 
-#include "commands/filter_state.h"
 #include "failure.h"
 
 namespace tools {
@@ -51,13 +51,10 @@ void keep_steps(const Plane<float>& history, Plane<float>& dx, Plane<float>& dy)
 }
 
 void spread(Plane<float>& gradient) {
-  const FilterState state = blur_state(gradient.size.width, kOfFloats, kSpreadSize);
+  nuqi::BoxSum box_sum(kSpreadSize);
   for (int i = 0; i < kSpreads; ++i) {
     Plane<float> sums(gradient.size);
-    RoiSize rows = gradient.size;
-    require_ok(nuqiBlur_32f_C1R(gradient.data(), gradient.step(), sums.data(), sums.step(), &rows,
-                                state.get(), 0),
-               "nuqiBlur_32f_C1R");
+    box_sum(gradient, sums);
     gradient = std::move(sums);
   }
 }

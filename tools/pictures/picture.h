@@ -3,10 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <nuqi/hpp/image.hpp>
 #include <string>
 #include <vector>
-
-#include "nuqi/nuqi.h"
 
 namespace tools {
 
@@ -23,6 +22,24 @@ struct Plane {
   const T* data() const { return values.data(); }
   int32_t step() const { return size.width * int32_t(sizeof(T)); }
 };
+
+}  // namespace tools
+
+// Operations take planes as they are.
+template <class T>
+struct nuqi::ImageTraits<tools::Plane<T>> {
+  static constexpr int channels = 1;
+  static constexpr bool row_major = true;
+  template <class Plane>
+  static auto* data(Plane& plane) {
+    return plane.data();
+  }
+  static int64_t rows(const tools::Plane<T>& plane) { return plane.size.height; }
+  static int64_t columns(const tools::Plane<T>& plane) { return plane.size.width; }
+  static ptrdiff_t row_stride_bytes(const tools::Plane<T>& plane) { return plane.step(); }
+};
+
+namespace tools {
 
 // A picture to look at: 1 channel (grey) or 3 (red, green, blue), interleaved, tight rows.
 struct Picture {

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
+#include <nuqi/nuqi.hpp>
 
 #include "core/isa.h"
 #include "failure.h"
@@ -24,8 +25,9 @@ void add_signed_output(CLI::App& command, SignedOutput& output) {
 
 void check(const SignedOutput& output) { check_ending(output.path); }
 
+template <class Filter>
 void write_signed(const std::string& in, const SignedOutput& output, const std::string& how,
-                  const std::function<FilterStage(RoiSize picture)>& filter_for) {
+                  const std::function<Filter()>& make) {
   const bool chosen = output.range > 0;
   const RowOpener once = [&] { return open_rows(in, Form::grey); };
   const RowOpener open = chosen ? once : rereadable(in, Form::grey);
@@ -35,9 +37,9 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
   RowProgress progress(size, chosen ? 1 : 2);
   double seconds = 0;
   const auto filter_rows = [&](const auto& use) {
-    FilterStage filter = filter_for(size);
-    for_strips(*rows, progress, [&](Strip<uint8_t> strip) { use(filter(strip)); });
-    seconds = filter.seconds();
+    FilterStage<uint8_t, int16_t, Filter, 1> stage(make(), size, 1);
+    for_strips(*rows, progress, [&](Strip<uint8_t> strip) { use(stage(strip)); });
+    seconds = stage.seconds();
   };
 
   const size_t width = size_t(size.width);
@@ -64,5 +66,10 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
               size_text(size).c_str(), how.c_str(), counts.lowest(), counts.highest(), range,
               1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
+
+template void write_signed(const std::string&, const SignedOutput&, const std::string&,
+                           const std::function<nuqi::Sobel()>&);
+template void write_signed(const std::string&, const SignedOutput&, const std::string&,
+                           const std::function<nuqi::Laplace()>&);
 
 }  // namespace tools

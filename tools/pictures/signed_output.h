@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "commands/filter_state.h"
+#include "pictures/strips.h"
 
 namespace CLI {
 class App;
@@ -28,9 +28,10 @@ void add_signed_output(CLI::App& command, SignedOutput& output);
 // Throws UserError where it could not be written for a reason known before the work.
 void check(const SignedOutput& output);
 
-// Writes what the filter made for a picture's size gives of the grey levels of `in`. `how` says on stdout what
-// the values are.
+// Writes what a filter that `make` makes, nuqi::Sobel or nuqi::Laplace, gives of the grey levels of `in`. `how`
+// says on stdout what the values are.
+template <class Filter>
 void write_signed(const std::string& in, const SignedOutput& output, const std::string& how,
-                  const std::function<FilterStage(RoiSize picture)>& filter_for);
+                  const std::function<Filter()>& make);
 
 }  // namespace tools

@@ -4,11 +4,11 @@
 #pragma once
 
 #include <algorithm>
-#include <memory>
+#include <nuqi/hpp/view.hpp>
 #include <optional>
+#include <vector>
 
 #include "clock.h"
-#include "failure.h"
 #include "pictures/row_reader.h"
 #include "pictures/row_writer.h"
 #include "progress.h"
@@ -62,62 +62,48 @@ inline void write_strip(RowWriter& writer, Strip<uint8_t> strip, size_t row_byte
   for (int32_t y = 0; y < strip.rows; ++y) writer.write(strip.values + size_t(y) * row_bytes);
 }
 
-// How many rows beside its own a row of results is made of.
-struct Reach {
-  int32_t above, below;
-};
-
-// A stage that is a call of the library with a state, call(src, src_step, dst, dst_step, &roi, state,
-// phase). The rows that wait for others below them come with the picture's last strip.
-template <class In, class Out, class State>
-class LibraryStage {
+// A stage that is a filter of nuqi.hpp, for pictures of some numbers of channels. The rows that wait for others below them come with the picture's last strip.
+template <class In, class Out, class Filter, int... kChannels>
+class FilterStage {
  public:
-  using Function = StatusCode (*)(const In*, int32_t, Out*, int32_t, RoiSize*,
-                                  typename State::element_type*, int32_t);
-  struct Call {
-    const char* name;
-    Function function;
-  };
-
-  LibraryStage(Call call, State state, RoiSize picture, int channels, Reach reach)
-      : call_(call),
-        state_(std::move(state)),
-        picture_(picture),
-        row_(size_t(picture.width) * size_t(channels)),
-        reach_(reach) {}
+  // `how` is what the filter's begin() takes.
+  template <class... How>
+  FilterStage(Filter filter, RoiSize picture, int channels, How... how)
+      : filter_(std::move(filter)), picture_(picture), channels_(channels) {
+    filter_.begin(how...);
+  }
 
   // Valid until the next call.
   Strip<Out> operator()(Strip<In> strip) {
     if (strip.rows == 0) return {nullptr, 0};
-    const size_t most = row_ * size_t(strip.rows + reach_.below);
-    if (rows_.size() < most) rows_.resize(most);
-    RoiSize roi{picture_.width, strip.rows};
-    const int32_t phase = phase_of(strip.rows);
+    taken_ += strip.rows;
+    int64_t rows = 0;
     seconds_ += seconds_of([&] {
-      require_ok(call_.function(strip.values, int32_t(row_ * sizeof(In)), rows_.data(),
-                                int32_t(row_ * sizeof(Out)), &roi, state_.get(), phase),
-                 call_.name);
+      ((channels_ == kChannels ? void(rows = results_of<kChannels>(strip)) : void()), ...);
     });
-    return {rows_.data(), roi.height};
+    return {rows_.data(), int32_t(rows)};
   }
 
   double seconds() const { return seconds_; }
 
  private:
-  // 0 all rows, 1 the first of them, 2 the last, 4 those between. Rows that need no others are a
-  // picture of their own.
-  int32_t phase_of(int32_t rows) {
-    const bool first = taken_ == 0, alone = reach_.above + reach_.below == 0;
-    taken_ += rows;
-    const bool last = taken_ == picture_.height;
-    return alone || (first && last) ? 0 : first ? 1 : last ? 2 : 4;
+  template <int C>
+  int64_t results_of(Strip<In> strip) {
+    const nuqi::View<const In, C> src(strip.values, picture_.width, strip.rows);
+    int64_t rows = filter_.feed(src, room_for<C>(0, filter_.rows_due(strip.rows)));
+    if (taken_ == picture_.height) rows += filter_.finish(room_for<C>(rows, filter_.rows_left()));
+    return rows;
+  }
+  template <int C>
+  nuqi::View<Out, C> room_for(int64_t row, int64_t rows) {
+    const size_t length = size_t(picture_.width) * C, end = length * size_t(row + rows);
+    if (rows_.size() < end) rows_.resize(end);
+    return {rows_.data() + length * size_t(row), picture_.width, rows};
   }
 
-  Call call_;
-  State state_;
+  Filter filter_;
   RoiSize picture_;
-  size_t row_;  // values
-  Reach reach_;
+  int channels_;
   int32_t taken_ = 0;
   double seconds_ = 0;
   std::vector<Out> rows_;

@@ -1,5 +1,6 @@
 // The tour's section on the filters with states: blur, Sobel and Laplace of several apertures.
-#include "commands/filter_state.h"
+#include <memory>
+
 #include "tour/colours.h"
 #include "tour/families.h"
 
@@ -10,6 +11,21 @@ constexpr char kText[] =
     "Filters of 3, 5 or 7 pixels a side. What they need from call to call lies in a state, which "
     "is made once for a width and then serves any number of pictures, whole or in stripes. "
     "The larger the aperture, the smoother and the less noisy the result.";
+
+struct EndState {
+  void operator()(ConvolState* state) const { nuqiConvolFree(state); }
+};
+using FilterState = std::unique_ptr<ConvolState, EndState>;
+
+constexpr int32_t kOfBytes = 1;  // what a state's filter reads
+
+// Of make(&state), a call that makes one.
+template <class Make>
+FilterState state_of(const Make& make) {
+  ConvolState* state = nullptr;
+  require_ok(make(&state), "a state's call");
+  return FilterState(state);
+}
 
 // What all figures of the section are made of.
 struct Bench {
@@ -23,7 +39,8 @@ void add_blur(Bench& bench, int size) {
   const uint8_t* src = bench.grey.data();
   int16_t* dst = bench.result.data();
   const int32_t src_step = bench.grey.step(), dst_step = bench.result.step();
-  const FilterState owner = blur_state(roi.width, kOfBytes, size);
+  const FilterState owner = state_of(
+      [&](ConvolState** made) { return nuqiBlurInitAlloc(roi.width, kOfBytes, size, made); });
   ConvolState* state = owner.get();
   Call call = NUQI_TIMED(nuqiBlur_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0));
   Plane<float> mean(bench.grey.size);
@@ -51,7 +68,9 @@ void add_sobel(Bench& bench, int size, int x_order, int y_order, const char* tit
   const uint8_t* src = bench.grey.data();
   int16_t* dst = bench.result.data();
   const int32_t src_step = bench.grey.step(), dst_step = bench.result.step();
-  const FilterState owner = sobel_state(roi.width, kOfBytes, size, x_order, y_order);
+  const FilterState owner = state_of([&](ConvolState** made) {
+    return nuqiSobelInitAlloc(roi.width, kOfBytes, size, 0, x_order, y_order, made);
+  });
   ConvolState* state = owner.get();
   Call call = NUQI_TIMED(nuqiSobel_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0));
   add_signed(bench, title, note, std::move(call));
@@ -62,7 +81,8 @@ void add_laplace(Bench& bench, int size, const char* note) {
   const uint8_t* src = bench.grey.data();
   int16_t* dst = bench.result.data();
   const int32_t src_step = bench.grey.step(), dst_step = bench.result.step();
-  const FilterState owner = laplace_state(roi.width, kOfBytes, size);
+  const FilterState owner = state_of(
+      [&](ConvolState** made) { return nuqiLaplaceInitAlloc(roi.width, kOfBytes, size, made); });
   ConvolState* state = owner.get();
   Call call = NUQI_TIMED(nuqiLaplace_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0));
   add_signed(bench, "Laplace, aperture " + std::to_string(size), note, std::move(call));

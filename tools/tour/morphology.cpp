@@ -1,8 +1,7 @@
 // The tour's section on erosion and dilation.
 #include <algorithm>
+#include <nuqi/nuqi.hpp>
 
-#include "commands/element.h"
-#include "pictures/edge_map.h"
 #include "tour/families.h"
 
 namespace tools {
@@ -15,32 +14,57 @@ constexpr char kText[] =
     "any "
     "size; any other element is a mask. Pictures come whole or in strips.";
 
-Element element(int32_t shape, int32_t width, int32_t height) {
-  return {shape, {width, height}, {width / 2, height / 2}};
-}
+using nuqi::Element;
+using nuqi::Extremum;
 
 struct Step {
   Plane<uint8_t> result;
   Call call;
 };
 
-Step apply(Extremum extremum, const Element& element, const Plane<uint8_t>& grey) {
+struct NamedFunction {
+  const char* name;
+  decltype(nuqiErodeStrip_8u_C1R)* function;
+};
+
+#define NUQI_NAMED(function) \
+  { #function, function }
+constexpr int32_t kLibrarysEllipse = 2;  // no Element has this shape
+
+NamedFunction function_of(int32_t shape, Extremum extremum) {
+  static constexpr NamedFunction kFunctions[3][2] = {
+      {NUQI_NAMED(nuqiErodeStrip_Rect_8u_C1R), NUQI_NAMED(nuqiDilateStrip_Rect_8u_C1R)},
+      {NUQI_NAMED(nuqiErodeStrip_Cross_8u_C1R), NUQI_NAMED(nuqiDilateStrip_Cross_8u_C1R)},
+      {NUQI_NAMED(nuqiErodeStrip_8u_C1R), NUQI_NAMED(nuqiDilateStrip_8u_C1R)}};
+  return kFunctions[std::min(shape, kLibrarysEllipse)][extremum == Extremum::least ? 0 : 1];
+}
+#undef NUQI_NAMED
+
+// One call, with the element's box and mask in the library's shape.
+Step apply_shape(Extremum extremum, const Element& element, int32_t shape,
+                 const Plane<uint8_t>& grey) {
+  constexpr int32_t kBytes = 1, kChannels = 1;
   Step step{Plane<uint8_t>(grey.size), {}};
-  const MorphOwner state = morph_state(element, grey.size.width, 1);
-  const MorphStage::Call call = morph_call(extremum, element, 1);
+  MorphState* state = nullptr;
+  require_ok(nuqiMorphologyInitAlloc(grey.size.width, kBytes, kChannels, element.size(),
+                                     element.anchor(), shape, element.mask().data(), &state),
+             "nuqiMorphologyInitAlloc");
+  const NamedFunction call = function_of(shape, extremum);
   const std::string text =
       std::string(call.name) + "(src, src_step, dst, dst_step, &roi, state, 0)";
   step.call = timed_call(text.c_str(), [&] {
     RoiSize roi = grey.size;
     return call.function(grey.data(), grey.step(), step.result.data(), step.result.step(), &roi,
-                         state.get(), 0);
+                         state, 0);
   });
+  nuqiMorphologyFree(state);
   return step;
 }
+Step apply(Extremum extremum, const Element& element, const Plane<uint8_t>& grey) {
+  return apply_shape(extremum, element, element.shape(), grey);
+}
 
-Figure one_step(const std::string& title, const std::string& note, Extremum extremum,
-                const Element& element, const Plane<uint8_t>& grey) {
-  Step step = apply(extremum, element, grey);
+Figure one_step(const std::string& title, const std::string& note, Step step) {
   Figure figure(title, "The picture after: " + title, picture_of(step.result));
   figure.note(note).with(std::move(step.call));
   return figure;
@@ -50,14 +74,14 @@ Figure one_step(const std::string& title, const std::string& note, Extremum extr
 Figure two_steps(const std::string& title, const std::string& note, Extremum first,
                  const Element& element, const Plane<uint8_t>& edges) {
   const Extremum second = first == Extremum::least ? Extremum::greatest : Extremum::least;
-  Step one = apply(first, element, edges), two = apply(second, turned(element), one.result);
+  Step one = apply(first, element, edges), two = apply(second, element.turned(), one.result);
   Figure figure(title, "The edges after: " + title, picture_of(two.result), Shrink::brightest);
   figure.note(note).with(std::move(one.call)).with(std::move(two.call));
   return figure;
 }
 
 Figure gradient(const Plane<uint8_t>& grey) {
-  const Element cross = element(Element::kCross, 3, 3);
+  const Element cross = Element::cross(3, 3);
   Step greatest = apply(Extremum::greatest, cross, grey),
        least = apply(Extremum::least, cross, grey);
   Plane<uint8_t> difference = greatest.result;
@@ -72,14 +96,17 @@ Figure gradient(const Plane<uint8_t>& grey) {
   return figure;
 }
 
-// The element itself, dark: a lone dark pixel erodes to the element turned.
-Plane<uint8_t> covered_by(const Element& element) {
-  Plane<uint8_t> sheet(element.size);
+// The pixels of an ellipse, dark, filled or as the library has it: a lone dark pixel erodes to the element
+// turned.
+Plane<uint8_t> ellipse(int32_t side, bool filled) {
+  const Element element = filled ? Element::ellipse(side, side) : Element::rectangle(side, side);
+  Plane<uint8_t> sheet(element.size());
   sheet.values.assign(sheet.values.size(), 255);
-  const Element other = turned(element);
-  const size_t width = size_t(element.size.width);
-  sheet.values[size_t(other.anchor.y) * width + size_t(other.anchor.x)] = 0;
-  Plane<uint8_t> covered = apply(Extremum::least, element, sheet).result;
+  const PixelPoint at = element.turned().anchor();
+  sheet.values[size_t(at.y) * size_t(side) + size_t(at.x)] = 0;
+  Plane<uint8_t> covered =
+      apply_shape(Extremum::least, element, filled ? element.shape() : kLibrarysEllipse, sheet)
+          .result;
   std::reverse(covered.values.begin(), covered.values.end());
   return covered;
 }
@@ -106,11 +133,9 @@ Picture side_by_side(const Plane<uint8_t>& left, const Plane<uint8_t>& right) {
 }
 
 Figure two_ellipses(int32_t side) {
-  const Element filled = ellipse({side, side});
-  Figure figure(
-      "Two ellipses, " + std::to_string(side) + " × " + std::to_string(side),
-      "The pixels of two elements, inside dark: a filled one, and one with an empty row",
-      side_by_side(covered_by(filled), covered_by(element(Element::kLibrarysEllipse, side, side))));
+  Figure figure("Two ellipses, " + std::to_string(side) + " × " + std::to_string(side),
+                "The pixels of two elements, inside dark: a filled one, and one with an empty row",
+                side_by_side(ellipse(side, true), ellipse(side, false)));
   figure.note(
       "Left one drawn by this program and passed as a mask (<code>shape</code> 100), right the "
       "library's own (<code>shape</code> 2), whose middle row is empty at odd heights. Dark pixels "
@@ -122,31 +147,32 @@ Figure two_ellipses(int32_t side) {
 
 Section morphology_section(const Scene& scene) {
   const Plane<uint8_t>& grey = scene.grey;
-  const Plane<uint8_t> edges = edges_of(grey, "sobel", 100, 200);
+  Plane<uint8_t> edges(grey.size);
+  nuqi::canny(grey, edges, 100, 200);
   Section section{"morphology", "Erosion and dilation", kText, {}, {}};
   section.before.emplace_back("The picture in grey", "The picture in grey levels",
                               picture_of(grey));
   section.before.emplace_back("Its edges", "The picture's edges, white on black", picture_of(edges),
                               Shrink::brightest);
   const auto add = [&](Figure figure) { section.after.push_back(std::move(figure)); };
-  add(one_step("Erosion, rectangle 9 × 9", "Dark spreads, in squares.", Extremum::least,
-               element(Element::kRectangle, 9, 9), grey));
-  add(one_step("Dilation, rectangle 9 × 9", "Bright spreads.", Extremum::greatest,
-               element(Element::kRectangle, 9, 9), grey));
+  add(one_step("Erosion, rectangle 9 × 9", "Dark spreads, in squares.",
+               apply(Extremum::least, Element::rectangle(9, 9), grey)));
+  add(one_step("Dilation, rectangle 9 × 9", "Bright spreads.",
+               apply(Extremum::greatest, Element::rectangle(9, 9), grey)));
   add(one_step("Erosion, cross 9 × 9", "Along the row and the column of each pixel.",
-               Extremum::least, element(Element::kCross, 9, 9), grey));
-  add(one_step("Dilation, cross 9 × 9", "Bright points become crosses.", Extremum::greatest,
-               element(Element::kCross, 9, 9), grey));
+               apply(Extremum::least, Element::cross(9, 9), grey)));
+  add(one_step("Dilation, cross 9 × 9", "Bright points become crosses.",
+               apply(Extremum::greatest, Element::cross(9, 9), grey)));
   add(one_step("Dilation, filled ellipse 9 × 9", "Drawn by this program and passed as a mask.",
-               Extremum::greatest, ellipse({9, 9}), grey));
+               apply(Extremum::greatest, Element::ellipse(9, 9), grey)));
   add(one_step("Dilation, the library's ellipse 9 × 9", "Without the row of the pixel itself.",
-               Extremum::greatest, element(Element::kLibrarysEllipse, 9, 9), grey));
+               apply_shape(Extremum::greatest, Element::rectangle(9, 9), kLibrarysEllipse, grey)));
   add(two_ellipses(9));
   add(gradient(grey));
   add(two_steps("Closing of the edges, ellipse 7 × 7", "Gaps up to the element's size are filled.",
-                Extremum::greatest, ellipse({7, 7}), edges));
+                Extremum::greatest, Element::ellipse(7, 7), edges));
   add(two_steps("Opening of the edges, rectangle 5 × 1", "Only edges level for five pixels stay.",
-                Extremum::least, element(Element::kRectangle, 5, 1), edges));
+                Extremum::least, Element::rectangle(5, 1), edges));
   return section;
 }
 
