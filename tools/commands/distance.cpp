@@ -4,12 +4,12 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <string>
 
 #include "clock.h"
 #include "commands/commands.h"
 #include "core/isa.h"
-#include "failure.h"
 #include "pictures/distance_picture.h"
 #include "pictures/pfm.h"
 #include "pictures/picture.h"
@@ -30,8 +30,10 @@ constexpr char kFooter[] =
     "is\n"
     "none to reach. A PFM file holds the distances as 32-bit floats.\n";
 
-const std::map<std::string, int32_t> kMetrics = {
-    {"chessboard", 30}, {"city", 31}, {"euclid3", 32}, {"euclid5", 52}};
+const std::map<std::string, nuqi::Distance> kMetrics = {{"chessboard", nuqi::Distance::chessboard},
+                                                        {"city", nuqi::Distance::city_block},
+                                                        {"euclid3", nuqi::Distance::euclidean_3x3},
+                                                        {"euclid5", nuqi::Distance::euclidean_5x5}};
 
 struct Options {
   std::string in, out, floats;
@@ -48,30 +50,12 @@ Plane<uint8_t> features_of(Plane<uint8_t> grey, const Options& options) {
   return grey;
 }
 
-Plane<float> distances_to(const Plane<uint8_t>& features, int32_t metric) {
-  Plane<float> distances(features.size);
-  float weights[3] = {};
-  require_ok(nuqiGetDistanceTransformMask(metric, weights), "nuqiGetDistanceTransformMask");
-  if (metric == kMetrics.at("euclid5")) {
-    require_ok(
-        nuqiDistanceTransform_5x5_8u32f_C1R(features.data(), features.step(), distances.data(),
-                                            distances.step(), features.size, weights),
-        "nuqiDistanceTransform_5x5_8u32f_C1R");
-  } else {
-    require_ok(
-        nuqiDistanceTransform_3x3_8u32f_C1R(features.data(), features.step(), distances.data(),
-                                            distances.step(), features.size, weights),
-        "nuqiDistanceTransform_3x3_8u32f_C1R");
-  }
-  return distances;
-}
-
 void show_distances(const Options& options) {
   check_ending(options.out);
   const Plane<uint8_t> features = features_of(grey_of(read_picture(options.in)), options);
-  Plane<float> distances;
-  const double seconds =
-      seconds_of([&] { distances = distances_to(features, kMetrics.at(options.metric)); });
+  Plane<float> distances(features.size);
+  const double seconds = seconds_of(
+      [&] { nuqi::distance_transform(features, distances, kMetrics.at(options.metric)); });
   const double range = distance_range(distances), step = step_to(range);
   Picture picture = distance_picture(distances, range);
   if (options.contours) draw_contours(picture, distances, step);

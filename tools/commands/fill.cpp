@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <string>
 #include <vector>
 
@@ -26,19 +27,13 @@ struct Options {
   bool gradient = false;
 };
 
-StatusCode call_fill(const Options& options, Plane<uint8_t>& grey, PixelPoint seed, int32_t value,
-                     FillRegion& region, std::vector<uint8_t>& buffer) {
-  uint8_t* const image = grey.data();
-  const int32_t step = grey.step();
-  if (!options.gradient) {
-    const auto fill =
-        options.connect == 4 ? nuqiFloodFill_4Con_8u_C1IR : nuqiFloodFill_8Con_8u_C1IR;
-    return fill(image, step, grey.size, seed, value, &region, buffer.data());
-  }
-  const auto fill =
-      options.connect == 4 ? nuqiFloodFill_Grad4Con_8u_C1IR : nuqiFloodFill_Grad8Con_8u_C1IR;
-  return fill(image, step, grey.size, seed, value, options.lower, options.upper, &region,
-              buffer.data());
+FillRegion call_fill(const Options& options, Plane<uint8_t>& grey, PixelPoint seed, int32_t value,
+                     nuqi::Scratch& scratch) {
+  const auto connectivity =
+      options.connect == 4 ? nuqi::Connectivity::four : nuqi::Connectivity::eight;
+  return options.gradient ? nuqi::flood_fill(grey, seed, value, options.lower, options.upper,
+                                             connectivity, scratch)
+                          : nuqi::flood_fill(grey, seed, value, connectivity, scratch);
 }
 
 // 255 in the region, 0 elsewhere: what two fills with different values leave different.
@@ -61,17 +56,12 @@ void fill_region(const Options& options) {
 
   // A pixel of the region may have any value already: the region is what differs after two fills with
   // values that differ, both from the seed's, too.
-  int32_t size = 0;
-  require_ok(nuqiFloodFillGetSize_Grad(grey.size, &size), "nuqiFloodFillGetSize_Grad");
-  std::vector<uint8_t> buffer(size_t{uint32_t(size)});
+  nuqi::Scratch scratch;
   const int old_value = grey.values[size_t(seed.y) * size_t(grey.size.width) + size_t(seed.x)];
   Plane<uint8_t> low = grey, high = grey;
-  FillRegion region{};
-  require_ok(call_fill(options, low, seed, (old_value + 1) % 256, region, buffer), "nuqiFloodFill");
-  const double seconds = seconds_of([&] {
-    require_ok(call_fill(options, high, seed, (old_value + 2) % 256, region, buffer),
-               "nuqiFloodFill");
-  });
+  FillRegion region = call_fill(options, low, seed, (old_value + 1) % 256, scratch);
+  const double seconds =
+      seconds_of([&] { region = call_fill(options, high, seed, (old_value + 2) % 256, scratch); });
   const Plane<uint8_t> mask = mask_between(low, high);
   if (!options.region.empty()) write_picture(options.region, picture_of(mask));
 

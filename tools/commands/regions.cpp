@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstdio>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +14,6 @@
 #include "clock.h"
 #include "commands/commands.h"
 #include "core/isa.h"
-#include "failure.h"
 #include "pictures/file.h"
 #include "pictures/picture.h"
 #include "progress.h"
@@ -83,10 +83,8 @@ void find_regions(const Options& options) {
 
 Regions::Regions(const Plane<uint8_t>& grey, int connect) : paint_(grey.size) {
   std::copy(grey.values.begin(), grey.values.end(), paint_.values.begin());
-  int32_t size = 0;
-  require_ok(nuqiFloodFillGetSize(grey.size, &size), "nuqiFloodFillGetSize");
-  std::vector<uint8_t> buffer(size_t{uint32_t(size)});
-  const auto fill = connect == 4 ? nuqiFloodFill_4Con_32f_C1IR : nuqiFloodFill_8Con_32f_C1IR;
+  nuqi::Scratch scratch;
+  const auto connectivity = connect == 4 ? nuqi::Connectivity::four : nuqi::Connectivity::eight;
 
   const RoiSize roi = grey.size;
   std::optional<Progress> progress;
@@ -95,11 +93,9 @@ Regions::Regions(const Plane<uint8_t>& grey, int connect) : paint_(grey.size) {
     for (int32_t x = 0; x < roi.width; ++x) {
       const float level = paint_.values[size_t(y) * size_t(roi.width) + size_t(x)];
       if (level < 0) continue;
-      Region region{{}, {x, y}, uint8_t(level)};
-      require_ok(fill(paint_.data(), paint_.step(), roi, {x, y}, paint_of(all_.size()),
-                      &region.found, buffer.data()),
-                 "nuqiFloodFill_32f_C1IR");
-      all_.push_back(region);
+      const FillRegion found =
+          nuqi::flood_fill(paint_, {x, y}, paint_of(all_.size()), connectivity, scratch);
+      all_.push_back({found, {x, y}, uint8_t(level)});
     }
     if (progress) progress->advance();
   }

@@ -4,8 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-
-#include "failure.h"
+#include <nuqi/nuqi.hpp>
 
 namespace tools {
 namespace {
@@ -79,13 +78,7 @@ Plane<float> floats_of(const Plane<uint8_t>& grey) {
 
 Plane<float> corner_strength(const Plane<float>& grey, int aperture, int block) {
   Plane<float> strength(grey.size);
-  int32_t bytes = 0;
-  require_ok(nuqiMinEigenValGetSize(grey.size.width, aperture, block, &bytes),
-             "nuqiMinEigenValGetSize");
-  std::vector<uint8_t> buffer(static_cast<size_t>(bytes));
-  require_ok(nuqiMinEigenVal_32f_C1R(grey.data(), grey.step(), strength.data(), strength.step(),
-                                     grey.size, aperture, block, buffer.data()),
-             "nuqiMinEigenVal_32f_C1R");
+  nuqi::min_eigen(grey, strength, {aperture, block});
   return strength;
 }
 

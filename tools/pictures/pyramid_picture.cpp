@@ -3,8 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-
-#include "failure.h"
+#include <nuqi/nuqi.hpp>
 
 namespace tools {
 namespace {
@@ -13,12 +12,11 @@ constexpr int kChannels = 3;
 
 int32_t step_of(const Picture& picture) { return picture.size.width * kChannels; }
 
-// The library works in a buffer that the caller brings.
-std::vector<uint8_t> buffer_for(StatusCode (*query)(int32_t, int32_t, int32_t, int32_t*),
-                                int32_t width) {
-  int32_t size = 0;
-  require_ok(query(width, 1, kChannels, &size), "a query of a pyramid's buffer");
-  return std::vector<uint8_t>(size_t(size));
+nuqi::View<const uint8_t, kChannels> view_of(const Picture& picture) {
+  return {picture.pixels.data(), picture.size.width, picture.size.height};
+}
+nuqi::View<uint8_t, kChannels> view_of(Picture& picture) {
+  return {picture.pixels.data(), picture.size.width, picture.size.height};
 }
 
 // `from` at (x, y) of `to`, or what of it has room there.
@@ -52,19 +50,13 @@ Picture made_even(const Picture& picture) {
 Picture level_down(const Picture& picture) {
   const Picture src = made_even(picture);
   Picture dst({src.size.width / 2, src.size.height / 2}, kChannels);
-  std::vector<uint8_t> buffer = buffer_for(nuqiPyrDownGetBufSize_Gauss5x5, src.size.width);
-  require_ok(nuqiPyrDown_Gauss5x5_8u_C3R(src.pixels.data(), step_of(src), dst.pixels.data(),
-                                         step_of(dst), src.size, buffer.data()),
-             "nuqiPyrDown_Gauss5x5_8u_C3R");
+  nuqi::pyramid_down(view_of(src), view_of(dst));
   return dst;
 }
 
 Picture level_up(const Picture& picture, RoiSize size) {
   Picture dst({2 * picture.size.width, 2 * picture.size.height}, kChannels);
-  std::vector<uint8_t> buffer = buffer_for(nuqiPyrUpGetBufSize_Gauss5x5, picture.size.width);
-  require_ok(nuqiPyrUp_Gauss5x5_8u_C3R(picture.pixels.data(), step_of(picture), dst.pixels.data(),
-                                       step_of(dst), picture.size, buffer.data()),
-             "nuqiPyrUp_Gauss5x5_8u_C3R");
+  nuqi::pyramid_up(view_of(picture), view_of(dst));
   Picture result(size, kChannels);
   place(dst, result, 0, 0);
   return result;

@@ -1,5 +1,6 @@
 // The tour's section on flood fills.
 #include <algorithm>
+#include <nuqi/nuqi.hpp>
 
 #include "commands/regions.h"
 #include "tour/families.h"
@@ -48,21 +49,8 @@ Figure gradient_figure(const Scene& scene) {
 
 // Canny's edges, whose regions are the lines of connected pixels.
 Figure regions_figure(const Scene& scene) {
-  const RoiSize roi = scene.grey.size;
-  Plane<int16_t> dx(roi), dy(roi);
-  require_ok(
-      nuqiSobel3x3_Dx_8u16s_C1R(scene.grey.data(), scene.grey.step(), dx.data(), dx.step(), roi),
-      "nuqiSobel3x3_Dx_8u16s_C1R");
-  require_ok(
-      nuqiSobel3x3_Dy_8u16s_C1R(scene.grey.data(), scene.grey.step(), dy.data(), dy.step(), 0, roi),
-      "nuqiSobel3x3_Dy_8u16s_C1R");
-  int32_t bytes = 0;
-  require_ok(nuqiCannyGetSize(roi, &bytes), "nuqiCannyGetSize");
-  std::vector<uint8_t> buffer(static_cast<size_t>(bytes));
-  Plane<uint8_t> edges(roi);
-  require_ok(nuqiCanny_16s8u_C1R(dx.data(), dx.step(), dy.data(), dy.step(), edges.data(),
-                                 edges.step(), roi, 60, 150, buffer.data()),
-             "nuqiCanny_16s8u_C1R");
+  Plane<uint8_t> edges(scene.grey.size);
+  nuqi::canny(scene.grey, edges, 60, 150);
   const Regions regions(edges, 8);
   const auto lines = std::count_if(regions.all().begin(), regions.all().end(),
                                    [](const Region& region) { return region.level == 255; });
