@@ -65,6 +65,21 @@ TEST_F(Edges, ThresholdsBoundTheStrength) {
   EXPECT_EQ(count({"--low", "0", "--high", "inf"}), 0);
 }
 
+// Both sides of a sharp step are equally strong.
+TEST_F(Edges, AWhiteSquareHasItsOutline) {
+  std::vector<uint8_t> square(30 * 30);
+  for (int i = 0; i < 900; ++i) {
+    if (i % 30 >= 10 && i % 30 < 20 && i / 30 >= 10 && i / 30 < 20) square[size_t(i)] = 255;
+  }
+  write_grey("in.png", {30, 30}, square);
+  ASSERT_EQ(run({"edges", path("in.png"), path("out.png")}).code, 0);
+  const std::vector<uint8_t> edges = read_grey("out.png");
+  for (int y = 12; y < 18; ++y) {
+    const auto row = edges.begin() + 30 * y;
+    EXPECT_EQ(std::count(row, row + 30, 255), 2) << y;
+  }
+}
+
 TEST_F(Edges, ColourAndAlphaAreSeenOverWhite) {
   // Opaque and dark on the left, dark but transparent on the right: a viewer sees an edge.
   const auto half_clear = [](int x, int) {
