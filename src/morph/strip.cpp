@@ -69,7 +69,7 @@ bool is_rectangle(const MorphState& state) {
 // The ring holds source rows.
 template <class T>
 void run_rows(const StripCall<T>& call, const Stripe& stripe, int64_t at_once,
-              void (*kernel)(const WindowJob<T>&)) {
+              void (*kernel)(const ElementJob<T>&)) {
   MorphState& state = *call.state;
   const int32_t width = call.roi->width * state.channels;
   const StripeRows<T> source = {stripe, call.src, state.rows};
@@ -77,7 +77,7 @@ void run_rows(const StripCall<T>& call, const Stripe& stripe, int64_t at_once,
   for (int64_t y = 0; y < stripe.produced(); y += at_once) {
     const int64_t count = std::min(at_once, stripe.produced() - y);
     source.collect(y - stripe.lead(), count + stripe.around(), rows);
-    kernel(WindowJob<T>{
+    kernel(ElementJob<T>{
         .rows = rows,
         .dst = {row_of(call.dst, y), call.dst.step},
         .count = width,
