@@ -15,12 +15,11 @@ struct Takers {
   uint16_t of[kSmallBytes / sizeof(T) + 1];
 
   NUQI_INLINE Takers(const ElementJob<T>& job, int32_t height) {
-    constexpr int kEntry = sizeof(T) == 1 ? 8 : 1;
     const int32_t above = height - job.element.height;
     for (int32_t c = 0; c < job.element.width; ++c) {
       int bits = 0;
       for (int32_t r = 0; r < job.element.height; ++r)
-        if (job.inside[(int64_t{r} * job.element.width + c) * kEntry] != 0)
+        if (job.inside[(int64_t{r} * job.element.width + c) * kMaskEntry<T>] != 0)
           bits |= 1 << (r + above);
       of[c] = (uint16_t)bits;
     }

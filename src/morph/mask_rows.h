@@ -26,11 +26,10 @@ struct Patterns {
   Pattern of[kSmallHeight];
 
   NUQI_INLINE explicit Patterns(const ElementJob<uint8_t>& job) {
-    constexpr int kEntry = 8;
     const uint8_t* inside = job.inside;
     for (int r = 0; r < job.element.height; ++r) {
       uint32_t columns = 0;
-      for (int c = 0; c < job.element.width; ++c, inside += kEntry)
+      for (int c = 0; c < job.element.width; ++c, inside += kMaskEntry<uint8_t>)
         columns |= uint32_t{*inside != 0} << c;
       if (columns == 0) continue;
       int i = 0;

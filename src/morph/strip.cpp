@@ -25,12 +25,11 @@ struct StripCall {
 template <class T>
 StatusCode check(const StripCall<T>& call, Shape shape, int32_t channels) {
   const auto& [src, dst, roi, state, border] = call;
-  const int32_t type = sizeof(T) == 4 ? k32f : k8u;
   // clang-format off
   if (any_null(src.data, dst.data, state, roi))                    return StatusNullPtr;
   if (roi->width < 1 || roi->width > state->maxWidth)              return StatusBadSize;
   if (roi->height < 0)                                             return StatusBadSize;
-  if (state->dataType != type || state->channels != channels)      return StatusBadContext;
+  if (state->dataType != data_type_of<T>() || state->channels != channels)      return StatusBadContext;
   if (state->shape != shape)                                       return StatusBadContext;
   if (short_row(src, roi->width, channels) || uneven(src))         return StatusBadStep;
   if (short_row(dst, roi->width, channels) || uneven(dst))         return StatusBadStep;
@@ -50,7 +49,7 @@ const auto& kernels_of(int32_t shape) {
 }
 
 int64_t bytes_beside(const MorphState& state) {
-  return (int64_t{state.maskWidth} - 1) * state.channels * (state.dataType == k8u ? 1 : 4);
+  return (int64_t{state.maskWidth} - 1) * state.channels * element_bytes(state.dataType);
 }
 
 // Elements whose results come straight from the caller's rows: small ones, and rectangles of bytes.

@@ -26,13 +26,6 @@ struct Tile {
   NUQI_INLINE void refer(const ElementJob<T>& job, int64_t from) {
     for (int64_t r = 0; r < sources(job); ++r) rows[r] = job.rows[r] + from;
   }
-  template <bool keys>
-  static NUQI_INLINE void copy(const T* from, T* to, int64_t count) {
-    for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
-      const auto block = load<Reg<T>::kLanes>(from + x, part);
-      store(to + x, keys ? swap_key<T>(block) : block, part);
-    });
-  }
   // Columns `from` to `from` + count - 1 of the image, all of its rows; those outside are copies.
   template <bool keys>
   NUQI_INLINE void fill(const ElementJob<T>& job, int64_t from, int64_t count) {
@@ -44,11 +37,11 @@ struct Tile {
       T* row = pixels + r * kStep;
       T* to = row + before;
       rows[r] = row;
-      copy<keys>(src + from + before, to, inside);
+      copy_pixels<keys>(src + from + before, to, inside);
       for (int64_t i = 1; i <= before; ++i) to[-i] = to[job.channels - i];
       to += inside;
       // The tile may hold less than a pixel of the row itself.
-      copy<keys>(src + last, to, after < job.channels ? after : job.channels);
+      copy_pixels<keys>(src + last, to, after < job.channels ? after : job.channels);
       for (int64_t i = job.channels; i < after; ++i) to[i] = to[i - job.channels];
     }
   }

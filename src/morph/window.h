@@ -26,7 +26,7 @@ struct ElementJob {
   int32_t channels;
   RoiSize element;
   PixelPoint anchor;
-  const uint8_t* inside;  // of arbitrary masks
+  const uint8_t* inside;  // of arbitrary masks: kMaskEntry bytes for each pixel
 };
 
 template <class T>
