@@ -17,6 +17,9 @@
  *           source's. C1 is one channel, C3C one channel of three interleaved ones, I in place, M
  *           masked, R works on a ROI.
  * Threads   There is no global state: any number of calls may run at once on distinct outputs.
+ * Stack     A call takes less than 4 KB of the caller's stack, but for histograms, blurs and distances
+ *           (up to 16 KB), template matching (56 KB), Sobel with selectable aperture, Laplace,
+ *           erosion and dilation (84 KB) and corners (120 KB).
  * Arithmetic  Single-precision operations round to nearest. The same bits come out on every
  *           instruction set, whatever the alignment and the steps. (The bits of a NaN that an
  *           operation creates are the processor's own.)
@@ -805,8 +808,7 @@ NUQI_API StatusCode nuqiScharr_Dy_32f_C1R(const float* src, int32_t srcStep, flo
  * dataType    1 for 8u, 2 for 8s, 9 for 32f sources. States for 8u and 8s serve either; a blur takes
  *             a state of any type.
  * Memory      4 * roiWidth bytes, rounded up to a multiple of 32, for each of size (Sobel), size + 1
- *             (blur) or 2 * size (Laplace) rows, and about 700 bytes more. A filter call takes up to
- *             84 KB of the caller's stack.
+ *             (blur) or 2 * size (Laplace) rows, and about 700 bytes more.
  * Free        nuqiConvolFree ends a state's use, and by contract leaves its memory allocated until
  *             the program ends. So do not make a state for every image: keep one and reuse it.
  * Threads     One state serves one sequence of calls at a time.
@@ -1119,8 +1121,7 @@ NUQI_API StatusCode nuqiGetDistanceTransformMask(int32_t maskType, float* metric
  * dataType    1 for 8u, 9 for 32f.
  * Memory      One block. With p bytes a pixel, about p * (roiWidth + maskSize.width + 17) bytes for
  *             each of maskSize.height + 1 (8u) or + 2 (32f) rows; masks and ellipses besides 16 bytes
- *             for each pixel of the element. An erosion or dilation takes up to 25 KB of the caller's
- *             stack.
+ *             for each pixel of the element.
  * Free        nuqiMorphologyFree ends a state's use, and by contract leaves its memory allocated until
  *             the program ends. So do not make a state for every image: keep one and reuse it.
  * Threads     One state serves one sequence of calls at a time.
