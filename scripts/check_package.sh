@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the library into a fresh folder and uses it from outside the tree: shared and static, by
-# find_package and by pkg-config. check_package.sh BUILD_FOLDER
+# Installs the library into a fresh folder, uses it from outside the tree, shared and static, by
+# find_package and by pkg-config, and uninstalls it. check_package.sh BUILD_FOLDER
 set -euo pipefail
 build=$(realpath "$1")
 cd "$(dirname "$0")/.."
@@ -23,4 +23,7 @@ cc -std=c99 -pedantic -Wall -Wextra -Werror examples/hello.c "${flags[@]}" -o "$
 libdir=$(pkg-config --variable=libdir nuqi)
 [ "$(LD_LIBRARY_PATH=$libdir "$away/hello")" = "$expected" ] || { echo "hello printed something else" >&2; exit 1; }
 [ -L "$libdir/libnuqi.so.0" ] || { echo "libnuqi.so has no versioned name" >&2; exit 1; }
-echo "installed, found and used: shared, static, by find_package and by pkg-config"
+xargs -d '\n' rm <"$build/install_manifest.txt"
+left=$(find "$away/usr" -type f -o -type l)
+[ -z "$left" ] || { echo "uninstalling leaves:" "$left" >&2; exit 1; }
+echo "installed, found, used and uninstalled: shared, static, by find_package and by pkg-config"
