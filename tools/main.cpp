@@ -17,7 +17,7 @@ constexpr void (*kCommands[])(CLI::App&) = {
     tools::add_background, tools::add_blur,    tools::add_sobel,   tools::add_laplace,
     tools::add_morphology, tools::add_pyramid, tools::add_fill,    tools::add_regions,
     tools::add_stats,      tools::add_diff,    tools::add_split,   tools::add_join,
-    tools::add_profile,    tools::add_motion,  tools::add_info,
+    tools::add_profile,    tools::add_motion,  tools::add_match,   tools::add_info,
 };
 
 constexpr char kDescription[] = "Computer-vision primitives at work on pictures.";

@@ -232,7 +232,7 @@ TEST_F(Info, HelpAndVersionSucceed) {
   for (const char* command :
        {"tour",  "edges",  "corners", "distance", "background", "blur",    "sobel", "laplace",
         "erode", "dilate", "open",    "close",    "gradient",   "pyramid", "fill",  "regions",
-        "stats", "diff",   "split",   "join",     "profile",    "motion",  "info"}) {
+        "stats", "diff",   "split",   "join",     "profile",    "motion",  "match", "info"}) {
     const Outcome outcome = run({command, "--help"});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_NE(outcome.out.find(command), std::string::npos);
