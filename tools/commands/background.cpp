@@ -135,7 +135,7 @@ void make_background(const Options& options) {
   std::unique_ptr<Moments> moments;
   RoiSize roi{0, 0};
   for (const std::string& path : options.frames) {
-    const Plane<uint8_t> frame = grey_of(read_picture(path));
+    const Plane<uint8_t> frame = read_grey(path);
     if (!moments) {
       roi = frame.size;
       moments = moments_for(roi, options);

@@ -68,7 +68,7 @@ Plane<float> distances_to(const Plane<uint8_t>& features, int32_t metric) {
 
 void show_distances(const Options& options) {
   check_ending(options.out);
-  const Plane<uint8_t> features = features_of(grey_of(read_picture(options.in)), options);
+  const Plane<uint8_t> features = features_of(read_grey(options.in), options);
   Plane<float> distances;
   const double seconds =
       seconds_of([&] { distances = distances_to(features, kMetrics.at(options.metric)); });

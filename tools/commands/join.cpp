@@ -22,7 +22,7 @@ void join(const Options& options) {
   check_ending(options.out);
   Plane<uint8_t> channels[3];
   for (int c = 0; c < 3; ++c) {
-    channels[c] = grey_of(read_picture(options.in[c]));
+    channels[c] = read_grey(options.in[c]);
     check_same_size(options.in[c], channels[c].size, options.in[0], channels[0].size);
   }
   const RoiSize roi = channels[0].size;

@@ -51,7 +51,7 @@ Motion history_of(const Options& options, RoiSize& size) {
   Motion motion;
   Progress progress("frames", int(options.frames.size()));
   for (const std::string& path : options.frames) {
-    const Plane<uint8_t> grey = grey_of(read_picture(path));
+    const Plane<uint8_t> grey = read_grey(path);
     if (motion.frame.values.empty()) {
       size = grey.size;
       motion.frame = with_two_rows(grey);

@@ -63,7 +63,7 @@ std::string csv_of(const Regions& regions, int64_t smallest) {
 
 void find_regions(const Options& options) {
   check_ending(options.out);
-  const Plane<uint8_t> grey = grey_of(read_picture(options.in));
+  const Plane<uint8_t> grey = read_grey(options.in);
   std::optional<Regions> regions;
   const double seconds = seconds_of([&] { regions.emplace(grey, options.connect); });
   write_picture(options.out, regions->coloured(options.smallest));
