@@ -11,6 +11,7 @@
 #include "failure.h"
 #include "pictures/edge_map.h"
 #include "pictures/picture.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -60,10 +61,10 @@ void find_edges(const Options& options) {
   const Plane<uint8_t> edges = finder.edges(thresholds);
   write_picture(options.out, picture_of(edges));
   const auto count = std::count(edges.values.begin(), edges.values.end(), 255);
-  std::printf("%s: %s, %.1f %% edges (%s, low %g, high %g), %.2f ms with %s\n", options.out.c_str(),
-              size_text(grey.size).c_str(), 100.0 * double(count) / double(edges.values.size()),
-              options.edge_operator.c_str(), double(thresholds.low), double(thresholds.high),
-              1e3 * finder.seconds(), nuqi::name_of(nuqi::isa()));
+  report("%s: %s, %.1f %% edges (%s, low %g, high %g), %.2f ms with %s\n", options.out.c_str(),
+         size_text(grey.size).c_str(), 100.0 * double(count) / double(edges.values.size()),
+         options.edge_operator.c_str(), double(thresholds.low), double(thresholds.high),
+         1e3 * finder.seconds(), nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "commands/commands.h"
 #include "failure.h"
 #include "pictures/picture.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -31,7 +32,7 @@ void join(const Options& options) {
   require_ok(nuqiCopy_8u_P3C3R(planes, roi.width, picture.pixels.data(), 3 * roi.width, roi),
              "nuqiCopy_8u_P3C3R");
   write_picture(options.out, picture);
-  std::printf("%s: %s, joined of three channels\n", options.out.c_str(), size_text(roi).c_str());
+  report("%s: %s, joined of three channels\n", options.out.c_str(), size_text(roi).c_str());
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "pictures/motion_picture.h"
 #include "pictures/picture.h"
 #include "progress.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -118,10 +119,10 @@ void show_motion(const Options& options) {
   write_picture(options.out, picture);
   const auto& history = motion.history.values;
   const auto still = std::count(history.begin(), history.end(), 0.0f);
-  std::printf("%s: %zu frames of %s, %.1f %% in motion, %s, with %s\n", options.out.c_str(),
-              options.frames.size(), size_text(picture.size).c_str(),
-              100 - 100.0 * double(still) / double(history.size()),
-              direction_text(direction).c_str(), nuqi::name_of(nuqi::isa()));
+  report("%s: %zu frames of %s, %.1f %% in motion, %s, with %s\n", options.out.c_str(),
+         options.frames.size(), size_text(picture.size).c_str(),
+         100 - 100.0 * double(still) / double(history.size()), direction_text(direction).c_str(),
+         nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace
