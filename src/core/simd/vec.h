@@ -139,10 +139,6 @@ template <class T, int N>
 requires kIsFloat<T> NUQI_INLINE Vec<T, N> abs(const Vec<T, N>& a) {
   return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return machine::clear_sign(a.r[i]); });
 }
-template <int N>
-NUQI_INLINE Vec<double, N> abs(const Vec<double, N>& a) {
-  return as<double>(as<int64_t>(a) & broadcast<int64_t, N>(INT64_MAX));
-}
 
 // The second operand where either is NaN, as the machines' instructions have it.
 template <class T, int N>
