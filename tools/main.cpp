@@ -1,5 +1,7 @@
 // The command-line program nuqi: reads the command and turns every failure into one sentence.
+#include <fcntl.h>
 #include <CLI/CLI.hpp>
+
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -9,6 +11,7 @@
 #include "commands/commands.h"
 #include "core/isa.h"
 #include "failure.h"
+#include "report.h"
 
 namespace {
 
@@ -17,7 +20,7 @@ constexpr void (*kCommands[])(CLI::App&) = {
     tools::add_background, tools::add_blur,    tools::add_sobel,   tools::add_laplace,
     tools::add_morphology, tools::add_pyramid, tools::add_fill,    tools::add_regions,
     tools::add_stats,      tools::add_diff,    tools::add_split,   tools::add_join,
-    tools::add_profile,    tools::add_motion,  tools::add_info,
+    tools::add_profile,    tools::add_motion,  tools::add_match,   tools::add_info,
 };
 
 constexpr char kDescription[] = "Computer-vision primitives at work on pictures.";
@@ -58,7 +61,14 @@ std::string one_line(std::string text) {
   return text;
 }
 
-int run(int argc, char** argv) {
+// A file that took the number of a closed stream would receive what is meant for that.
+void occupy_closed_streams() {
+  for (int stream = 0; stream < 3; ++stream) {
+    if (fcntl(stream, F_GETFD) < 0) open("/dev/null", O_RDONLY);
+  }
+}
+
+void run(int argc, char** argv) {
   CLI::App app{kDescription, "nuqi"};
   app.footer(kFooter);
   app.set_version_flag("--version", std::to_string(NUQI_VERSION_MAJOR) + "." +
@@ -72,25 +82,27 @@ int run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
     if (app.get_subcommands().empty())
-      return fail("a command is missing (`nuqi --help` explains)", 2);
-    return 0;
+      throw tools::UserError("a command is missing (`nuqi --help` explains)");
   } catch (const CLI::Success& help) {
-    return app.exit(help);
+    app.exit(help);
   } catch (const CLI::ParseError& error) {
-    return fail(one_line(error.what()) + " (`nuqi --help` explains)", 2);
-  } catch (const tools::UserError& error) {
-    return fail(error.what(), 2);
-  } catch (const std::bad_alloc&) {
-    return fail("out of memory", 1);
+    throw tools::UserError(one_line(error.what()) + " (`nuqi --help` explains)");
   }
+  tools::finish_stdout();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  occupy_closed_streams();
   std::signal(SIGXFSZ, SIG_IGN);  // a file beyond the shell's limit is a write that fails
   try {
-    return run(argc, argv);
+    run(argc, argv);
+    return 0;
+  } catch (const tools::UserError& error) {
+    return fail(error.what(), 2);
+  } catch (const std::bad_alloc&) {
+    return fail("out of memory", 1);
   } catch (const std::exception& error) {
     return fail(error.what(), 1);
   }

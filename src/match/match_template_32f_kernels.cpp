@@ -6,8 +6,7 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Result columns that are computed together, and result rows that share the loads of their source rows.
-constexpr int kColumns = 64;
+// Result rows that share the loads of their source rows.
 constexpr int kRows = kRegBytes == 64 ? 6 : 4;
 constexpr int kDoubles = kRegBytes / 8;
 
@@ -96,8 +95,6 @@ void sum_rows(const MatchJob<float>& job, int64_t x, int columns, int64_t y, Raw
 
 // ---- The running sums of the patches
 
-enum class Of { sums, energies };
-
 // How a row's sum, or energy, changes when one pixel enters and another leaves.
 template <Of of, class V>
 NUQI_INLINE V change(const V& enters, const V& leaves) {
@@ -132,7 +129,7 @@ class PatchSums {
       const int count = rows_until(y, job_.tpl_roi.height);
       run<false>(y, count, entering_);
       for (int k = 0; k < count; ++k)
-        for_columns([&](int j) NUQI_FORCED { return column(j) + load(entering_[k] + j); });
+        for_columns([&](int j) NUQI_FORCED { return at(j) + load(entering_[k] + j); });
     }
   }
   // Before the rows from y on, up to `end`, the first one of all left out.
@@ -145,9 +142,8 @@ class PatchSums {
   }
   NUQI_NOINLINE void at_row(int64_t y) {
     const int64_t k = y - first_;
-    for_columns([&](int j) NUQI_FORCED {
-      return column(j) - load(leaving_[k] + j) + load(entering_[k] + j);
-    });
+    for_columns([&](int j)
+                    NUQI_FORCED { return at(j) - load(leaving_[k] + j) + load(entering_[k] + j); });
   }
   // After the last row.
   NUQI_NOINLINE void finish() {
@@ -155,7 +151,7 @@ class PatchSums {
       run<true>(y, rows_until(y, source_height()), leaving_);
   }
 
-  NUQI_INLINE Px<double> column(int64_t j) const { return load(of_column_ + j); }
+  NUQI_INLINE Px<double> at(int64_t j) const { return load(of_column_ + j); }
 
  private:
   using Rows = double[kRows][kColumns + 16];
@@ -200,14 +196,6 @@ class PatchSums {
   int columns_ = 0;
   double of_column_[kColumns] = {};
   Rows leaving_ = {}, entering_ = {};
-};
-struct NoSums {
-  NoSums(const MatchJob<float>&, double*) {}
-  void start(int64_t, int) {}
-  void prepare(int64_t, int64_t) {}
-  void at_row(int64_t) {}
-  void finish() {}
-  NUQI_INLINE Px<double> column(int64_t) const { return {}; }
 };
 
 // ---- The kernel
@@ -262,9 +250,9 @@ void match(const MatchJob<float>& job) {
       for (int64_t y = start; y < base + rows; ++y) {
         if (y != 0) sums.at_row(y), energies.at_row(y);
         for (int j = 0; j < columns; j += 16)
-          store_scores(row_of(job.dst, y) + x + j, columns - j,
-                       score<m, true>(load(raw.row(int(y - base)) + j), sums.column(j),
-                                      energies.column(j), terms));
+          store_scores(
+              row_of(job.dst, y) + x + j, columns - j,
+              score<m, true>(load(raw.row(int(y - base)) + j), sums.at(j), energies.at(j), terms));
       }
     }
     sums.finish();

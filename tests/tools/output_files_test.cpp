@@ -143,6 +143,81 @@ TEST_F(OutputFiles, DevicesAreWrittenDirectly) {
   EXPECT_TRUE(std::filesystem::is_symlink(path("null.png")));
 }
 
+mode_t mode_of(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+TEST_F(OutputFiles, LinksStayAndModesToo) {
+  write_text("in.png", png());
+  std::filesystem::create_directory(path("folder"));
+  write_text("folder/real.png", "old");
+  chmod(path("folder/real.png").c_str(), 0640);
+  std::filesystem::create_symlink("folder/real.png", path("near.png"));
+  std::filesystem::create_symlink(path("near.png"), path("far.png"));
+  std::filesystem::create_symlink("folder/later.png", path("dangling.png"));
+  for (const char* out : {"far.png", "dangling.png"}) {
+    const Outcome outcome = run({"blur", path("in.png"), path(out)});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_TRUE(std::filesystem::is_symlink(path(out)));
+  }
+  EXPECT_EQ(read_picture(path("folder/real.png")).size.height, 400);
+  EXPECT_EQ(mode_of(path("folder/real.png")), mode_t{0640});
+  EXPECT_EQ(read_picture(path("folder/later.png")).size.height, 400);
+  const mode_t mask = umask(0);
+  umask(mask);
+  EXPECT_EQ(mode_of(path("folder/later.png")), 0666 & ~mask);
+  EXPECT_EQ(files(), (Names{"in.png", "folder", "near.png", "far.png", "dangling.png"}));
+  std::filesystem::create_symlink("round.png", path("round.png"));
+  expect_refused({"blur", path("in.png"), path("round.png")}, {"round.png", "symbolic links"});
+}
+
+TEST_F(OutputFiles, AFullDiskChangesNoPage) {
+  ASSERT_EQ(run({"tour", "--out", path("page")}).code, 0);
+  const std::string before = read_text("page/index.html");
+  const FullDisk disk(100000);
+  const Outcome outcome = run({"tour", "--out", path("page")});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_NE(outcome.err.find("File too large"), std::string::npos) << outcome.err;
+  EXPECT_TRUE(read_text("page/index.html") == before);
+}
+
+TEST_F(OutputFiles, TwoOfOneNameAreRefused) {
+  const std::string in = write_grey("in.png", {2, 2}, {1, 2, 3, 4}), out = path("out.png");
+  std::filesystem::create_symlink("out.png", path("link.png"));
+  const std::string again = path("./out.png");
+  const std::string twice = "is named for two outputs";
+  expect_refused({"split", in, out, path("g.png"), out}, {out, twice});
+  expect_refused({"split", in, path("r.png"), out, again}, {again, twice});
+  expect_refused({"background", out, in, "--variance", path("link.png")}, {"link.png", twice});
+  expect_refused({"corners", in, out, "--csv", again}, {again, twice});
+  expect_refused({"distance", in, out, "--float", out}, {out, twice});
+  expect_refused({"fill", in, out, "0,0", "--region", out}, {out, twice});
+  expect_refused({"regions", in, out, "--csv", out}, {out, twice});
+  EXPECT_EQ(files(), (Names{"in.png", "link.png"}));
+  std::filesystem::create_symlink("/dev/null", path("null.png"));
+  EXPECT_EQ(run({"split", in, path("null.png"), path("null.png"), path("null.png")}).code, 0);
+}
+
+TEST_F(OutputFiles, StdoutThatTakesNothingIsAnError) {
+  const std::string in = write_grey("in.png", {2, 2}, {1, 2, 3, 4});
+  using Arguments = std::vector<std::string>;
+  for (const Arguments& arguments : {Arguments{"stats", in},
+                                     {"info"},
+                                     {"--help"},
+                                     {"--version"},
+                                     {"blur", in, path("out.png")}}) {
+    for (const char* way : {">/dev/full", ">&-"}) {
+      const Outcome outcome = run_by_shell(arguments, way);
+      EXPECT_EQ(outcome.code, 2) << arguments[0] << way;
+      EXPECT_NE(outcome.err.find("standard output cannot be written"), std::string::npos)
+          << outcome.err;
+    }
+  }
+  // Nor is the report written into a picture that got stdout's number.
+  EXPECT_EQ(read_grey("out.png").size(), 4u);
+}
+
 TEST_F(OutputFiles, APipeIsReadOnce) {
   const std::string picture = png();
   write_text("in.png", picture);

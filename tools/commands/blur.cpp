@@ -9,6 +9,7 @@
 #include "commands/filter_state.h"
 #include "core/isa.h"
 #include "pictures/strips.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -76,9 +77,9 @@ void blur(const Options& options) {
   for_strips(*in, progress,
              [&](Strip<uint8_t> strip) { write_strip(*out, blur(strip), in->row_bytes()); });
   out->finish();
-  std::printf("%s: %s, means of %dx%d pixels, %.2f ms with %s\n", options.out.c_str(),
-              size_text(size).c_str(), options.size, options.size, 1e3 * blur.seconds(),
-              nuqi::name_of(nuqi::isa()));
+  report("%s: %s, means of %dx%d pixels, %.2f ms with %s\n", options.out.c_str(),
+         size_text(size).c_str(), options.size, options.size, 1e3 * blur.seconds(),
+         nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

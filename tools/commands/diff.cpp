@@ -8,6 +8,7 @@
 #include "commands/commands.h"
 #include "failure.h"
 #include "pictures/picture.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -44,8 +45,8 @@ void write_difference(const Options& options) {
     differing += most > 0;
     largest = std::max(largest, most);
   }
-  std::printf("%s: %s, %lld pixels differ, by at most %d\n", options.out.c_str(),
-              size_text(result.size).c_str(), static_cast<long long>(differing), largest);
+  report("%s: %s, %lld pixels differ, by at most %d\n", options.out.c_str(),
+         size_text(result.size).c_str(), static_cast<long long>(differing), largest);
 }
 
 }  // namespace

@@ -10,7 +10,9 @@
 #include "commands/position.h"
 #include "core/isa.h"
 #include "failure.h"
+#include "pictures/file.h"
 #include "pictures/picture.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -53,6 +55,7 @@ void fill_region(const Options& options) {
   const PixelPoint seed = point_of(options.seed);
   check_ending(options.out);
   if (!options.region.empty()) check_ending(options.region);
+  check_outputs_differ({options.out, options.region});
   if (options.lower + options.upper > 255)
     throw UserError("--lower and --upper: their sum must not exceed 255");
   Picture picture = read_picture(options.in);
@@ -85,10 +88,10 @@ void fill_region(const Options& options) {
     }
   }
   write_picture(options.out, picture);
-  std::printf("%s: %.0f pixels painted with %d, %dx%d from %d,%d, %.2f ms with %s\n",
-              options.out.c_str(), region.area, options.value, region.width, region.height,
-              region.x, region.y, 1e3 * seconds, nuqi::name_of(nuqi::isa()));
-  if (!changed) std::printf("The region had that value already.\n");
+  report("%s: %.0f pixels painted with %d, %dx%d from %d,%d, %.2f ms with %s\n",
+         options.out.c_str(), region.area, options.value, region.width, region.height, region.x,
+         region.y, 1e3 * seconds, nuqi::name_of(nuqi::isa()));
+  if (!changed) report("The region had that value already.\n");
 }
 
 }  // namespace

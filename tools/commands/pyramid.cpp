@@ -11,6 +11,7 @@
 #include "failure.h"
 #include "pictures/picture.h"
 #include "pictures/pyramid_picture.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -64,10 +65,9 @@ void make_pyramid(const Options& options) {
   } else {
     write_levels(options.out, levels);
   }
-  std::printf("%s: %s and %d levels down to %s%s, %.2f ms with %s\n", options.out.c_str(),
-              size_text(picture.size).c_str(), options.levels,
-              size_text(levels.back().size).c_str(), rebuilding.c_str(), 1e3 * seconds,
-              nuqi::name_of(nuqi::isa()));
+  report("%s: %s and %d levels down to %s%s, %.2f ms with %s\n", options.out.c_str(),
+         size_text(picture.size).c_str(), options.levels, size_text(levels.back().size).c_str(),
+         rebuilding.c_str(), 1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ Selection selection_of(const Options& options, const Levels& in) {
     selection.mask = Plane<uint8_t>(in.size());
     std::fill(selection.mask.values.begin(), selection.mask.values.end(), 255);
   } else {
-    selection.mask = grey_of(read_picture(options.mask));
+    selection.mask = read_grey(options.mask);
     check_same_size(options.mask, selection.mask.size, options.in, in.size());
   }
   const auto& values = selection.mask.values;

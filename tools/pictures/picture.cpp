@@ -49,6 +49,14 @@ Plane<uint8_t> grey_of(const Picture& picture) {
   return grey;
 }
 
+Plane<uint8_t> read_grey(const std::string& path) {
+  Picture picture = whole_picture(*open_rows(path, Form::grey), path);
+  Plane<uint8_t> grey;
+  grey.size = picture.size;
+  grey.values = std::move(picture.pixels);
+  return grey;
+}
+
 Picture picture_of(const Plane<uint8_t>& plane) {
   Picture picture;
   picture.size = plane.size;

@@ -13,6 +13,7 @@
 #include "failure.h"
 #include "pictures/row_reader.h"
 #include "pictures/row_writer.h"
+#include "report.h"
 
 namespace tools {
 namespace {

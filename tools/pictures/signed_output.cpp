@@ -7,6 +7,7 @@
 
 #include "core/isa.h"
 #include "failure.h"
+#include "report.h"
 #include "tour/colours.h"
 
 namespace tools {
@@ -60,9 +61,9 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
     write_strip(*out, {rgb.data(), strip.rows}, 3 * width);
   });
   out->finish();
-  std::printf("%s: %s, %s, values %d to %d, shown to %g, %.2f ms with %s\n", output.path.c_str(),
-              size_text(size).c_str(), how.c_str(), counts.lowest(), counts.highest(), range,
-              1e3 * seconds, nuqi::name_of(nuqi::isa()));
+  report("%s: %s, %s, values %d to %d, shown to %g, %.2f ms with %s\n", output.path.c_str(),
+         size_text(size).c_str(), how.c_str(), counts.lowest(), counts.highest(), range,
+         1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace tools
