@@ -20,8 +20,8 @@
  *           masked, R works on a ROI.
  * Threads   There is no global state: any number of calls may run at once on distinct outputs.
  * Stack     A call takes less than 4 KB of the caller's stack, but for histograms, blurs and distances
- *           (up to 16 KB), template matching (56 KB), Sobel with selectable aperture, Laplace,
- *           erosion and dilation (84 KB) and corners (120 KB).
+ *           (up to 16 KB), Sobel with selectable aperture, Laplace, erosion, dilation and template
+ *           matching (84 KB) and corners (120 KB).
  * Arithmetic  Single-precision operations round to nearest. The same bits come out on every
  *           instruction set, whatever the alignment and the steps. (The bits of a NaN that an
  *           operation creates are the processor's own.)

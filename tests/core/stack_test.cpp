@@ -38,7 +38,7 @@ int64_t written_by(const std::function<void()>& call) {
   return (std::end(stack) - lowest) * int64_t{sizeof(uint64_t)};
 }
 
-constexpr RoiSize kRoi = {301, 60};
+constexpr RoiSize kRoi = {301, 200};
 constexpr int32_t kBytes = 304, kFloats = 4 * kBytes;
 
 struct Images {
@@ -117,15 +117,16 @@ void mask(Images& images) {
                                    &roi, state, 0),
             StatusOk);
 }
-void matching(Images& images) {
+void match(Images& images, RoiSize tpl) {
   int32_t size = 0;
-  const RoiSize tpl = {40, 20};
   ASSERT_EQ(nuqiMatchTemplateGetBufSize_CoeffNormed(kRoi, tpl, 1, &size), StatusOk);
   EXPECT_EQ(nuqiMatchTemplate_CoeffNormed_8u32f_C1R(
                 images.bytes.data(), kBytes, kRoi, images.bytes.data() + 5, kBytes, tpl,
                 images.result.data(), kFloats, images.buffer_of(size)),
             StatusOk);
 }
+void small_template(Images& images) { match(images, {9, 9}); }
+void large_template(Images& images) { match(images, {120, 90}); }
 void distance(Images& images) {
   const float metrics[] = {1, 1.4F, 2.2F};
   EXPECT_EQ(nuqiDistanceTransform_5x5_8u32f_C1R(images.bytes.data(), kBytes, images.result.data(),
@@ -148,7 +149,8 @@ TEST_P(Stack, IsTakenAsTheHeaderSays) {
       {"corners", corners, 120},
       {"erosion by a rectangle", rectangle, 84},
       {"erosion by a mask", mask, 84},
-      {"matching", matching, 56},
+      {"matching of a small template", small_template, 84},
+      {"matching of a large template", large_template, 84},
       {"distances", distance, 16},
       {"blur", blur, 16},
       {"histogram", histogram, 16},
