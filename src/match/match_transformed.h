@@ -12,14 +12,14 @@ constexpr int kPieceSide = 64;
 
 // How a call's results are divided, and the buffer.
 struct TransformPlan {
-  bool several;          // pieces of the template
-  int width, height;     // of the first piece, which no other one exceeds
-  int columns;           // of a tile of results
-  int rows = 0;          // of a chunk: whole bands; none where the buffer has no room for one
-  int64_t room;          // columns that there are residues of
-  int64_t pitch;         // of a point's rows
-  int64_t sums_pitch;    // of sums of pieces
-  int64_t work, direct;  // of a tile's chunk, counted in instructions
+  bool several;        // pieces of the template
+  int width, height;   // of the first piece, which no other one exceeds
+  int columns;         // of a tile of results
+  int rows = 0;        // of a chunk: whole bands; none where the buffer has no room for one
+  int64_t room;        // columns that there are residues of
+  int64_t pitch;       // of a point's rows
+  int64_t sums_pitch;  // of sums of pieces
+  double work, direct_work;
 
   NUQI_INLINE static int64_t up(int64_t a, int64_t to) { return (a + to - 1) / to * to; }
 
@@ -42,7 +42,7 @@ struct TransformPlan {
     pitch = pitch_of(rows);
     estimate(tpl, dst);
   }
-  NUQI_INLINE bool is_faster() const { return rows != 0 && work < direct; }
+  NUQI_INLINE bool is_faster() const { return rows != 0 && work < direct_work; }
 
   NUQI_INLINE int64_t residues_bytes() const { return 2 * room * rows; }
   NUQI_INLINE int64_t sums_bytes() const { return several ? 8 * sums_pitch * rows : 0; }
@@ -53,22 +53,23 @@ struct TransformPlan {
     return (4 * room + (several ? 8 * sums_pitch : 0)) * count + 2 * kPoints * pitch_of(count);
   }
 
-  // See docs/match.md.
+  // In instructions of transforms, as measured: docs/match.md has the figures.
   NUQI_INLINE void estimate(RoiSize tpl, RoiSize dst) {
-    constexpr int kTransform = 3000;                        // of a band
-    constexpr int kPair = Machine::kDotsBytes ? 224 : 352;  // of rows that meet a band of points
-    constexpr int kPlace = 8;                               // residues to scores
-    constexpr int kProducts = Machine::kDotsBytes ? kRegBytes : kRegBytes / 4;  // an instruction's
-    const int64_t pixels = int64_t{tpl.width} * tpl.height;
-    const int64_t pieces =
-        up(tpl.width, kPieceSide) / kPieceSide * up(tpl.height, kPieceSide) / kPieceSide;
-    const int64_t bands = rows / kBand, tpl_bands = several ? up(height, kBand) / kBand : 0;
-    const int64_t places = columns * int64_t{rows < dst.height ? rows : dst.height};
-    work =
-        pieces *
-        (4 * (kTransform * (pitch / kBand + bands + tpl_bands) + kPair * bands * (height / 2 + 1)) +
-         kPlace * places);
-    direct = places * pixels / kProducts;
+    constexpr int kTransform = 3000;                        // a band, once
+    constexpr int kPair = Machine::kDotsBytes ? 224 : 352;  // a band's points and a pair of rows
+    constexpr int kPlace = 8;                               // from residues to scores
+    constexpr int kProducts = Machine::kDotsBytes ? 40 : kRegBytes / 4;  // of the direct method
+    const auto parts = [](int whole, int part)
+                           NUQI_FORCED { return (double)(up(whole, part) / part); };
+    const double pieces = parts(tpl.width, kPieceSide) * parts(tpl.height, kPieceSide);
+    const double blocks = parts(dst.width, columns) * parts(dst.height, rows);
+    const double places = (double)dst.width * dst.height;
+    const double bands = parts(rows, kBand), tpl_bands = parts(height, kBand);
+    const double transforms =
+        blocks * (double)(pitch / kBand + rows / kBand) + (several ? blocks : 1) * tpl_bands;
+    const double pairs = blocks * bands * (height / 2 + 1);
+    work = pieces * (4 * (kTransform * transforms + kPair * pairs) + kPlace * places);
+    direct_work = places * tpl.width * tpl.height / kProducts;
   }
 };
 
