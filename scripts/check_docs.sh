@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Holds the documents against the code: README's program is the example that CI builds, every vector
+# Holds the documents against the code: README's programs are the examples that CI builds, every vector
 # word stands in docs/simd.md, every family of nuqi.h with the number of its functions in
 # README's table and names an example, every function has a line of its own, and every link leads
 # somewhere.
@@ -7,8 +7,11 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 fail() { echo "$*" >&2; exit 1; }
 
-diff <(awk '/^```c$/ {on = 1; next} /^```$/ {on = 0} on' README.md) examples/hello.c ||
-  fail "README's program (<) is not examples/hello.c (>)"
+while read -r language program; do
+  diff <(awk -v fence="^\`\`\`$language\$" '$0 ~ fence {on = 1; next} /^```$/ {on = 0} on' README.md) "examples/$program" ||
+    fail "README's program (<) is not examples/$program (>)"
+done <<<'c hello.c
+cpp edges.cpp'
 
 # The words that kernels use, and all operations of a machine; what a word is made of need not be listed.
 defined_in() {
