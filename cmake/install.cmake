@@ -2,7 +2,7 @@
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/nuqi)
-install(TARGETS nuqi nuqi_static EXPORT nuqi-targets)
+install(TARGETS nuqi nuqi_static nuqi_hpp nuqi_hpp_static EXPORT nuqi-targets)
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY examples/families DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 install(EXPORT nuqi-targets NAMESPACE nuqi:: DESTINATION ${package_dir})

@@ -5,7 +5,7 @@ set -euo pipefail
 
 library=(cmake g++ make)
 tools=(libcli11-dev libpng-dev libjpeg-dev)
-tests=(libgtest-dev)
+tests=(libgtest-dev libeigen3-dev)
 bench=(libbenchmark-dev clang)
 ci=("${bench[@]}" clang-format clang-tidy libclang-rt-14-dev googletest pkg-config
     g++-i686-linux-gnu g++-aarch64-linux-gnu qemu-user-static binutils)

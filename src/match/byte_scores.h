@@ -6,17 +6,20 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// The sums of products of a row's places: ints where the template is one small piece, else doubles.
-struct ProductRow {
+// The sums of products at the places of rows that lie `pitch` apart: ints where the template is one small
+// piece, else doubles.
+struct ProductRows {
   const int32_t* ints;
   const double* doubles;
+  int64_t pitch;
 };
 
 // A measure, seen by what computes products: one copy of that serves all measures.
 struct Scorer {
   void* scores;
-  void (*start)(void* scores, int64_t x, int columns);   // a stretch of columns
-  void (*put)(void* scores, int64_t y, ProductRow row);  // called for each row in turn
+  void (*start)(void* scores, int64_t x, int columns);  // a stretch of columns
+  void (*put)(void* scores, int64_t y, int rows,
+              const ProductRows& products);  // one after the other
   Totals tpl;
 };
 
@@ -33,7 +36,10 @@ class ByteScores {
   Scorer scorer() {
     return {this,
             [](void* self, int64_t x, int columns) { ((ByteScores*)self)->start(x, columns); },
-            [](void* self, int64_t y, ProductRow row) { ((ByteScores*)self)->put(y, row); }, tpl_};
+            [](void* self, int64_t y, int rows, const ProductRows& products) {
+              ((ByteScores*)self)->put(y, rows, products);
+            },
+            tpl_};
   }
 
  private:
@@ -44,22 +50,28 @@ class ByteScores {
     sums_.start(x, columns);
     energies_.start(x, columns);
   }
-  void put(int64_t y, ProductRow row) {
-    sums_.at_row(y);
-    energies_.at_row(y);
-    for (int j = 0; j < columns_; j += 16) {
-      Px<float> scores;
-      if ((m == Measure::corr || m == Measure::sq_diff) && row.ints != nullptr) {
-        auto raw = load(row.ints + j);
-        if constexpr (kDifferences) raw = difference<int32_t>(energies_.ints_at(j), raw);
-        scores = convert<float>(raw);
-      } else {
-        const auto energy = energies_.at(j);
-        auto raw = row.ints != nullptr ? to_doubles(load(row.ints + j)) : load(row.doubles + j);
-        if constexpr (kDifferences) raw = difference<double>(energy, raw);
-        scores = score<m, false>(raw, sums_.at(j), energy, terms_);
-      }
-      store_scores(row_of(job_.dst, y) + x_ + j, columns_ - j, scores);
+  void put(int64_t y, int rows, const ProductRows& products) {
+    const ProductRows from = products;
+    const int columns = columns_;
+    for (int i = 0; i < rows; ++i) {
+      sums_.at_row(y + i);
+      energies_.at_row(y + i);
+      float* const to = row_of(job_.dst, y + i) + x_;
+      for (int j = 0; j < columns; j += 16)
+        store_scores(to + j, columns - j, scores_at(j, from, i * from.pitch + j));
+    }
+  }
+  NUQI_INLINE Px<float> scores_at(int j, const ProductRows& products, int64_t at) const {
+    if ((m == Measure::corr || m == Measure::sq_diff) && products.ints != nullptr) {
+      auto raw = load(products.ints + at);
+      if constexpr (kDifferences) raw = difference<int32_t>(energies_.ints_at(j), raw);
+      return convert<float>(raw);
+    } else {
+      const auto energy = energies_.at(j);
+      auto raw = products.ints != nullptr ? to_doubles(load(products.ints + at))
+                                          : load(products.doubles + at);
+      if constexpr (kDifferences) raw = difference<double>(energy, raw);
+      return score<m, false>(raw, sums_.at(j), energy, terms_);
     }
   }
   // The sum of squared differences is S2 - 2 C + T2.

@@ -220,11 +220,12 @@ NUQI_NOINLINE void match_directly(const MatchJob<T>& job, const Scorer& scorer) 
         multiply_piece(job, block, 0, 0, cells, products);
       else
         multiply_pieces(job, block, cells, products);
-      for (; y < block.row + block.rows; ++y) {
-        const int64_t i = y - block.row;
-        scorer.put(scorer.scores, y,
-                   {whole ? products.of_piece[i] : nullptr, whole ? nullptr : products.of_all[i]});
-      }
+      const int64_t first = y - block.row;
+      const int rows = block.rows - int(first);
+      const int32_t* const ints = products.of_piece[first];
+      const double* const all = products.of_all[first];
+      scorer.put(scorer.scores, y, rows, {whole ? ints : nullptr, whole ? nullptr : all, kColumns});
+      y += rows;
     }
   }
 }

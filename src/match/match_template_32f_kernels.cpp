@@ -14,7 +14,7 @@ constexpr int kDoubles = kRegBytes / 8;
 
 // The sums of kRows rows of a stretch of columns. Blocks of columns are whole: the last one starts before
 // its turn, even before the stretch.
-constexpr int kMost = 2 * kDoubles;
+constexpr int kMost = 2 * kDoubles, kFew = 4;  // columns of a block
 struct Raw {
   double of[kRows][kMost + kColumns] = {};
   double* row(int y) { return of[y] + kMost; }
@@ -65,7 +65,10 @@ NUQI_NOINLINE void sum_block(const MatchJob<float>& job, int64_t x, int64_t y,
     for (int64_t c = 0; c < width; ++c) {
       const auto w = L::load(src + c);
       for_each<R>([&](int k) NUQI_FORCED {
-        if (meets(k))
+        if (!meets(k)) return;
+        if constexpr (N == 1 && R == 1)
+          sums[k] = add_term<differences>(sums[k], w, L::load(row_of(job.tpl, i - k) + c));
+        else
           sums[k] = add_term<differences>(sums[k], w, L::all(job.tpl_doubles[(i - k) * width + c]));
       });
     }
@@ -89,6 +92,8 @@ template <bool differences, int R>
 void sum_rows(const MatchJob<float>& job, int64_t x, int columns, int64_t y, Raw& raw) {
   if (job.dst_roi.width >= kMost)
     sum_rows<differences, kMost, R>(job, x, columns, y, raw);
+  else if (job.dst_roi.width >= kFew)
+    sum_rows<differences, kFew, R>(job, x, columns, y, raw);
   else
     sum_rows<differences, 1, R>(job, x, columns, y, raw);
 }
@@ -200,20 +205,23 @@ class PatchSums {
 
 // ---- The kernel
 
-// Lays out the template as doubles.
+// Lays out the template as doubles, unless few places would meet each.
 template <Measure m>
 TemplateTerms take_template(const MatchJob<float>& job) {
+  constexpr bool sums = m != Measure::sq_diff && m != Measure::corr;
+  const bool lays_out = job.dst_roi.width >= kFew || job.dst_roi.height > 1;
   double sum = 0, energy = 0;
+  if (!lays_out && !sums) return {};
   double* to = job.tpl_doubles;
   for (int64_t y = 0; y < job.tpl_roi.height; ++y) {
     const float* const row = row_of(job.tpl, y);
     for (int64_t c = 0; c < job.tpl_roi.width; ++c) {
       const double t = load_one(row + c);
-      if constexpr (m != Measure::sq_diff && m != Measure::corr) {
+      if constexpr (sums) {
         sum += t;
         energy += t * t;
       }
-      *to++ = t;
+      if (lays_out) *to++ = t;
     }
   }
   return template_terms<m, true>(job.tpl_roi, sum, energy);

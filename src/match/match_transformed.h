@@ -189,13 +189,19 @@ NUQI_NOINLINE void match_by_transforms(const MatchJob<T>& job, const TransformPl
         sum_pieces(job, plan, x, y, rows, work);
       else
         sum_piece(job, plan, x, y, rows, work);
-      for (int64_t i = 0; i < rows; ++i) {
-        if (!plan.several && i % kBand == 0) combine_band(plan, i, work);
-        int32_t* const ints = plan.several ? nullptr : work.sums + i % kBand * kMostColumns;
+      for (int64_t i = 0; i < rows; i += kBand) {
+        if (!plan.several) combine_band(plan, i, work);
+        int32_t* const ints = plan.several ? nullptr : work.sums;
         double* const doubles = plan.several ? work.all + i * plan.sums_pitch : nullptr;
-        sums.at_row(y + i);
-        if constexpr (!kIsSigned<T>) add_missing(sums, missing, plan.columns, ints, doubles);
-        scorer.put(scorer.scores, y + i, {ints, doubles});
+        const int64_t pitch = plan.several ? plan.sums_pitch : kMostColumns;
+        const int count = int(rows - i < kBand ? rows - i : kBand);
+        if constexpr (!kIsSigned<T>)
+          for (int k = 0; k < count; ++k) {
+            sums.at_row(y + i + k);
+            add_missing(sums, missing, plan.columns, ints == nullptr ? ints : ints + k * pitch,
+                        doubles == nullptr ? doubles : doubles + k * pitch);
+          }
+        scorer.put(scorer.scores, y + i, count, {ints, doubles, pitch});
       }
     }
   }

@@ -129,8 +129,8 @@ constexpr bool within_16_bits(int prime) {
          join(start) < 32768 && 4 * middle < 32768 && join(middle) < 32768 && 2 * end < 16384;
 }
 static_assert(within_16_bits(kPrimes[0]) && within_16_bits(kPrimes[1]));
-// Of residues below 2^14, the multiple of the first prime stays within half of the second.
-static_assert((kPiecePixels * 16384 + 16384) / kPrimes[0] + 1 <= kPrimes[1] / 2);
+// Of residues below 2^14: what sums are multiples of the first prime by, beside these.
+constexpr int kMostMultiple = (kPiecePixels * 16384 + 16384) / kPrimes[0] + 1;
 
 }  // namespace
 }  // namespace nuqi::NUQI_ISA

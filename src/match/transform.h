@@ -41,11 +41,11 @@ struct BandPixels {
 template <class T>
 constexpr T kCentre = kIsSigned<T> ? 0 : 128;
 
-// Rows from y on, `count` of them, of which the first `width` pixels from x on; zeros behind both.
+// Rows from y on, `count` of them, of which the first `width` pixels from x on. What lies behind both stays as
+// it was: it gives no sum that is used.
 template <class T>
 NUQI_NOINLINE void take_band(const Image<const T>& image, int64_t x, int64_t y, int64_t width,
                              int64_t count, BandPixels& band) {
-  if (width < kOrder || count < kBand) band.clear();
   for (int i = 0; i < kBand && i < count; ++i) {
     const T* const row = row_of(image, y + i) + x;
     for_blocks<16>(width < kOrder ? width : kOrder, [&](int64_t c, auto part) NUQI_FORCED {
@@ -248,6 +248,8 @@ NUQI_NOINLINE void combine(const int16_t* a, const int16_t* b, int64_t pitch, in
                            int32_t* to, int64_t to_pitch) {
   constexpr Factor kInverse =
       factor_of(power_of(kPrimes[0], kPrimes[1] - 2, kPrimes[1]), kPrimes[1]);
+  // The primes are 512 apart, so that the factor is 128: what it gives is k, not k and the prime.
+  static_assert(kMostMultiple + kPrimes[1] / 2 + 1 + kInverse.value[0] / 2 < kPrimes[1]);
   const Band prime = broadcast<int16_t, kBand>((int16_t)kPrimes[1]);
   const Band factors =
       lanes_as<int16_t>(broadcast<int32_t, kBand / 2>((int32_t)((uint32_t)kPrimes[0] << 16 | 1)));
@@ -256,7 +258,7 @@ NUQI_NOINLINE void combine(const int16_t* a, const int16_t* b, int64_t pitch, in
     for_each<4>([&](int i) NUQI_FORCED {
       const int64_t at = (c + i) * pitch;
       const Band x = load<kBand>(a + at), difference = load<kBand>(b + at) - x;
-      const Band k = least(multiply(difference, kInverse, prime), kPrimes[1]);
+      const Band k = multiply(difference, kInverse, prime);
       const typename UpTo<kBand>::Type lanes;
       low[i] = dot_pairs(Band{{zip_half<0>(x.r[0], k.r[0], lanes)}}, factors);
       high[i] = dot_pairs(Band{{zip_half<1>(x.r[0], k.r[0], lanes)}}, factors);

@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <fstream>
+#include <map>
 #include <thread>
 
 #include "run_program.h"
@@ -54,7 +55,10 @@ TEST_F(OutputFiles, ReadAsThePictureThatWasWritten) {
     }
     write_picture(path("out.png"), picture);
     write_picture(path("out.jpg"), picture);
-    EXPECT_EQ(whole_picture(*open_rows(path("out.png"), Form::stored), "").pixels, picture.pixels);
+    write_picture(path("out.pnm"), picture);
+    EXPECT_EQ(read_picture(path("out.png"), Form::stored).pixels, picture.pixels);
+    EXPECT_EQ(read_picture(path("out.pnm")).pixels, read_picture(path("out.png")).pixels);
+    EXPECT_EQ(read_picture(path("out.pnm"), Form::stored).channels, channels == 1 ? 1 : 3);
     const Picture jpeg = read_picture(path("out.jpg"));
     for (size_t i = 0; i < jpeg.pixels.size(); ++i) {
       const size_t at = channels == 1 ? i / 3 : i / 3 * size_t(channels) + i % 3;
@@ -216,6 +220,81 @@ TEST_F(OutputFiles, StdoutThatTakesNothingIsAnError) {
   }
   // Nor is the report written into a picture that got stdout's number.
   EXPECT_EQ(read_grey("out.png").size(), 4u);
+}
+
+TEST_F(OutputFiles, StandardStreams) {
+  write_text("in.png", png());
+  ASSERT_EQ(run({"blur", path("in.png"), path("expected.png")}).code, 0);
+  const Outcome piped =
+      run_by_shell({"blur", "-", "-"}, "<" + path("in.png") + " >" + path("out.png"));
+  ASSERT_EQ(piped.code, 0) << piped.err;
+  EXPECT_NE(piped.err.find("means of 3x3 pixels"), std::string::npos) << piped.err;
+  EXPECT_TRUE(read_text("out.png") == read_text("expected.png"));
+  // Read twice, and through a pipe.
+  ASSERT_EQ(
+      run_by_shell({"sobel", "-", "-"}, "<" + path("in.png") + " | cat >" + path("out.png")).code,
+      0);
+  ASSERT_EQ(run({"sobel", path("in.png"), path("expected.png")}).code, 0);
+  EXPECT_TRUE(read_text("out.png") == read_text("expected.png"));
+  const std::string in = " <" + path("in.png");
+  EXPECT_NE(run_by_shell({"diff", "-", "-", path("out.png")}, in).err.find("only once"),
+            std::string::npos);
+  expect_refused({"split", path("in.png"), "-", path("g.png"), "-"}, {"two outputs"});
+  expect_refused({"stats", path("in.png"), "--histogram", "-"}, {"--histogram -"});
+  expect_refused({"profile", path("in.png"), "0,0", "1,1", "--plot", "-"}, {"--plot -"});
+  EXPECT_EQ(run_by_shell({"blur", path("in.png"), "-"}, ">/dev/full").code, 2);
+}
+
+TEST_F(OutputFiles, CompressionIsChosen) {
+  write_text("in.png", png());
+  std::map<std::string, size_t> sizes;
+  for (const char* level : {"0", "1", "9"}) {
+    ASSERT_EQ(run({"blur", path("in.png"), path("out.png"), "--compression", level}).code, 0);
+    sizes[level] = read_text("out.png").size();
+  }
+  EXPECT_GT(sizes["0"], sizes["1"]);
+  EXPECT_GT(sizes["1"], sizes["9"]);
+  expect_refused({"blur", path("in.png"), path("out.png"), "--compression", "10"},
+                 {"--compression"});
+}
+
+// What a command cannot keep of a picture, it says.
+TEST_F(OutputFiles, NotesTellWhatIsLost) {
+  const auto write = [&](const char* name, const PngKind& kind) {
+    write_text(name, text_of(png_of(kind, {50, 40}, noise)));
+    return path(name);
+  };
+  const std::string wide = write("wide.png", {"", 2, 16}), clear = write("clear.png", {"", 6, 8});
+  const std::string plain = write("plain.png", {"", 2, 8}), out = path("out.png");
+  EXPECT_NE(run({"blur", wide, out}).err.find(wide + ": its 16 bits are rounded to 8\n"),
+            std::string::npos);
+  EXPECT_NE(run({"blur", clear, out}).err.find(clear + ": its alpha is laid over white\n"),
+            std::string::npos);
+  EXPECT_NE(run({"erode", clear, path("out.jpg")}).err.find("JPEG keeps no alpha"),
+            std::string::npos);
+  EXPECT_EQ(run({"erode", clear, out}).err, "");
+  EXPECT_EQ(run({"blur", plain, out}).err, "");
+}
+
+TEST_F(OutputFiles, GreyAndAlphaSurvive) {
+  const std::string grey = write_grey("grey.png", {4, 4}, std::vector<uint8_t>(16, 77));
+  const std::string out = path("out.png");
+  using Arguments = std::vector<std::string>;
+  for (const Arguments& arguments : {Arguments{"diff", grey, grey, out},
+                                     {"fill", grey, out, "1,1"},
+                                     {"pyramid", grey, out, "--levels", "1"},
+                                     {"blur", grey, out},
+                                     {"close", grey, out}}) {
+    ASSERT_EQ(run(arguments).code, 0);
+    EXPECT_EQ(read_picture(out, Form::stored).channels, 1) << arguments[0];
+  }
+  write_text("clear.png", text_of(png_of({"", 6, 8}, {3, 1}, [](int x, int) {
+               return Rgba{10, 20, 30, 100 + x};
+             })));
+  const Outcome filled = run({"fill", path("clear.png"), out, "1,0", "--value", "5"});
+  ASSERT_EQ(filled.code, 0) << filled.err;
+  EXPECT_EQ(read_picture(out, Form::stored).pixels,
+            (std::vector<uint8_t>{10, 20, 30, 100, 5, 5, 5, 101, 10, 20, 30, 102}));
 }
 
 TEST_F(OutputFiles, APipeIsReadOnce) {

@@ -30,6 +30,8 @@ class ProgramTest : public testing::Test {
   Outcome run_by_shell(const std::vector<std::string>& arguments,
                        const std::string& redirections) const;
 
+  Outcome run_bash(const std::string& script) const { return spawn("/bin/bash", {"-c", script}); }
+
   // Exit code 2 and one line on stderr that holds every word.
   void expect_refused(const std::vector<std::string>& arguments,
                       const std::vector<std::string>& words) const;

@@ -17,7 +17,11 @@ namespace {
 constexpr char kFooter[] =
     "Writes a picture of IN's size, grey or in colours: in each channel the mean of the square of\n"
     "pixels around each pixel, rounded. Pixels beyond an edge equal the edge pixel.\n"
-    "Takes pictures larger than memory (`nuqi --help`).\n";
+    "Takes pictures larger than memory (`nuqi --help`).\n"
+    "\n"
+    "nuqiBlur_8u16s_C1R gives sums, which are divided here. nuqiConvolFree succeeds and leaves "
+    "the\n"
+    "state's memory allocated, by contract: a program that blurs often keeps its states.\n";
 
 struct Options {
   std::string in, out;

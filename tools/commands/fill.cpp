@@ -1,5 +1,6 @@
 // nuqi fill: paints the connected region of a pixel.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -11,7 +12,7 @@
 #include "core/isa.h"
 #include "failure.h"
 #include "pictures/file.h"
-#include "pictures/picture.h"
+#include "pictures/row_reader.h"
 #include "report.h"
 
 namespace tools {
@@ -20,7 +21,9 @@ namespace {
 constexpr char kFooter[] =
     "Paints the region of the pixel X,Y: without --lower and --upper all connected pixels that\n"
     "equal it, with them those reached from neighbour to neighbour in steps of at most --lower\n"
-    "down and --upper up. The region is found in the grey picture; all channels are painted.\n";
+    "down and --upper up. The region is found in the grey picture; grey or red, green and blue "
+    "are\n"
+    "painted, alpha stays.\n";
 
 struct Options {
   std::string in, out, seed, region;
@@ -58,7 +61,7 @@ void fill_region(const Options& options) {
   check_outputs_differ({options.out, options.region});
   if (options.lower + options.upper > 255)
     throw UserError("--lower and --upper: their sum must not exceed 255");
-  Picture picture = read_picture(options.in);
+  Picture picture = read_picture(options.in, Form::stored);
   check_inside(seed, options.seed, options.in, picture.size);
   const Plane<uint8_t> grey = grey_of(picture);
 
@@ -81,7 +84,7 @@ void fill_region(const Options& options) {
   bool changed = false;
   for (size_t i = 0; i < mask.values.size(); ++i) {
     if (mask.values[i] == 0) continue;
-    for (size_t c = 0; c < size_t(picture.channels); ++c) {
+    for (size_t c = 0; c < size_t(std::min(picture.channels, 3)); ++c) {
       uint8_t& channel = picture.pixels[i * size_t(picture.channels) + c];
       changed = changed || channel != options.value;
       channel = uint8_t(options.value);

@@ -1,0 +1,289 @@
+/// Norms: how large an image is, how far apart two are, absolutely or relative to the second.
+#ifndef NUQI_HPP_NORMS_HPP
+#define NUQI_HPP_NORMS_HPP
+
+#include <nuqi/hpp/selection.hpp>
+
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+namespace nuqi {
+
+namespace detail {
+
+inline constexpr auto kNormInf =
+    overloads(fn<std::uint8_t, 1>(nuqiNorm_Inf_8u_C1MR), fn<std::int8_t, 1>(nuqiNorm_Inf_8s_C1MR),
+              fn<float, 1>(nuqiNorm_Inf_32f_C1MR), fn<std::uint8_t, 3>(nuqiNorm_Inf_8u_C3CMR),
+              fn<std::int8_t, 3>(nuqiNorm_Inf_8s_C3CMR), fn<float, 3>(nuqiNorm_Inf_32f_C3CMR));
+inline constexpr auto kNormL1 =
+    overloads(fn<std::uint8_t, 1>(nuqiNorm_L1_8u_C1MR), fn<std::int8_t, 1>(nuqiNorm_L1_8s_C1MR),
+              fn<float, 1>(nuqiNorm_L1_32f_C1MR), fn<std::uint8_t, 3>(nuqiNorm_L1_8u_C3CMR),
+              fn<std::int8_t, 3>(nuqiNorm_L1_8s_C3CMR), fn<float, 3>(nuqiNorm_L1_32f_C3CMR));
+inline constexpr auto kNormL2 =
+    overloads(fn<std::uint8_t, 1>(nuqiNorm_L2_8u_C1MR), fn<std::int8_t, 1>(nuqiNorm_L2_8s_C1MR),
+              fn<float, 1>(nuqiNorm_L2_32f_C1MR), fn<std::uint8_t, 3>(nuqiNorm_L2_8u_C3CMR),
+              fn<std::int8_t, 3>(nuqiNorm_L2_8s_C3CMR), fn<float, 3>(nuqiNorm_L2_32f_C3CMR));
+inline constexpr auto kNormDiffInf = overloads(
+    fn<std::uint8_t, 1>(nuqiNormDiff_Inf_8u_C1MR), fn<std::int8_t, 1>(nuqiNormDiff_Inf_8s_C1MR),
+    fn<float, 1>(nuqiNormDiff_Inf_32f_C1MR), fn<std::uint8_t, 3>(nuqiNormDiff_Inf_8u_C3CMR),
+    fn<std::int8_t, 3>(nuqiNormDiff_Inf_8s_C3CMR), fn<float, 3>(nuqiNormDiff_Inf_32f_C3CMR));
+inline constexpr auto kNormDiffL1 = overloads(
+    fn<std::uint8_t, 1>(nuqiNormDiff_L1_8u_C1MR), fn<std::int8_t, 1>(nuqiNormDiff_L1_8s_C1MR),
+    fn<float, 1>(nuqiNormDiff_L1_32f_C1MR), fn<std::uint8_t, 3>(nuqiNormDiff_L1_8u_C3CMR),
+    fn<std::int8_t, 3>(nuqiNormDiff_L1_8s_C3CMR), fn<float, 3>(nuqiNormDiff_L1_32f_C3CMR));
+inline constexpr auto kNormDiffL2 = overloads(
+    fn<std::uint8_t, 1>(nuqiNormDiff_L2_8u_C1MR), fn<std::int8_t, 1>(nuqiNormDiff_L2_8s_C1MR),
+    fn<float, 1>(nuqiNormDiff_L2_32f_C1MR), fn<std::uint8_t, 3>(nuqiNormDiff_L2_8u_C3CMR),
+    fn<std::int8_t, 3>(nuqiNormDiff_L2_8s_C3CMR), fn<float, 3>(nuqiNormDiff_L2_32f_C3CMR));
+inline constexpr auto kNormRelInf = overloads(
+    fn<std::uint8_t, 1>(nuqiNormRel_Inf_8u_C1MR), fn<std::int8_t, 1>(nuqiNormRel_Inf_8s_C1MR),
+    fn<float, 1>(nuqiNormRel_Inf_32f_C1MR), fn<std::uint8_t, 3>(nuqiNormRel_Inf_8u_C3CMR),
+    fn<std::int8_t, 3>(nuqiNormRel_Inf_8s_C3CMR), fn<float, 3>(nuqiNormRel_Inf_32f_C3CMR));
+inline constexpr auto kNormRelL1 = overloads(
+    fn<std::uint8_t, 1>(nuqiNormRel_L1_8u_C1MR), fn<std::int8_t, 1>(nuqiNormRel_L1_8s_C1MR),
+    fn<float, 1>(nuqiNormRel_L1_32f_C1MR), fn<std::uint8_t, 3>(nuqiNormRel_L1_8u_C3CMR),
+    fn<std::int8_t, 3>(nuqiNormRel_L1_8s_C3CMR), fn<float, 3>(nuqiNormRel_L1_32f_C3CMR));
+inline constexpr auto kNormRelL2 = overloads(
+    fn<std::uint8_t, 1>(nuqiNormRel_L2_8u_C1MR), fn<std::int8_t, 1>(nuqiNormRel_L2_8s_C1MR),
+    fn<float, 1>(nuqiNormRel_L2_32f_C1MR), fn<std::uint8_t, 3>(nuqiNormRel_L2_8u_C3CMR),
+    fn<std::int8_t, 3>(nuqiNormRel_L2_8s_C3CMR), fn<float, 3>(nuqiNormRel_L2_32f_C3CMR));
+
+/// What a measure needs: its C functions, how bands are combined, and how many pixels of bytes a sum may have
+/// before C's wraps.
+struct Inf {
+  static constexpr const auto& kNorm = kNormInf;
+  static constexpr const auto& kDiff = kNormDiffInf;
+  static constexpr const auto& kRel = kNormRelInf;
+  static constexpr std::int64_t kBytes = kUnlimited;
+  template <class T>
+  static double combined(double all, double norm) noexcept {
+    return norm > all ? norm : all;
+  }
+  static double of_total(double total) noexcept { return total; }
+};
+struct L1 {
+  static constexpr const auto& kNorm = kNormL1;
+  static constexpr const auto& kDiff = kNormDiffL1;
+  static constexpr const auto& kRel = kNormRelL1;
+  static constexpr std::int64_t kBytes = std::int64_t{1} << 23;  // times 255 is below 2^31
+  template <class T>
+  static double combined(double all, double norm) noexcept {
+    return all + norm;
+  }
+  static double of_total(double total) noexcept { return total; }
+};
+struct L2 {
+  static constexpr const auto& kNorm = kNormL2;
+  static constexpr const auto& kDiff = kNormDiffL2;
+  static constexpr const auto& kRel = kNormRelL2;
+  // The square of the rounded root of an integer below 2^40 is less than a half from it.
+  static constexpr std::int64_t kBytes = std::int64_t{1} << 23;
+  template <class T>
+  static double combined(double all, double norm) noexcept {
+    const double square = norm * norm;
+    return all + (std::is_same_v<T, float> ? square : std::floor(square + 0.5));
+  }
+  static double of_total(double total) noexcept { return std::sqrt(total); }
+};
+
+/// The number of pixels that a mask selects.
+inline std::int64_t count_of(View<const std::uint8_t> mask) {
+  auto* const function = find<std::uint8_t, 1>(kNormL1);
+  std::int64_t count = 0;
+  (void)in_bands(
+      Ones::kPixels,
+      [&](RoiSize roi, auto part) {
+        double sum = 0;
+        const auto of_ones = ones(roi);
+        const StatusCode status =
+            function(of_ones.data, of_ones.step, part.data, part.step, roi, &sum);
+        count += static_cast<std::int64_t>(sum) / 255;
+        return status;
+      },
+      mask);
+  return count;
+}
+
+/// C has these functions with masks only: without one, bands are as large as the mask of ones.
+template <class Measure, class T, bool kMasked>
+inline constexpr std::int64_t kPixelsOfNorm = !kMasked                   ? Ones::kPixels
+                                              : std::is_same_v<T, float> ? kUnlimited
+                                                                         : Measure::kBytes;
+
+/// A function of the bands of some images and, where there is one, of their mask, the last of the views.
+template <bool kMasked, class Function, class... Parts>
+[[gnu::always_inline]] inline StatusCode read_band(Function function, RoiSize roi, Parts... parts) {
+  if constexpr (kMasked) {
+    return function(roi, parts...);
+  } else {
+    return function(roi, parts..., ones(roi));
+  }
+}
+
+/// The sum, or maximum, over all bands, in double precision: exact for bytes.
+template <class Measure, bool kMasked, class Function, class First, class... Others>
+[[gnu::noinline]] double total_of(const char* name, Function* function, int channel, First first,
+                                  Others... others) {
+  using T = typename First::element;
+  double total = 0;
+  double norm = 0;
+  const auto call = reading<First::channels()>(function, channel, &norm);
+  const auto add = [&](RoiSize roi, auto... parts) {
+    const StatusCode status = read_band<kMasked>(call, roi, parts...);
+    total = Measure::template combined<T>(total, norm);
+    return status;
+  };
+  require(in_bands(kPixelsOfNorm<Measure, T, kMasked>, add, first, others...), name, first,
+          others...);
+  return total;
+}
+
+/// By one call where that is right, else band by band.
+template <class Measure, bool kMasked, class Function, class First, class... Others>
+double norm(const char* name, Function* function, int channel, First first, Others... others) {
+  if (fits(first, others...) &&
+      first.size() <= kPixelsOfNorm<Measure, typename First::element, kMasked>) {
+    double value = 0;
+    const auto call = reading<First::channels()>(function, channel, &value);
+    require(read_band<kMasked>(call, roi_of(first), whole(first), whole(others)...), name, first,
+            others...);
+    return value;
+  }
+  return Measure::of_total(total_of<Measure, kMasked>(name, function, channel, first, others...));
+}
+
+template <class Measure, bool kMasked, class First, class... Mask>
+double norm_rel(const char* name, int channel, First a, First b, Mask... mask) {
+  auto* const function = find<typename First::element, First::channels()>(Measure::kRel);
+  if (fits(a, b, mask...) && a.size() <= kPixelsOfNorm<Measure, typename First::element, kMasked>) {
+    return norm<Measure, kMasked>(name, function, channel, a, b, mask...);
+  }
+  constexpr double kLeast = 1.0 / (std::int64_t{1} << 52);  // what C takes for a denominator of 0
+  auto* const diff = find<typename First::element, First::channels()>(Measure::kDiff);
+  auto* const base = find<typename First::element, First::channels()>(Measure::kNorm);
+  const double numerator = total_of<Measure, kMasked>(name, diff, channel, a, b, mask...);
+  const double denominator = total_of<Measure, kMasked>(name, base, channel, b, mask...);
+  return Measure::of_total(numerator / (denominator == 0 ? kLeast : denominator));
+}
+
+/// Checks, then value(channel, views of the images..., mask, if any). Where is_zero(result), it may be that of an empty
+/// mask, and the mask is looked at.
+template <class Value, class IsZero, class Src, class... Arguments>
+auto read_one(const char* name, Value value, IsZero is_zero, const Src& src,
+              const Arguments&... selection) {
+  expect_selection<kChannelsOf<const Src>, Arguments...>();
+  const auto image = as_input(src);
+  const int channel = channel_of(selection...);
+  if constexpr (Selection<Arguments...>::kMasked) {
+    const auto mask = mask_of(selection...);
+    require(check_reading(channel, image, mask), name, src, selection...);
+    const auto result = value(channel, image, mask);
+    if (is_zero(result) && count_of(mask) == 0) refuse(kNothingSelected, name, src, selection...);
+    return result;
+  } else {
+    require(check_reading(channel, image), name, src, selection...);
+    return value(channel, image);
+  }
+}
+template <class Value, class A, class B, class... Arguments>
+double read_two(const char* name, Value value, const A& a, const B& b,
+                const Arguments&... selection) {
+  expect_alike<const A, const B>();
+  expect_selection<kChannelsOf<const A>, Arguments...>();
+  const auto first = as_input(a);
+  const auto second = as_input(b);
+  const int channel = channel_of(selection...);
+  if constexpr (Selection<Arguments...>::kMasked) {
+    const auto mask = mask_of(selection...);
+    require(check_reading(channel, first, second, mask), name, a, b, selection...);
+    const double result = value(channel, first, second, mask);
+    if (result == 0 && count_of(mask) == 0) refuse(kNothingSelected, name, a, b, selection...);
+    return result;
+  } else {
+    require(check_reading(channel, first, second), name, a, b, selection...);
+    return value(channel, first, second);
+  }
+}
+
+template <class Measure, class Src, class... Arguments>
+double norm_of(const char* name, const Src& src, const Arguments&... selection) {
+  auto* const function = find_for<Src>(Measure::kNorm);
+  const auto value = [=](int channel, auto image, auto... mask) {
+    return norm<Measure, (sizeof...(mask) > 0)>(name, function, channel, image, mask...);
+  };
+  return read_one(
+      name, value, [](double result) { return result == 0; }, src, selection...);
+}
+template <class Measure, class A, class B, class... Arguments>
+double norm_diff_of(const char* name, const A& a, const B& b, const Arguments&... selection) {
+  auto* const function = find_for<A>(Measure::kDiff);
+  const auto value = [=](int channel, auto x, auto y, auto... mask) {
+    return norm<Measure, (sizeof...(mask) > 0)>(name, function, channel, x, y, mask...);
+  };
+  return read_two(name, value, a, b, selection...);
+}
+template <class Measure, class A, class B, class... Arguments>
+double norm_rel_of(const char* name, const A& a, const B& b, const Arguments&... selection) {
+  const auto value = [=](int channel, auto x, auto y, auto... mask) {
+    return norm_rel<Measure, (sizeof...(mask) > 0)>(name, channel, x, y, mask...);
+  };
+  return read_two(name, value, a, b, selection...);
+}
+
+}  // namespace detail
+
+// All take images of uint8_t, int8_t or float and, after them, a Mask, a channel of three (from 0 on), a Mask and a
+// channel, or nothing. Results are exact for bytes, of any size: sums do not wrap here. Floats are summed in single
+// precision within bands of 16384 pixels, with masks within the whole image, as nuqi.h says, and in double precision
+// across bands. An empty mask is an error. A relative norm whose denominator is 0 is the numerator times 2^52.
+
+/// The largest of |src|.
+template <class Src, class... Selection>
+[[nodiscard]] double norm_inf(const Src& src, const Selection&... selection) {
+  return detail::norm_of<detail::Inf>("norm_inf", src, selection...);
+}
+/// The largest of |a - b|.
+template <class A, class B, class... Selection>
+[[nodiscard]] double norm_diff_inf(const A& a, const B& b, const Selection&... selection) {
+  return detail::norm_diff_of<detail::Inf>("norm_diff_inf", a, b, selection...);
+}
+/// The largest of |a - b|, divided by that of |b|.
+template <class A, class B, class... Selection>
+[[nodiscard]] double norm_rel_inf(const A& a, const B& b, const Selection&... selection) {
+  return detail::norm_rel_of<detail::Inf>("norm_rel_inf", a, b, selection...);
+}
+/// The sum of |src|.
+template <class Src, class... Selection>
+[[nodiscard]] double norm_l1(const Src& src, const Selection&... selection) {
+  return detail::norm_of<detail::L1>("norm_l1", src, selection...);
+}
+/// The sum of |a - b|.
+template <class A, class B, class... Selection>
+[[nodiscard]] double norm_diff_l1(const A& a, const B& b, const Selection&... selection) {
+  return detail::norm_diff_of<detail::L1>("norm_diff_l1", a, b, selection...);
+}
+/// The sum of |a - b|, divided by that of |b|.
+template <class A, class B, class... Selection>
+[[nodiscard]] double norm_rel_l1(const A& a, const B& b, const Selection&... selection) {
+  return detail::norm_rel_of<detail::L1>("norm_rel_l1", a, b, selection...);
+}
+/// The root of the sum of squares of |src|.
+template <class Src, class... Selection>
+[[nodiscard]] double norm_l2(const Src& src, const Selection&... selection) {
+  return detail::norm_of<detail::L2>("norm_l2", src, selection...);
+}
+/// The root of the sum of squares of |a - b|.
+template <class A, class B, class... Selection>
+[[nodiscard]] double norm_diff_l2(const A& a, const B& b, const Selection&... selection) {
+  return detail::norm_diff_of<detail::L2>("norm_diff_l2", a, b, selection...);
+}
+/// The root of the sum of squares of |a - b|, divided by that of |b|.
+template <class A, class B, class... Selection>
+[[nodiscard]] double norm_rel_l2(const A& a, const B& b, const Selection&... selection) {
+  return detail::norm_rel_of<detail::L2>("norm_rel_l2", a, b, selection...);
+}
+
+}  // namespace nuqi
+
+#endif

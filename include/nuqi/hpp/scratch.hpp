@@ -1,0 +1,49 @@
+/// Working memory that is kept between calls.
+#ifndef NUQI_HPP_SCRATCH_HPP
+#define NUQI_HPP_SCRATCH_HPP
+
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <utility>
+
+namespace nuqi {
+
+/// Memory for operations that need some. It grows on demand and is kept: pass one object to all calls, and only
+/// the first, or a larger one, allocates. Serves one call at a time, of any operation.
+class Scratch {
+ public:
+  Scratch() noexcept = default;
+  Scratch(Scratch&& other) noexcept { swap(other); }
+  Scratch& operator=(Scratch&& other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~Scratch() = default;
+
+  /// At least so many bytes, of undefined content; null where there are none. What was got before is lost.
+  [[nodiscard]] void* get(std::size_t bytes) noexcept {
+    if (bytes > size_) grow(bytes);
+    return block_.get();
+  }
+  /// The bytes that are kept.
+  [[nodiscard]] std::size_t size() const noexcept { return size_; }
+
+ private:
+  void grow(std::size_t bytes) noexcept {
+    block_.reset();  // first, so that both need not fit
+    block_.reset(new (std::nothrow) unsigned char[bytes]);
+    size_ = block_ != nullptr ? bytes : 0;
+  }
+  void swap(Scratch& other) noexcept {
+    std::swap(block_, other.block_);
+    std::swap(size_, other.size_);
+  }
+
+  std::unique_ptr<unsigned char[]> block_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace nuqi
+
+#endif

@@ -1,0 +1,250 @@
+// Canny's edges: steps of derivatives, ties between neighbours, thresholds from the picture.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+#include "pictures.h"
+
+namespace {
+
+using nuqi::EdgeOperator;
+using nuqi::Image;
+using nuqi::View;
+using pictures::noise;
+using pictures::roi_of;
+using pictures::same;
+using pictures::step;
+namespace detail = nuqi::detail;
+
+struct Derivatives {
+  Image<std::int16_t> dx, dy;
+};
+
+Derivatives derivatives_by_c(const Image<std::uint8_t>& src, EdgeOperator of) {
+  Derivatives d{{src.width(), src.height()}, {src.width(), src.height()}};
+  const RoiSize roi = roi_of(src);
+  const auto from = step(src.step()), to = step(d.dx.step());
+  if (of == EdgeOperator::sobel) {
+    EXPECT_EQ(nuqiSobel3x3_Dx_8u16s_C1R(src.data(), from, d.dx.data(), to, roi), StatusOk);
+    EXPECT_EQ(nuqiSobel3x3_Dy_8u16s_C1R(src.data(), from, d.dy.data(), to, 0, roi), StatusOk);
+  } else {
+    EXPECT_EQ(nuqiScharr_Dx_8u16s_C1R(src.data(), from, d.dx.data(), to, roi, 0), StatusOk);
+    EXPECT_EQ(nuqiScharr_Dy_8u16s_C1R(src.data(), from, d.dy.data(), to, 0, roi, 0), StatusOk);
+  }
+  return d;
+}
+
+Image<std::uint8_t> canny_by_c(const Derivatives& d, float low, float high) {
+  Image<std::uint8_t> dst(d.dx.width(), d.dx.height());
+  std::int32_t size = 0;
+  EXPECT_EQ(nuqiCannyGetSize(roi_of(dst), &size), StatusOk);
+  std::vector<std::uint8_t> buffer(static_cast<std::size_t>(size));
+  EXPECT_EQ(
+      nuqiCanny_16s8u_C1R(d.dx.data(), step(d.dx.step()), d.dy.data(), step(d.dy.step()),
+                          dst.data(), step(dst.step()), roi_of(dst), low, high, buffer.data()),
+      StatusOk);
+  return dst;
+}
+
+// Canny's method from its description, with the neighbours' ties decided by parity.
+class Reference {
+ public:
+  Reference(const Derivatives& d, int low, int high)
+      : d_(d), low_(low), edges_(d.dx.width(), d.dx.height()) {
+    for (int y = 0; y < height(); ++y)
+      for (int x = 0; x < width(); ++x)
+        if (stays(x, y) && strength(x, y) > high) grow(x, y);
+  }
+  const Image<std::uint8_t>& edges() const { return edges_; }
+
+ private:
+  int width() const { return static_cast<int>(edges_.width()); }
+  int height() const { return static_cast<int>(edges_.height()); }
+  bool inside(int x, int y) const { return x >= 0 && y >= 0 && x < width() && y < height(); }
+  int strength(int x, int y) const {
+    return inside(x, y) ? std::abs(int{d_.dx(x, y)}) + std::abs(int{d_.dy(x, y)}) : 0;
+  }
+  bool stronger(int x, int y, int x2, int y2) const {
+    const int a = strength(x, y), b = strength(x2, y2) > low_ ? strength(x2, y2) : -1;
+    return a != b ? a > b : x % 2 + 2 * (y % 2) > x2 % 2 + 2 * (y2 % 2);
+  }
+  bool stays(int x, int y) const {
+    if (strength(x, y) <= low_) return false;
+    const int a = std::abs(int{d_.dx(x, y)}), b = std::abs(int{d_.dy(x, y)});
+    const bool falling = (d_.dx(x, y) < 0) == (d_.dy(x, y) < 0);
+    int u = 0, v = 1;
+    if (b * 4096 < a * 1697) {
+      u = 1, v = 0;
+    } else if (b * 4096 < a * 9889) {
+      u = 1, v = falling ? 1 : -1;
+    }
+    return stronger(x, y, x + u, y + v) && stronger(x, y, x - u, y - v);
+  }
+  void grow(int x, int y) {
+    std::vector<PixelPoint> open = {{x, y}};
+    while (!open.empty()) {
+      const PixelPoint p = open.back();
+      open.pop_back();
+      if (!inside(p.x, p.y) || edges_(p.x, p.y) != 0 || !stays(p.x, p.y)) continue;
+      edges_(p.x, p.y) = 255;
+      for (int v = -1; v <= 1; ++v)
+        for (int u = -1; u <= 1; ++u) open.push_back({p.x + u, p.y + v});
+    }
+  }
+
+  const Derivatives& d_;
+  int low_;
+  Image<std::uint8_t> edges_;
+};
+
+// Few levels: many ties, and derivatives in exact ratios.
+Image<std::uint8_t> steps(std::int64_t width, std::int64_t height, std::uint32_t seed) {
+  auto image = noise<std::uint8_t>(width, height, seed);
+  for (std::int64_t y = 0; y < height; ++y)
+    for (std::int64_t x = 0; x < width; ++x) {
+      image(x, y) = static_cast<std::uint8_t>(image(x, y) % 3 * 127);
+      if ((x / 5 + y / 3) % 2 != 0) image(x, y) = 255;
+    }
+  return image;
+}
+
+TEST(Canny, BreaksTiesAndNothingElse) {
+  int more = 0;
+  for (const EdgeOperator of : {EdgeOperator::sobel, EdgeOperator::scharr}) {
+    for (const auto& src : {noise<std::uint8_t>(70, 41), steps(64, 33, 1), steps(7, 50, 2)}) {
+      const Derivatives d = derivatives_by_c(src, of);
+      for (const float low : {0.0f, 1.5f, 380.0f, 1020.0f}) {
+        for (const float high : {low, low * 2 + 10.75f, 9000.0f}) {
+          Image<std::uint8_t> found(src.width(), src.height());
+          nuqi::canny(src, found, low, high, of);
+          const Reference expected(d, static_cast<int>(low), static_cast<int>(high));
+          EXPECT_TRUE(same(found, expected.edges())) << low << ", " << high;
+          const Image<std::uint8_t> plain = canny_by_c(d, low, high);
+          for (std::int64_t y = 0; y < src.height(); ++y) {
+            for (std::int64_t x = 0; x < src.width(); ++x) {
+              ASSERT_GE(found(x, y), plain(x, y));
+              more += found(x, y) - plain(x, y) != 0 ? 1 : 0;
+            }
+          }
+        }
+      }
+    }
+  }
+  EXPECT_GT(more, 1000);  // the pictures had ties
+}
+
+// Every pair of derivatives that bytes have, at all four places: the direction and the sign stay.
+TEST(Canny, BreakingTiesKeepsDirections) {
+  const auto direction = [](int dx, int dy) {
+    const std::int64_t a = std::abs(dx), b = std::abs(dy);
+    const int of = b * 4096 < a * 1697 ? 0 : b * 4096 < a * 9889 ? 1 : 2;
+    return 2 * of + ((dx < 0) == (dy < 0) ? 1 : 0);
+  };
+  for (int a = 0; a <= 4080; a = a < 60 ? a + 1 : a + 67) {
+    for (int b = 0; b <= 4080; ++b) {
+      for (const int sign : {1, -1}) {
+        std::int16_t dx[2] = {static_cast<std::int16_t>(sign * a), static_cast<std::int16_t>(a)},
+                     dy[2];
+        dy[0] = static_cast<std::int16_t>(b), dy[1] = static_cast<std::int16_t>(-sign * b);
+        const std::int16_t dx_before[2] = {dx[0], dx[1]}, dy_before[2] = {dy[0], dy[1]};
+        detail::break_ties(dx, dy, 2, a % 2);
+        for (int x = 0; x < 2; ++x) {
+          ASSERT_EQ(std::abs(dx[x]) + std::abs(dy[x]), 4 * (a + b) + x + a % 2 * 2);
+          if (a + b == 0) continue;
+          ASSERT_EQ(direction(dx[x], dy[x]), direction(dx_before[x], dy_before[x]))
+              << a << ", " << b;
+        }
+      }
+    }
+  }
+}
+
+Image<std::uint8_t> edges_of(const Image<std::uint8_t>& src) {
+  Image<std::uint8_t> edges(src.width(), src.height());
+  nuqi::canny(src, edges);
+  return edges;
+}
+
+TEST(Canny, AWhiteSquareHasItsOutline) {
+  Image<std::uint8_t> square(40, 40);
+  for (int y = 10; y < 30; ++y)
+    for (int x = 10; x < 30; ++x) square(x, y) = 255;
+  const auto edges = edges_of(square);
+  // The outline is one pixel wide and closed: paint from outside does not reach the middle.
+  for (int y = 14; y < 26; ++y) {
+    const auto row = View<const std::uint8_t>(edges.row(y), 40, 1);
+    EXPECT_EQ(std::count(row.row(0), row.row(0) + 40, 255), 2) << "row " << y;
+  }
+  auto flooded = edges.clone();
+  nuqi::flood_fill(flooded, {0, 0}, 128);
+  EXPECT_EQ(flooded(20, 20), 0);
+  EXPECT_EQ(flooded(39, 39), 128);
+}
+
+TEST(Canny, AChessboardHasTheEdgesOfItsSquares) {
+  Image<std::uint8_t> board(64, 64);
+  for (int y = 0; y < 64; ++y)
+    for (int x = 0; x < 64; ++x) board(x, y) = (x / 8 + y / 8) % 2 != 0 ? 255 : 0;
+  const auto edges = edges_of(board);
+  for (int y = 3; y < 64; y += 8)
+    for (int x = 8; x < 64; x += 8)
+      EXPECT_EQ((edges(x - 1, y) + edges(x, y)) / 255, 1) << x << ", " << y;
+  for (int y = 3; y < 64; y += 8)
+    for (int x = 3; x < 64; x += 8) EXPECT_EQ(edges(x, y), 0);
+}
+
+TEST(Canny, OneRowOrColumnIsAPicture) {
+  Image<std::uint8_t> row(20, 1), column(1, 20);
+  for (int i = 10; i < 20; ++i) row(i, 0) = column(0, i) = 200;
+  const auto of_row = edges_of(row), of_column = edges_of(column);
+  EXPECT_EQ((of_row(9, 0) + of_row(10, 0)) / 255, 1);
+  EXPECT_EQ((of_column(0, 9) + of_column(0, 10)) / 255, 1);
+}
+
+// C walks each derivative by the other's step.
+TEST(Canny, StepsOfDerivativesMayDiffer) {
+  const auto src = noise<std::uint8_t>(50, 30);
+  const Derivatives d = derivatives_by_c(src, EdgeOperator::sobel);
+  Image<std::int16_t> wide(90, 30);
+  const View<std::int16_t> dy = wide.roi(20, 0, 50, 30);
+  for (int y = 0; y < 30; ++y) std::copy_n(d.dy.row(y), 50, dy.row(y));
+  Image<std::uint8_t> found(50, 30);
+  nuqi::Scratch scratch;
+  nuqi::canny_from(d.dx, dy, found, 200, 500, scratch);
+  EXPECT_TRUE(same(found, canny_by_c(d, 200, 500)));
+  nuqi::canny_from(d.dx, d.dy, found, 100, 300, scratch);
+  EXPECT_TRUE(same(found, canny_by_c(d, 100, 300)));
+
+  EXPECT_EQ(nuqi::canny_from(d.dx, dy, found, 3, 2, std::nothrow), StatusUnsupported);
+  EXPECT_EQ(nuqi::canny(src, found, -1, 2, EdgeOperator::sobel, std::nothrow), StatusUnsupported);
+  EXPECT_EQ(nuqi::canny(found, found, 1, 2, EdgeOperator::sobel, std::nothrow), StatusBadArg);
+  EXPECT_EQ(nuqi::canny_from(d.dx, wide, found, 1, 2, std::nothrow), StatusBadSize);
+}
+
+// The share is that of the pixels above the threshold; a flat picture has no edge.
+TEST(Canny, ThresholdsComeFromThePicture) {
+  const auto src = noise<std::uint8_t>(200, 100);
+  const Derivatives d = derivatives_by_c(src, EdgeOperator::sobel);
+  nuqi::Scratch scratch;
+  for (const double share : {0.05, 0.1, 0.5}) {
+    const nuqi::CannyThresholds found =
+        nuqi::canny_thresholds(src, EdgeOperator::sobel, share, scratch);
+    int above = 0;
+    for (int y = 0; y < 100; ++y)
+      for (int x = 0; x < 200; ++x) {
+        const int strength = std::abs(int{d.dx(x, y)}) + std::abs(int{d.dy(x, y)});
+        above += static_cast<float>(strength) > found.high ? 1 : 0;
+      }
+    EXPECT_GE(above, share * 20000);
+    EXPECT_LE(above, share * 20000 + 60);
+    EXPECT_EQ(found.low, std::floor(0.4f * found.high));
+  }
+  const auto none = edges_of(Image<std::uint8_t>(30, 30));
+  EXPECT_TRUE(same(none, Image<std::uint8_t>(30, 30)));
+}
+
+}  // namespace
