@@ -4,6 +4,7 @@ include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/nuqi)
 install(TARGETS nuqi nuqi_static nuqi_hpp nuqi_hpp_static EXPORT nuqi-targets)
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY examples/families DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 install(EXPORT nuqi-targets NAMESPACE nuqi:: DESTINATION ${package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/nuqi-config-version.cmake
   COMPATIBILITY SameMinorVersion)

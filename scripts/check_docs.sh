@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Holds the documents against the code: README's programs are the examples that CI builds, every vector
 # word stands in docs/simd.md, every family of nuqi.h with the number of its functions in
-# README's table, and every link leads somewhere.
+# README's table and names an example, every function has a line of its own, and every link leads
+# somewhere.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 fail() { echo "$*" >&2; exit 1; }
@@ -33,6 +34,16 @@ while read -r row; do
 done <<<"$counted"
 families=$(sed -n '/^| family /,/^$/p' README.md | grep -c '^| ')
 [ "$families" -eq $(($(wc -l <<<"$counted") + 1)) ] || fail "README's table has a family that nuqi.h lacks"
+
+# A function's own line begins with its family; a family's section names its example.
+unexplained=$(awk '/^\/\* ---- / {gsub(/^\/\* ---- | -+( \*\/)?$/, ""); family = $0}
+                   /^NUQI_API / && index(before, "/** " family ": ") != 1
+                   {before = $0}' include/nuqi/nuqi.h examples/new_family/include/nuqi/threshold.h)
+[ -z "$unexplained" ] || fail "no line with the family's name stands above:" "$unexplained"
+examples=$(sed -n 's/^ \* *Example *\(examples.*\)$/\1/p' include/nuqi/nuqi.h)
+[ "$(wc -l <<<"$examples")" -eq $(($(wc -l <<<"$counted") - 1)) ] || fail "a family of nuqi.h names no example"
+diff <(sort <<<"$examples") <(git ls-files 'examples/families/*.c' | sort) ||
+  fail "nuqi.h names (<) other examples than there are (>)"
 
 for page in README.md CONTRIBUTING.md docs/*.md; do
   { grep -oE '\]\([^)#: ]*[./][^)#: ]*\)' "$page" || true; } | sed 's/](//; s/)//' | while read -r target; do

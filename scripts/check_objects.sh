@@ -28,7 +28,9 @@ done
 budget() {
   case $1 in
     *:derivative3x3) echo 114 ;; # seven derivatives times three walks, unrolled by four rows
+    *:match_template_8[us]) echo 64 ;; # two methods; transforms unrolled by eight points
     *:norm) echo 88 ;;           # 54 functions
+    *:*_fill) echo 72 ;;         # four searches by words, and as many walks span by span, wide and narrow
     *) echo 40 ;;
   esac
 }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the library into a fresh folder and uses it from outside the tree: shared and static, by
 # find_package and by pkg-config; the C++ header with both compilers, as C++17 and C++20, without a warning.
-# check_package.sh BUILD_FOLDER
+# Then uninstalls it. check_package.sh BUILD_FOLDER
 set -euo pipefail
 build=$(realpath "$1")
 cd "$(dirname "$0")/.."
@@ -34,4 +34,7 @@ for compiler in g++ clang++; do
       LD_LIBRARY_PATH=$libdir "$away/every_operation" || { echo "$compiler -std=$standard: the C++ header fails" >&2; exit 1; }
   done
 done
-echo "installed, found and used: shared, static, by find_package and by pkg-config"
+xargs -d '\n' rm <"$build/install_manifest.txt"
+left=$(find "$away/usr" -type f -o -type l)
+[ -z "$left" ] || { echo "uninstalling leaves:" "$left" >&2; exit 1; }
+echo "installed, found, used and uninstalled: shared, static, by find_package and by pkg-config"

@@ -1,8 +1,6 @@
 // What goes wrong: the caller's mistakes, and calls that the library refuses.
 #pragma once
 
-#include <cstdio>
-#include <set>
 #include <stdexcept>
 #include <string>
 
@@ -19,12 +17,6 @@ struct UserError : std::runtime_error {
 inline void require_ok(StatusCode status, const char* call) {
   if (status == StatusOk) return;
   throw std::runtime_error(std::string(call) + " failed with status " + std::to_string(status));
-}
-
-// Something that is no failure but worth a sentence, once however often it is met.
-inline void print_note(const std::string& sentence) {
-  static std::set<std::string> printed;
-  if (printed.insert(sentence).second) std::fprintf(stderr, "nuqi: note: %s\n", sentence.c_str());
 }
 
 }  // namespace tools

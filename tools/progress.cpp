@@ -1,36 +1,31 @@
-// Progress on stderr: a bar on a terminal, at most about ten plain lines elsewhere.
+// Progress on stderr: a bar on a terminal, nothing elsewhere or where --quiet.
 #include "progress.h"
 
 #include <unistd.h>
 
 #include <cstdio>
 
+#include "report.h"
+
 namespace tools {
 namespace {
 
 constexpr int kBarWidth = 30;
-constexpr int kPlainLines = 10;
 
 }  // namespace
 
 Progress::Progress(std::string unit, int total)
-    : unit_(std::move(unit)), total_(total), terminal_(isatty(STDERR_FILENO) != 0) {
-  if (terminal_) draw_bar(count_text());
+    : unit_(std::move(unit)), total_(total), shown_(isatty(STDERR_FILENO) != 0 && !is_quiet()) {
+  if (shown_) draw_bar(count_text());
 }
 
 Progress::~Progress() {
-  if (terminal_ && done_ < total_) std::fputc('\n', stderr);
+  if (shown_ && done_ < total_) std::fputc('\n', stderr);
 }
 
 void Progress::advance(int units, const std::string& label) {
-  const long lines_before = long{done_} * kPlainLines / total_;
   done_ += units;
-  const std::string text = count_text() + (label.empty() ? "" : ": " + label);
-  if (terminal_) {
-    draw_bar(text);
-  } else if (long{done_} * kPlainLines / total_ > lines_before) {
-    std::fprintf(stderr, "%s\n", text.c_str());
-  }
+  if (shown_) draw_bar(count_text() + (label.empty() ? "" : ": " + label));
 }
 
 std::string Progress::count_text() const {

@@ -1,4 +1,4 @@
-// Progress on stderr: a bar on a terminal, at most about ten plain lines elsewhere.
+// Progress on stderr: a bar on a terminal, nothing elsewhere or where --quiet.
 #pragma once
 
 #include <string>
@@ -23,7 +23,7 @@ class Progress {
   std::string unit_;
   int total_;
   int done_ = 0;
-  bool terminal_;
+  bool shown_;
 };
 
 }  // namespace tools

@@ -12,15 +12,22 @@
  *           tested in the order that each function lists; the first failure is returned, and nothing
  *           has been written then. Where a function stores something all the same (a size query 0, a
  *           function that makes a state a null pointer), its list says so.
+ * Comments  The line above each function begins with the name of its section, which is its manual. Each
+ *           section names a short, complete program, installed under share/doc/nuqi.
  * Names     nuqi + operation + element types + layout. 8u, 8s, 16s and 32f are unsigned and signed
  *           bytes, 16-bit integers and single-precision floats; of two types the first is the
  *           source's. C1 is one channel, C3C one channel of three interleaved ones, I in place, M
  *           masked, R works on a ROI.
  * Threads   There is no global state: any number of calls may run at once on distinct outputs.
+ * Stack     A call takes less than 4 KB of the caller's stack, but for histograms, blurs and distances
+ *           (up to 16 KB), Sobel with selectable aperture, Laplace, erosion, dilation and template
+ *           matching (84 KB) and corners (120 KB).
  * Arithmetic  Single-precision operations round to nearest. The same bits come out on every
  *           instruction set, whatever the alignment and the steps. (The bits of a NaN that an
  *           operation creates are the processor's own.)
  */
+/** @file
+ * The public interface of nuqi: computer-vision primitives over regions of images. */
 #ifndef NUQI_NUQI_H
 #define NUQI_NUQI_H
 
@@ -42,32 +49,32 @@ extern "C" {
 
 /* ---- Types ----------------------------------------------------------------------------------- */
 
-/* A status; the line samplers return their positive number of samples through it. */
+/** A status; the line samplers return their positive number of samples through it. */
 typedef int32_t StatusCode;
 
 enum {
   StatusOk = 0,
-  StatusNothingToDo = 1,  /* a warning: a morphology strip had no rows to process */
-  StatusUnsupported = -5, /* an enumerated or ranged argument has a value outside its set */
-  StatusBadSize = -9939,  /* a width, height, aperture or (in most families) step is out of range */
-  StatusNullPtr = -9941,  /* a pointer is null */
-  StatusNoMemory = -9942, /* a state could not be allocated */
-  StatusDivByZero = -9943,   /* a sum that would divide is zero */
-  StatusBadArg = -9944,      /* an argument is outside its range */
-  StatusBadDataType = -9945, /* a data type is not 1 (8u), 2 (8s) or 9 (32f) */
-  StatusBadStep = -9947,     /* a step is too small or not a multiple of the element size */
-  StatusBadContext = -9950,  /* a state was made for another purpose */
-  StatusBadCoi = -9985,      /* a channel of interest is not 1, 2 or 3 */
-  StatusBadChannels = -9986  /* a channel count is not 1 or 3 */
+  StatusNothingToDo = 1,   /**< a warning: a morphology strip had no rows to process */
+  StatusUnsupported = -5,  /**< an enumerated or ranged argument has a value outside its set */
+  StatusBadSize = -9939,   /**< a size, an aperture or (in most families) a step is out of range */
+  StatusNullPtr = -9941,   /**< a pointer is null */
+  StatusNoMemory = -9942,  /**< a state could not be allocated */
+  StatusDivByZero = -9943, /**< a sum that would divide is zero */
+  StatusBadArg = -9944,    /**< an argument is outside its range */
+  StatusBadDataType = -9945, /**< a data type is not 1 (8u), 2 (8s) or 9 (32f) */
+  StatusBadStep = -9947,     /**< a step is too small or not a multiple of the element size */
+  StatusBadContext = -9950,  /**< a state was made for another purpose */
+  StatusBadCoi = -9985,      /**< a channel of interest is not 1, 2 or 3 */
+  StatusBadChannels = -9986  /**< a channel count is not 1 or 3 */
 };
 
-/* The size of a region in pixels. */
+/** The size of a region in pixels. */
 typedef struct RoiSize {
   int32_t width;
   int32_t height;
 } RoiSize;
 
-/* A pixel's position, counted from the region's top-left pixel (0, 0). */
+/** A pixel's position, counted from the region's top-left pixel (0, 0). */
 typedef struct PixelPoint {
   int32_t x;
   int32_t y;
@@ -99,68 +106,93 @@ typedef struct PixelPoint {
  *                nuqiAddProduct_32f_C1IR alone compares its two source steps with the width in
  *                pixels, so that their rows may overlap.
  *             StatusOk otherwise; a width or height of 0 touches no memory.
+ * Example     examples/families/accumulation.c
  */
+/** Accumulation: acc = acc + src; 8u. */
 NUQI_API StatusCode nuqiAdd_8u32f_C1IR(const uint8_t* src, int32_t srcStep, float* acc,
                                        int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src; 8s. */
 NUQI_API StatusCode nuqiAdd_8s32f_C1IR(const int8_t* src, int32_t srcStep, float* acc,
                                        int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src; 32f. */
 NUQI_API StatusCode nuqiAdd_32f_C1IR(const float* src, int32_t srcStep, float* acc, int32_t accStep,
                                      RoiSize roi);
+/** Accumulation: acc = acc + src * src; 8u. */
 NUQI_API StatusCode nuqiAddSquare_8u32f_C1IR(const uint8_t* src, int32_t srcStep, float* acc,
                                              int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src * src; 8s. */
 NUQI_API StatusCode nuqiAddSquare_8s32f_C1IR(const int8_t* src, int32_t srcStep, float* acc,
                                              int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src * src; 32f. */
 NUQI_API StatusCode nuqiAddSquare_32f_C1IR(const float* src, int32_t srcStep, float* acc,
                                            int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src1 * src2; 8u. */
 NUQI_API StatusCode nuqiAddProduct_8u32f_C1IR(const uint8_t* src1, int32_t src1Step,
                                               const uint8_t* src2, int32_t src2Step, float* acc,
                                               int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src1 * src2; 8s. */
 NUQI_API StatusCode nuqiAddProduct_8s32f_C1IR(const int8_t* src1, int32_t src1Step,
                                               const int8_t* src2, int32_t src2Step, float* acc,
                                               int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src1 * src2; 32f. */
 NUQI_API StatusCode nuqiAddProduct_32f_C1IR(const float* src1, int32_t src1Step, const float* src2,
                                             int32_t src2Step, float* acc, int32_t accStep,
                                             RoiSize roi);
+/** Accumulation: acc = acc + alpha * (src - acc); 8u. */
 NUQI_API StatusCode nuqiAddWeighted_8u32f_C1IR(const uint8_t* src, int32_t srcStep, float* acc,
                                                int32_t accStep, RoiSize roi, float alpha);
+/** Accumulation: acc = acc + alpha * (src - acc); 8s. */
 NUQI_API StatusCode nuqiAddWeighted_8s32f_C1IR(const int8_t* src, int32_t srcStep, float* acc,
                                                int32_t accStep, RoiSize roi, float alpha);
+/** Accumulation: acc = acc + alpha * (src - acc); 32f. */
 NUQI_API StatusCode nuqiAddWeighted_32f_C1IR(const float* src, int32_t srcStep, float* acc,
                                              int32_t accStep, RoiSize roi, float alpha);
 
+/** Accumulation: acc = acc + src under a mask; 8u. */
 NUQI_API StatusCode nuqiAdd_8u32f_C1IMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                         int32_t maskStep, float* acc, int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src under a mask; 8s. */
 NUQI_API StatusCode nuqiAdd_8s32f_C1IMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                         int32_t maskStep, float* acc, int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src under a mask; 32f. */
 NUQI_API StatusCode nuqiAdd_32f_C1IMR(const float* src, int32_t srcStep, const uint8_t* mask,
                                       int32_t maskStep, float* acc, int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src * src under a mask; 8u. */
 NUQI_API StatusCode nuqiAddSquare_8u32f_C1IMR(const uint8_t* src, int32_t srcStep,
                                               const uint8_t* mask, int32_t maskStep, float* acc,
                                               int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src * src under a mask; 8s. */
 NUQI_API StatusCode nuqiAddSquare_8s32f_C1IMR(const int8_t* src, int32_t srcStep,
                                               const uint8_t* mask, int32_t maskStep, float* acc,
                                               int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src * src under a mask; 32f. */
 NUQI_API StatusCode nuqiAddSquare_32f_C1IMR(const float* src, int32_t srcStep, const uint8_t* mask,
                                             int32_t maskStep, float* acc, int32_t accStep,
                                             RoiSize roi);
+/** Accumulation: acc = acc + src1 * src2 under a mask; 8u. */
 NUQI_API StatusCode nuqiAddProduct_8u32f_C1IMR(const uint8_t* src1, int32_t src1Step,
                                                const uint8_t* src2, int32_t src2Step,
                                                const uint8_t* mask, int32_t maskStep, float* acc,
                                                int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src1 * src2 under a mask; 8s. */
 NUQI_API StatusCode nuqiAddProduct_8s32f_C1IMR(const int8_t* src1, int32_t src1Step,
                                                const int8_t* src2, int32_t src2Step,
                                                const uint8_t* mask, int32_t maskStep, float* acc,
                                                int32_t accStep, RoiSize roi);
+/** Accumulation: acc = acc + src1 * src2 under a mask; 32f. */
 NUQI_API StatusCode nuqiAddProduct_32f_C1IMR(const float* src1, int32_t src1Step, const float* src2,
                                              int32_t src2Step, const uint8_t* mask,
                                              int32_t maskStep, float* acc, int32_t accStep,
                                              RoiSize roi);
+/** Accumulation: acc = acc + alpha * (src - acc) under a mask; 8u. */
 NUQI_API StatusCode nuqiAddWeighted_8u32f_C1IMR(const uint8_t* src, int32_t srcStep,
                                                 const uint8_t* mask, int32_t maskStep, float* acc,
                                                 int32_t accStep, RoiSize roi, float alpha);
+/** Accumulation: acc = acc + alpha * (src - acc) under a mask; 8s. */
 NUQI_API StatusCode nuqiAddWeighted_8s32f_C1IMR(const int8_t* src, int32_t srcStep,
                                                 const uint8_t* mask, int32_t maskStep, float* acc,
                                                 int32_t accStep, RoiSize roi, float alpha);
+/** Accumulation: acc = acc + alpha * (src - acc) under a mask; 32f. */
 NUQI_API StatusCode nuqiAddWeighted_32f_C1IMR(const float* src, int32_t srcStep,
                                               const uint8_t* mask, int32_t maskStep, float* acc,
                                               int32_t accStep, RoiSize roi, float alpha);
@@ -181,14 +213,19 @@ NUQI_API StatusCode nuqiAddWeighted_32f_C1IMR(const float* src, int32_t srcStep,
  *             3. StatusBadSize: a step below its row's bytes, or a 32f step not a multiple of 4.
  *                nuqiAbsDiffC_32f_C1R alone compares its steps with the width in pixels, so that
  *                rows may overlap; they are written from top to bottom.
+ * Example     examples/families/abs_diff.c
  */
+/** Absolute difference: dst = |src1 - src2|; 8u. */
 NUQI_API StatusCode nuqiAbsDiff_8u_C1R(const uint8_t* src1, int32_t src1Step, const uint8_t* src2,
                                        int32_t src2Step, uint8_t* dst, int32_t dstStep,
                                        RoiSize roi);
+/** Absolute difference: dst = |src1 - src2|; 32f. */
 NUQI_API StatusCode nuqiAbsDiff_32f_C1R(const float* src1, int32_t src1Step, const float* src2,
                                         int32_t src2Step, float* dst, int32_t dstStep, RoiSize roi);
+/** Absolute difference: dst = |src - value|; 8u. */
 NUQI_API StatusCode nuqiAbsDiffC_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                         int32_t dstStep, RoiSize roi, int32_t value);
+/** Absolute difference: dst = |src - value|; 32f. */
 NUQI_API StatusCode nuqiAbsDiffC_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                          int32_t dstStep, RoiSize roi, float value);
 
@@ -203,6 +240,8 @@ NUQI_API StatusCode nuqiAbsDiffC_32f_C1R(const float* src, int32_t srcStep, floa
  *             all of them.
  * One plane   C3P3 and C4P4 also take an array with one plane, the others null, and copy that channel
  *             alone.
+ * Casts       C, unlike C++, takes an array of `uint8_t*` for planes that are read only with a cast:
+ *             (const uint8_t* const*)planes.
  * Overlap     Planes and interleaved image must not overlap, nor planes that are written each other.
  * Statuses    C3P3 and C4P4 accept an empty ROI and a single plane, P3C3 and P4C4 refuse both.
  *             1. StatusNullPtr: the interleaved image or the array is null.
@@ -211,21 +250,30 @@ NUQI_API StatusCode nuqiAbsDiffC_32f_C1R(const float* src, int32_t srcStep, floa
  *             3. StatusBadSize: width or height below 0 (P3C3, P4C4: below 1), a step below its row's
  *                bytes, or a 32f step not a multiple of 4.
  *             StatusOk otherwise; a width or height of 0 touches no memory.
+ * Example     examples/families/copies.c
  */
+/** Copies: three interleaved channels to planes, or one to its plane; 8u. */
 NUQI_API StatusCode nuqiCopy_8u_C3P3R(const uint8_t* src, int32_t srcStep, uint8_t* const dst[3],
                                       int32_t dstStep, RoiSize roi);
+/** Copies: four interleaved channels to planes, or one to its plane; 8u. */
 NUQI_API StatusCode nuqiCopy_8u_C4P4R(const uint8_t* src, int32_t srcStep, uint8_t* const dst[4],
                                       int32_t dstStep, RoiSize roi);
+/** Copies: three interleaved channels to planes, or one to its plane; 32f. */
 NUQI_API StatusCode nuqiCopy_32f_C3P3R(const float* src, int32_t srcStep, float* const dst[3],
                                        int32_t dstStep, RoiSize roi);
+/** Copies: four interleaved channels to planes, or one to its plane; 32f. */
 NUQI_API StatusCode nuqiCopy_32f_C4P4R(const float* src, int32_t srcStep, float* const dst[4],
                                        int32_t dstStep, RoiSize roi);
+/** Copies: three planes to interleaved channels; 8u. */
 NUQI_API StatusCode nuqiCopy_8u_P3C3R(const uint8_t* const src[3], int32_t srcStep, uint8_t* dst,
                                       int32_t dstStep, RoiSize roi);
+/** Copies: four planes to interleaved channels; 8u. */
 NUQI_API StatusCode nuqiCopy_8u_P4C4R(const uint8_t* const src[4], int32_t srcStep, uint8_t* dst,
                                       int32_t dstStep, RoiSize roi);
+/** Copies: three planes to interleaved channels; 32f. */
 NUQI_API StatusCode nuqiCopy_32f_P3C3R(const float* const src[3], int32_t srcStep, float* dst,
                                        int32_t dstStep, RoiSize roi);
+/** Copies: four planes to interleaved channels; 32f. */
 NUQI_API StatusCode nuqiCopy_32f_P4C4R(const float* const src[4], int32_t srcStep, float* dst,
                                        int32_t dstStep, RoiSize roi);
 
@@ -252,7 +300,9 @@ NUQI_API StatusCode nuqiCopy_32f_P4C4R(const float* const src[4], int32_t srcSte
  *             StatusOk otherwise; a width or height of 0 touches no memory.
  * Method      A. Bobick and J. Davis, "The recognition of human movement using temporal templates",
  *             IEEE PAMI 23(3), 2001.
+ * Example     examples/families/motion_history.c
  */
+/** Motion history: timestamp where silhouette is not 0; clears what is older than duration. */
 NUQI_API StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette,
                                                        int32_t silhouetteStep, float* history,
                                                        int32_t historyStep, RoiSize roi,
@@ -278,7 +328,9 @@ NUQI_API StatusCode nuqiUpdateMotionHistory_8u32f_C1IR(const uint8_t* silhouette
  * Statuses    1. StatusNullPtr: a pointer is null.
  *             2. StatusBadSize: length below 0.
  *             StatusOk otherwise; length 0 touches no memory.
+ * Example     examples/families/arctangent.c
  */
+/** Arctangent: directions of vectors (x, y) in degrees, 0 to 360, within 0.1406. */
 NUQI_API StatusCode nuqibFastArctan_32f(const float* y, const float* x, float* angle,
                                         int32_t length);
 
@@ -299,13 +351,18 @@ NUQI_API StatusCode nuqibFastArctan_32f(const float* y, const float* x, float* a
  *             5. StatusBadArg: start or end lies outside the ROI.
  * Method      J. Bresenham, "Algorithm for computer control of a digital plotter", IBM Systems
  *             Journal 4(1), 1965.
+ * Example     examples/families/line_samples.c
  */
+/** Line samples: pixels from start to end; returns their number; 8u, 1 channel. */
 NUQI_API StatusCode nuqiSampleLine_8u_C1R(const uint8_t* src, int32_t srcStep, RoiSize roi,
                                           uint8_t* dst, PixelPoint start, PixelPoint end);
+/** Line samples: pixels from start to end; returns their number; 8u, 3 channels. */
 NUQI_API StatusCode nuqiSampleLine_8u_C3R(const uint8_t* src, int32_t srcStep, RoiSize roi,
                                           uint8_t* dst, PixelPoint start, PixelPoint end);
+/** Line samples: pixels from start to end; returns their number; 32f, 1 channel. */
 NUQI_API StatusCode nuqiSampleLine_32f_C1R(const float* src, int32_t srcStep, RoiSize roi,
                                            float* dst, PixelPoint start, PixelPoint end);
+/** Line samples: pixels from start to end; returns their number; 32f, 3 channels. */
 NUQI_API StatusCode nuqiSampleLine_32f_C3R(const float* src, int32_t srcStep, RoiSize roi,
                                            float* dst, PixelPoint start, PixelPoint end);
 
@@ -334,6 +391,8 @@ NUQI_API StatusCode nuqiSampleLine_32f_C3R(const float* src, int32_t srcStep, Ro
  *                its column mod 16. After each row the upper half is added to the lower one, 16 to 8,
  *                8 to 4, 4 to 2, 2 to 1, and that to the rows above.
  *             n is a 32-bit integer that wraps; without a mask it is width * height.
+ *             Keep to fewer than 8,421,505 pixels of 8u a call: work in stripes and weigh their means
+ *             by their numbers of pixels.
  * Range       stdDev is the population's, not clamped: where rounding leaves Q / n below the squared
  *             mean it is NaN. A selected NaN or infinity shows in the results, an unselected one
  *             does not.
@@ -347,47 +406,66 @@ NUQI_API StatusCode nuqiSampleLine_32f_C3R(const float* src, int32_t srcStep, Ro
  *                2. StatusBadSize: width or height below 1.
  *                3. StatusBadStep as above; but StatusBadSize from the C3CMR members.
  *                4. StatusBadArg: coi is not 1, 2 or 3.
+ * Example     examples/families/means.c
  */
+/** Means and deviations: mean under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiMean_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                      int32_t maskStep, RoiSize roi, double* mean);
+/** Means and deviations: mean under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiMean_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                      int32_t maskStep, RoiSize roi, double* mean);
+/** Means and deviations: mean under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiMean_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
                                       int32_t maskStep, RoiSize roi, double* mean);
+/** Means and deviations: mean under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_8u_C3CMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                       int32_t maskStep, RoiSize roi, int32_t coi, double* mean);
+/** Means and deviations: mean under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                       int32_t maskStep, RoiSize roi, int32_t coi, double* mean);
+/** Means and deviations: mean under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
                                        int32_t maskStep, RoiSize roi, int32_t coi, double* mean);
 
+/** Means and deviations: mean and standard deviation; 8u, 1 channel. */
 NUQI_API StatusCode nuqiMean_StdDev_8u_C1R(const uint8_t* src, int32_t srcStep, RoiSize roi,
                                            double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation; 8s, 1 channel. */
 NUQI_API StatusCode nuqiMean_StdDev_8s_C1R(const int8_t* src, int32_t srcStep, RoiSize roi,
                                            double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation; 32f, 1 channel. */
 NUQI_API StatusCode nuqiMean_StdDev_32f_C1R(const float* src, int32_t srcStep, RoiSize roi,
                                             double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_StdDev_8u_C3CR(const uint8_t* src, int32_t srcStep, RoiSize roi,
                                             int32_t coi, double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_StdDev_8s_C3CR(const int8_t* src, int32_t srcStep, RoiSize roi,
                                             int32_t coi, double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_StdDev_32f_C3CR(const float* src, int32_t srcStep, RoiSize roi,
                                              int32_t coi, double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiMean_StdDev_8u_C1MR(const uint8_t* src, int32_t srcStep,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiMean_StdDev_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                             int32_t maskStep, RoiSize roi, double* mean,
                                             double* stdDev);
+/** Means and deviations: mean and standard deviation under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiMean_StdDev_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
                                              int32_t maskStep, RoiSize roi, double* mean,
                                              double* stdDev);
+/** Means and deviations: mean and standard deviation under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_StdDev_8u_C3CMR(const uint8_t* src, int32_t srcStep,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              int32_t coi, double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_StdDev_8s_C3CMR(const int8_t* src, int32_t srcStep,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              int32_t coi, double* mean, double* stdDev);
+/** Means and deviations: mean and standard deviation under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiMean_StdDev_32f_C3CMR(const float* src, int32_t srcStep,
                                               const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                               int32_t coi, double* mean, double* stdDev);
@@ -405,7 +483,9 @@ NUQI_API StatusCode nuqiMean_StdDev_32f_C3CMR(const float* src, int32_t srcStep,
  * Shapes      C1: one channel. C3C: one of three, channel 1 to 3. Sources 8u, 8s or 32f. The result is
  *             a double, written on success only.
  * Bytes       Exact; -128 has magnitude 128. L1 sums are kept modulo 2^32 and read as signed: more than
- *             2^31 / 255 bright pixels may come out negative. L2 sums have 64 bits.
+ *             2^31 / 255 bright pixels may come out negative. L2 sums have 64 bits. Keep to fewer than
+ *             8,421,505 pixels a call and add the stripes' L1 norms.
+ * Range       Of bytes: Inf 0 to 255, L1 a whole number, L2 the root of one.
  * 32f         Single precision throughout, then widened; quotient and root are double. Sums have
  *             sixteen parts: the pixel in column x of its row adds to part x mod 16, rows from top to
  *             bottom, an unselected one +0.0. At the end part i takes part i + 8, then i + 4, i + 2 and
@@ -420,185 +500,240 @@ NUQI_API StatusCode nuqiMean_StdDev_32f_C3CMR(const float* src, int32_t srcStep,
  *             4. StatusBadSize: width or height below 1, a step below the width in pixels (so that rows
  *                may overlap), or a 32f source step not a multiple of 4.
  *             StatusOk otherwise.
+ * Example     examples/families/norms.c
  */
+/** Norms: greatest magnitude of src under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNorm_Inf_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                          int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: greatest magnitude of src under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNorm_Inf_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                          int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: greatest magnitude of src under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNorm_Inf_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
                                           int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: sum of magnitudes of src under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNorm_L1_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                         int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: sum of magnitudes of src under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNorm_L1_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                         int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: sum of magnitudes of src under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNorm_L1_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
                                          int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: Euclidean norm of src under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNorm_L2_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                         int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: Euclidean norm of src under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNorm_L2_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                         int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: Euclidean norm of src under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNorm_L2_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
                                          int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: greatest magnitude of src under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_Inf_8u_C3CMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                           int32_t maskStep, RoiSize roi, int32_t channel,
                                           double* norm);
+/** Norms: greatest magnitude of src under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_Inf_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                           int32_t maskStep, RoiSize roi, int32_t channel,
                                           double* norm);
+/** Norms: greatest magnitude of src under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_Inf_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
                                            int32_t maskStep, RoiSize roi, int32_t channel,
                                            double* norm);
+/** Norms: sum of magnitudes of src under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_L1_8u_C3CMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                          int32_t maskStep, RoiSize roi, int32_t channel,
                                          double* norm);
+/** Norms: sum of magnitudes of src under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_L1_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                          int32_t maskStep, RoiSize roi, int32_t channel,
                                          double* norm);
+/** Norms: sum of magnitudes of src under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_L1_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
                                           int32_t maskStep, RoiSize roi, int32_t channel,
                                           double* norm);
+/** Norms: Euclidean norm of src under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_L2_8u_C3CMR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                          int32_t maskStep, RoiSize roi, int32_t channel,
                                          double* norm);
+/** Norms: Euclidean norm of src under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_L2_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                          int32_t maskStep, RoiSize roi, int32_t channel,
                                          double* norm);
+/** Norms: Euclidean norm of src under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNorm_L2_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
                                           int32_t maskStep, RoiSize roi, int32_t channel,
                                           double* norm);
+/** Norms: greatest magnitude of src1 - src2 under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_Inf_8u_C1MR(const uint8_t* src1, int32_t src1Step,
                                              const uint8_t* src2, int32_t src2Step,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              double* norm);
+/** Norms: greatest magnitude of src1 - src2 under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_Inf_8s_C1MR(const int8_t* src1, int32_t src1Step,
                                              const int8_t* src2, int32_t src2Step,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              double* norm);
+/** Norms: greatest magnitude of src1 - src2 under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_Inf_32f_C1MR(const float* src1, int32_t src1Step,
                                               const float* src2, int32_t src2Step,
                                               const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                               double* norm);
+/** Norms: sum of magnitudes of src1 - src2 under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_L1_8u_C1MR(const uint8_t* src1, int32_t src1Step,
                                             const uint8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             double* norm);
+/** Norms: sum of magnitudes of src1 - src2 under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_L1_8s_C1MR(const int8_t* src1, int32_t src1Step,
                                             const int8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             double* norm);
+/** Norms: sum of magnitudes of src1 - src2 under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_L1_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
                                              int32_t src2Step, const uint8_t* mask,
                                              int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: Euclidean norm of src1 - src2 under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_L2_8u_C1MR(const uint8_t* src1, int32_t src1Step,
                                             const uint8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             double* norm);
+/** Norms: Euclidean norm of src1 - src2 under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_L2_8s_C1MR(const int8_t* src1, int32_t src1Step,
                                             const int8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             double* norm);
+/** Norms: Euclidean norm of src1 - src2 under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNormDiff_L2_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
                                              int32_t src2Step, const uint8_t* mask,
                                              int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: greatest magnitude of src1 - src2 under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_Inf_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
                                               const uint8_t* src2, int32_t src2Step,
                                               const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                               int32_t channel, double* norm);
+/** Norms: greatest magnitude of src1 - src2 under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_Inf_8s_C3CMR(const int8_t* src1, int32_t src1Step,
                                               const int8_t* src2, int32_t src2Step,
                                               const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                               int32_t channel, double* norm);
+/** Norms: greatest magnitude of src1 - src2 under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_Inf_32f_C3CMR(const float* src1, int32_t src1Step,
                                                const float* src2, int32_t src2Step,
                                                const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                                int32_t channel, double* norm);
+/** Norms: sum of magnitudes of src1 - src2 under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_L1_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
                                              const uint8_t* src2, int32_t src2Step,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              int32_t channel, double* norm);
+/** Norms: sum of magnitudes of src1 - src2 under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_L1_8s_C3CMR(const int8_t* src1, int32_t src1Step,
                                              const int8_t* src2, int32_t src2Step,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              int32_t channel, double* norm);
+/** Norms: sum of magnitudes of src1 - src2 under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_L1_32f_C3CMR(const float* src1, int32_t src1Step,
                                               const float* src2, int32_t src2Step,
                                               const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                               int32_t channel, double* norm);
+/** Norms: Euclidean norm of src1 - src2 under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_L2_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
                                              const uint8_t* src2, int32_t src2Step,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              int32_t channel, double* norm);
+/** Norms: Euclidean norm of src1 - src2 under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_L2_8s_C3CMR(const int8_t* src1, int32_t src1Step,
                                              const int8_t* src2, int32_t src2Step,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              int32_t channel, double* norm);
+/** Norms: Euclidean norm of src1 - src2 under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormDiff_L2_32f_C3CMR(const float* src1, int32_t src1Step,
                                               const float* src2, int32_t src2Step,
                                               const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                               int32_t channel, double* norm);
+/** Norms: greatest magnitude of src1 - src2, relative to src2 under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_Inf_8u_C1MR(const uint8_t* src1, int32_t src1Step,
                                             const uint8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             double* norm);
+/** Norms: greatest magnitude of src1 - src2, relative to src2 under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_Inf_8s_C1MR(const int8_t* src1, int32_t src1Step,
                                             const int8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             double* norm);
+/** Norms: greatest magnitude of src1 - src2, relative to src2 under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_Inf_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
                                              int32_t src2Step, const uint8_t* mask,
                                              int32_t maskStep, RoiSize roi, double* norm);
+/** Norms: sum of magnitudes of src1 - src2, relative to src2 under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_L1_8u_C1MR(const uint8_t* src1, int32_t src1Step,
                                            const uint8_t* src2, int32_t src2Step,
                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                            double* norm);
+/** Norms: sum of magnitudes of src1 - src2, relative to src2 under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_L1_8s_C1MR(const int8_t* src1, int32_t src1Step, const int8_t* src2,
                                            int32_t src2Step, const uint8_t* mask, int32_t maskStep,
                                            RoiSize roi, double* norm);
+/** Norms: sum of magnitudes of src1 - src2, relative to src2 under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_L1_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
                                             int32_t src2Step, const uint8_t* mask, int32_t maskStep,
                                             RoiSize roi, double* norm);
+/** Norms: Euclidean norm of src1 - src2, relative to src2 under a mask; 8u, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_L2_8u_C1MR(const uint8_t* src1, int32_t src1Step,
                                            const uint8_t* src2, int32_t src2Step,
                                            const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                            double* norm);
+/** Norms: Euclidean norm of src1 - src2, relative to src2 under a mask; 8s, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_L2_8s_C1MR(const int8_t* src1, int32_t src1Step, const int8_t* src2,
                                            int32_t src2Step, const uint8_t* mask, int32_t maskStep,
                                            RoiSize roi, double* norm);
+/** Norms: Euclidean norm of src1 - src2, relative to src2 under a mask; 32f, 1 channel. */
 NUQI_API StatusCode nuqiNormRel_L2_32f_C1MR(const float* src1, int32_t src1Step, const float* src2,
                                             int32_t src2Step, const uint8_t* mask, int32_t maskStep,
                                             RoiSize roi, double* norm);
+/** Norms: greatest magnitude of src1 - src2, relative to src2 under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_Inf_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
                                              const uint8_t* src2, int32_t src2Step,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              int32_t channel, double* norm);
+/** Norms: greatest magnitude of src1 - src2, relative to src2 under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_Inf_8s_C3CMR(const int8_t* src1, int32_t src1Step,
                                              const int8_t* src2, int32_t src2Step,
                                              const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                              int32_t channel, double* norm);
+/** Norms: greatest magnitude of src1 - src2, relative to src2 under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_Inf_32f_C3CMR(const float* src1, int32_t src1Step,
                                               const float* src2, int32_t src2Step,
                                               const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                               int32_t channel, double* norm);
+/** Norms: sum of magnitudes of src1 - src2, relative to src2 under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_L1_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
                                             const uint8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             int32_t channel, double* norm);
+/** Norms: sum of magnitudes of src1 - src2, relative to src2 under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_L1_8s_C3CMR(const int8_t* src1, int32_t src1Step,
                                             const int8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             int32_t channel, double* norm);
+/** Norms: sum of magnitudes of src1 - src2, relative to src2 under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_L1_32f_C3CMR(const float* src1, int32_t src1Step, const float* src2,
                                              int32_t src2Step, const uint8_t* mask,
                                              int32_t maskStep, RoiSize roi, int32_t channel,
                                              double* norm);
+/** Norms: Euclidean norm of src1 - src2, relative to src2 under a mask; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_L2_8u_C3CMR(const uint8_t* src1, int32_t src1Step,
                                             const uint8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             int32_t channel, double* norm);
+/** Norms: Euclidean norm of src1 - src2, relative to src2 under a mask; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_L2_8s_C3CMR(const int8_t* src1, int32_t src1Step,
                                             const int8_t* src2, int32_t src2Step,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             int32_t channel, double* norm);
+/** Norms: Euclidean norm of src1 - src2, relative to src2 under a mask; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiNormRel_L2_32f_C3CMR(const float* src1, int32_t src1Step, const float* src2,
                                              int32_t src2Step, const uint8_t* mask,
                                              int32_t maskStep, RoiSize roi, int32_t channel,
@@ -623,42 +758,55 @@ NUQI_API StatusCode nuqiNormRel_L2_32f_C3CMR(const float* src1, int32_t src1Step
  *             3. StatusBadStep: a step below its row's bytes, or a 32f step not a multiple of 4.
  *             4. StatusBadCoi: channel below 1 or above 3 (C3C).
  *             StatusOk otherwise; a width or height of 0 reads nothing.
+ * Example     examples/families/min_max.c
  */
+/** Minimum and maximum: least and greatest pixel, with places; 8u, 1 channel. */
 NUQI_API StatusCode nuqiMinMaxIndx_8u_C1R(const uint8_t* src, int32_t srcStep, RoiSize roi,
                                           float* min, float* max, PixelPoint* minAt,
                                           PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel, with places; 8s, 1 channel. */
 NUQI_API StatusCode nuqiMinMaxIndx_8s_C1R(const int8_t* src, int32_t srcStep, RoiSize roi,
                                           float* min, float* max, PixelPoint* minAt,
                                           PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel, with places; 32f, 1 channel. */
 NUQI_API StatusCode nuqiMinMaxIndx_32f_C1R(const float* src, int32_t srcStep, RoiSize roi,
                                            float* min, float* max, PixelPoint* minAt,
                                            PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel, with places; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiMinMaxIndx_8u_C3CR(const uint8_t* src, int32_t srcStep, RoiSize roi,
                                            int32_t channel, float* min, float* max,
                                            PixelPoint* minAt, PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel, with places; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiMinMaxIndx_8s_C3CR(const int8_t* src, int32_t srcStep, RoiSize roi,
                                            int32_t channel, float* min, float* max,
                                            PixelPoint* minAt, PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel, with places; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiMinMaxIndx_32f_C3CR(const float* src, int32_t srcStep, RoiSize roi,
                                             int32_t channel, float* min, float* max,
                                             PixelPoint* minAt, PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel under a mask, with places; 8u, 1 channel. */
 NUQI_API StatusCode nuqiMinMaxIndx_8u_C1MR(const uint8_t* src, int32_t srcStep, const uint8_t* mask,
                                            int32_t maskStep, RoiSize roi, float* min, float* max,
                                            PixelPoint* minAt, PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel under a mask, with places; 8s, 1 channel. */
 NUQI_API StatusCode nuqiMinMaxIndx_8s_C1MR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                            int32_t maskStep, RoiSize roi, float* min, float* max,
                                            PixelPoint* minAt, PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel under a mask, with places; 32f, 1 channel. */
 NUQI_API StatusCode nuqiMinMaxIndx_32f_C1MR(const float* src, int32_t srcStep, const uint8_t* mask,
                                             int32_t maskStep, RoiSize roi, float* min, float* max,
                                             PixelPoint* minAt, PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel under a mask, with places; 8u, 1 channel of 3. */
 NUQI_API StatusCode nuqiMinMaxIndx_8u_C3CMR(const uint8_t* src, int32_t srcStep,
                                             const uint8_t* mask, int32_t maskStep, RoiSize roi,
                                             int32_t channel, float* min, float* max,
                                             PixelPoint* minAt, PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel under a mask, with places; 8s, 1 channel of 3. */
 NUQI_API StatusCode nuqiMinMaxIndx_8s_C3CMR(const int8_t* src, int32_t srcStep, const uint8_t* mask,
                                             int32_t maskStep, RoiSize roi, int32_t channel,
                                             float* min, float* max, PixelPoint* minAt,
                                             PixelPoint* maxAt);
+/** Minimum and maximum: least and greatest pixel under a mask, with places; 32f, 1 channel of 3. */
 NUQI_API StatusCode nuqiMinMaxIndx_32f_C3CMR(const float* src, int32_t srcStep, const uint8_t* mask,
                                              int32_t maskStep, RoiSize roi, int32_t channel,
                                              float* min, float* max, PixelPoint* minAt,
@@ -669,6 +817,8 @@ NUQI_API StatusCode nuqiMinMaxIndx_32f_C3CMR(const float* src, int32_t srcStep, 
  * nuqiCalcHist_8u_C1R counts the pixels of an image in bins between levels: bin i holds the number of
  * pixels v with levels[i] <= v < levels[i + 1].
  *
+ *   The top     The last level is exclusive and at most 255: pixels of 255 are counted nowhere. With
+ *               levels from 0 to 255 they are width * height less the sum of the bins.
  *   levelCount  Levels; hist has levelCount - 1 bins, but at least one. With a single level its one
  *               bin has no upper end. Bins whose levels do not ascend are 0.
  *   Statuses    1. StatusNullPtr: a pointer is null.
@@ -678,6 +828,7 @@ NUQI_API StatusCode nuqiMinMaxIndx_32f_C3CMR(const float* src, int32_t srcStep, 
  * nuqiCalcHist_8u_C2R counts pairs of the two interleaved channels: row j, column i of hist holds the
  * number of pixels whose first channel lies in bin i and second channel in bin j.
  *
+ *   The top     Here levels are integers: make the last ones 256, and 255 is counted.
  *   counts      Two numbers, of columns and of rows. They are not tested for null.
  *   levels      counts[0] + 1 ascending levels of the first channel, then counts[1] + 1 of the
  *               second. A value from the first level to below the last lies in the bin whose number
@@ -698,12 +849,17 @@ NUQI_API StatusCode nuqiMinMaxIndx_32f_C3CMR(const float* src, int32_t srcStep, 
  *               3. StatusDivByZero: the sum of the counters, which is exact, is 0.
  *
  * Counters are 32-bit integers and wrap around. Images, levels and histograms must not overlap.
+ *
+ * Example     examples/families/histograms.c
  */
+/** Histograms: counts of pixels in bins; values from the last level on (255) are not counted. */
 NUQI_API StatusCode nuqiCalcHist_8u_C1R(const uint8_t* src, int32_t srcStep, RoiSize roi,
                                         int32_t* hist, int32_t levelCount, const uint8_t* levels);
+/** Histograms: joint counts of the pairs of two interleaved channels. */
 NUQI_API StatusCode nuqiCalcHist_8u_C2R(const uint8_t* src, int32_t srcStep, RoiSize roi,
                                         int32_t* hist, int32_t histStep, const int32_t* counts,
                                         const int32_t* levels);
+/** Histograms: tests a histogram for a total of 0; writes nothing. */
 NUQI_API StatusCode nuqiConvertHist1D_32s32f(const int32_t* src, float* dst, int32_t length,
                                              int32_t flag);
 
@@ -746,43 +902,62 @@ NUQI_API StatusCode nuqiConvertHist1D_32s32f(const int32_t* src, float* dst, int
  *             nuqiSobel3x3_Dx_8u16s_C1R, which writes 0 to the first element of every row.
  * Method      I. Sobel and G. Feldman, "A 3x3 isotropic gradient operator for image processing",
  *             1968; H. Scharr, "Optimal operators in digital image processing", Heidelberg, 2000.
+ * Example     examples/families/derivatives.c
  */
+/** Fixed 3x3 derivatives: Sobel's first derivative along x; 8u to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_Dx_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                               int32_t dstStep, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's first derivative along x; 8s to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_Dx_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                               int32_t dstStep, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's first derivative along x; 32f. */
 NUQI_API StatusCode nuqiSobel3x3_Dx_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                             int32_t dstStep, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's first derivative along y; 8u to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_Dy_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                               int32_t dstStep, int32_t bottomUp, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's first derivative along y; 8s to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_Dy_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                               int32_t dstStep, int32_t bottomUp, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's first derivative along y; 32f. */
 NUQI_API StatusCode nuqiSobel3x3_Dy_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                             int32_t dstStep, int32_t bottomUp, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's second derivative along x; 8u to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_D2x_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                                int32_t dstStep, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's second derivative along x; 8s to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_D2x_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                                int32_t dstStep, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's second derivative along y; 8u to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_D2y_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                                int32_t dstStep, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's second derivative along y; 8s to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_D2y_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                                int32_t dstStep, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's mixed derivative; 8u to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_DxDy_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                                 int32_t dstStep, int32_t bottomUp, RoiSize roi);
+/** Fixed 3x3 derivatives: Sobel's mixed derivative; 8s to 16s. */
 NUQI_API StatusCode nuqiSobel3x3_DxDy_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                                 int32_t dstStep, int32_t bottomUp, RoiSize roi);
+/** Fixed 3x3 derivatives: Scharr's first derivative along x; 8u to 16s. */
 NUQI_API StatusCode nuqiScharr_Dx_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                             int32_t dstStep, RoiSize roi, int32_t shift);
+/** Fixed 3x3 derivatives: Scharr's first derivative along x; 8s to 16s. */
 NUQI_API StatusCode nuqiScharr_Dx_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                             int32_t dstStep, RoiSize roi, int32_t shift);
+/** Fixed 3x3 derivatives: Scharr's first derivative along x; 32f. */
 NUQI_API StatusCode nuqiScharr_Dx_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                           int32_t dstStep, RoiSize roi, int32_t shift);
+/** Fixed 3x3 derivatives: Scharr's first derivative along y; 8u to 16s. */
 NUQI_API StatusCode nuqiScharr_Dy_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                             int32_t dstStep, int32_t bottomUp, RoiSize roi,
                                             int32_t shift);
+/** Fixed 3x3 derivatives: Scharr's first derivative along y; 8s to 16s. */
 NUQI_API StatusCode nuqiScharr_Dy_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                             int32_t dstStep, int32_t bottomUp, RoiSize roi,
                                             int32_t shift);
+/** Fixed 3x3 derivatives: Scharr's first derivative along y; 32f. */
 NUQI_API StatusCode nuqiScharr_Dy_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                           int32_t dstStep, int32_t bottomUp, RoiSize roi,
                                           int32_t shift);
@@ -805,8 +980,7 @@ NUQI_API StatusCode nuqiScharr_Dy_32f_C1R(const float* src, int32_t srcStep, flo
  * dataType    1 for 8u, 2 for 8s, 9 for 32f sources. States for 8u and 8s serve either; a blur takes
  *             a state of any type.
  * Memory      4 * roiWidth bytes, rounded up to a multiple of 32, for each of size (Sobel), size + 1
- *             (blur) or 2 * size (Laplace) rows, and about 700 bytes more. A filter call takes up to
- *             84 KB of the caller's stack.
+ *             (blur) or 2 * size (Laplace) rows, and about 700 bytes more.
  * Free        nuqiConvolFree ends a state's use, and by contract leaves its memory allocated until
  *             the program ends. So do not make a state for every image: keep one and reuse it.
  * Threads     One state serves one sequence of calls at a time.
@@ -821,16 +995,22 @@ NUQI_API StatusCode nuqiScharr_Dy_32f_C1R(const float* src, int32_t srcStep, flo
  *             2. StatusBadSize: roiWidth below 1, or maskSize not 3, 5 or 7.
  *             3. StatusUnsupported: dataType not 1, 2 or 9.    4. StatusNoMemory.
  *             *state is written only with StatusOk. nuqiConvolFree: StatusNullPtr: state is null.
+ * Example     examples/families/stripes.c
  */
+/** What a blur, Sobel or Laplace filter keeps between calls; see "Filter states". */
 typedef struct ConvolState ConvolState;
 
+/** Filter states: makes a state for nuqiSobel. */
 NUQI_API StatusCode nuqiSobelInitAlloc(int32_t roiWidth, int32_t dataType, int32_t apertureSize,
                                        int32_t bottomUp, int32_t xOrder, int32_t yOrder,
                                        ConvolState** state);
+/** Filter states: makes a state for nuqiBlur. */
 NUQI_API StatusCode nuqiBlurInitAlloc(int32_t roiWidth, int32_t dataType, int32_t maskSize,
                                       ConvolState** state);
+/** Filter states: makes a state for nuqiLaplace. */
 NUQI_API StatusCode nuqiLaplaceInitAlloc(int32_t roiWidth, int32_t dataType, int32_t maskSize,
                                          ConvolState** state);
+/** Filter states: ends a state's use, but releases nothing: keep states and reuse them. */
 NUQI_API StatusCode nuqiConvolFree(ConvolState* state);
 
 /* ---- Blur ------------------------------------------------------------------------------------
@@ -850,6 +1030,7 @@ NUQI_API StatusCode nuqiConvolFree(ConvolState* state);
  *             one call gives. After a first stripe (or whole image) of fewer than n/2 rows the next
  *             call must be a first stripe again.
  * Shapes      One channel, 8u or 8s to 16s, 32f to 32f. roi->width may be less than the state's.
+ * Range       8u: 0 to 255 * n * n (2295, 6375, 12495); 8s: -128 * n * n to 127 * n * n.
  * Arithmetic  8u and 8s are exact. 32f sums run, and keep what they round away: with half = n/2 and W
  *             the width, along a row, in double precision,
  *               h[0] = (half + 1) * S(0) + S(1) + ... + S(half)
@@ -868,13 +1049,17 @@ NUQI_API StatusCode nuqiConvolFree(ConvolState* state);
  *                after too few rows.
  *             5. StatusBadSize: the width exceeds the state's, rounded up to a multiple of 8.
  *             6. StatusBadContext: the state has not the row buffers of a blur of its size.
+ * Example     examples/families/blur.c
  */
+/** Blur: sums of n x n pixels, not divided, in stripes; 8u to 16s. */
 NUQI_API StatusCode nuqiBlur_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                        int32_t dstStep, RoiSize* roi, ConvolState* state,
                                        int32_t phase);
+/** Blur: sums of n x n pixels, not divided, in stripes; 8s to 16s. */
 NUQI_API StatusCode nuqiBlur_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                        int32_t dstStep, RoiSize* roi, ConvolState* state,
                                        int32_t phase);
+/** Blur: sums of n x n pixels, not divided, in stripes; 32f. */
 NUQI_API StatusCode nuqiBlur_32f_C1R(const float* src, int32_t srcStep, float* dst, int32_t dstStep,
                                      RoiSize* roi, ConvolState* state, int32_t phase);
 
@@ -886,6 +1071,7 @@ NUQI_API StatusCode nuqiBlur_32f_C1R(const float* src, int32_t srcStep, float* d
  *
  * Stripes     As for the blur; n is the aperture.
  * Shapes      One channel, 8u or 8s to 16s, 32f to 32f. roi->width may be less than the state's.
+ * Range       First derivatives: at most 1020 in magnitude with aperture 3, 12240 with 5.
  * Arithmetic  16s results are exact, and saturate where they exceed 16 bits: with aperture 7, and
  *             with aperture 5 and orders 0 and 0.
  *             32f: single precision, down the columns first and then along the rows. With v(k) the
@@ -900,13 +1086,17 @@ NUQI_API StatusCode nuqiBlur_32f_C1R(const float* src, int32_t srcStep, float* d
  *                the source's number format (16-bit integers for 8u and 8s, floats for 32f).
  * Method      I. Sobel and G. Feldman, "A 3x3 isotropic gradient operator for image processing",
  *             1968, with binomial smoothing for the larger apertures.
+ * Example     examples/families/sobel.c
  */
+/** Sobel: derivative of the state's orders and aperture, in stripes; 8u to 16s. */
 NUQI_API StatusCode nuqiSobel_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                         int32_t dstStep, RoiSize* roi, ConvolState* state,
                                         int32_t phase);
+/** Sobel: derivative of the state's orders and aperture, in stripes; 8s to 16s. */
 NUQI_API StatusCode nuqiSobel_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                         int32_t dstStep, RoiSize* roi, ConvolState* state,
                                         int32_t phase);
+/** Sobel: derivative of the state's orders and aperture, in stripes; 32f. */
 NUQI_API StatusCode nuqiSobel_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                       int32_t dstStep, RoiSize* roi, ConvolState* state,
                                       int32_t phase);
@@ -919,6 +1109,7 @@ NUQI_API StatusCode nuqiSobel_32f_C1R(const float* src, int32_t srcStep, float* 
  *
  * Stripes     As for the blur; n is the size.
  * Shapes      One channel, 8u or 8s to 16s, 32f to 32f. roi->width may be less than the state's.
+ * Range       At most 2040 in magnitude with size 3, 14280 with 5.
  * Arithmetic  16s results are exact; those of size 7 saturate where they exceed 16 bits.
  *             32f: single precision. Both terms contain the smoothing by [1 1] of columns and rows,
  *             n - 3 times each. Let m be the source smoothed down its columns, by sums v(r) + v(r+1)
@@ -933,13 +1124,17 @@ NUQI_API StatusCode nuqiSobel_32f_C1R(const float* src, int32_t srcStep, float* 
  * Statuses    1 to 5 as for the blur.
  *             6. StatusBadContext: the state has fewer row buffers than twice its size, or no kernels
  *                in the source's number format (16-bit integers for 8u and 8s, floats for 32f).
+ * Example     examples/families/laplace.c
  */
+/** Laplace: second derivatives along x and y, added, in stripes; 8u to 16s. */
 NUQI_API StatusCode nuqiLaplace_8u16s_C1R(const uint8_t* src, int32_t srcStep, int16_t* dst,
                                           int32_t dstStep, RoiSize* roi, ConvolState* state,
                                           int32_t phase);
+/** Laplace: second derivatives along x and y, added, in stripes; 8s to 16s. */
 NUQI_API StatusCode nuqiLaplace_8s16s_C1R(const int8_t* src, int32_t srcStep, int16_t* dst,
                                           int32_t dstStep, RoiSize* roi, ConvolState* state,
                                           int32_t phase);
+/** Laplace: second derivatives along x and y, added, in stripes; 32f. */
 NUQI_API StatusCode nuqiLaplace_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                         int32_t dstStep, RoiSize* roi, ConvolState* state,
                                         int32_t phase);
@@ -957,6 +1152,11 @@ NUQI_API StatusCode nuqiLaplace_32f_C1R(const float* src, int32_t srcStep, float
  *   hysteresis   pixels that stay and have m > high are edges, and so is every pixel that stays and
  *                is one of the eight neighbours of an edge
  *
+ * Ties        Of two equal neighbours both go: a sharp edge between black and white, which has one
+ *             magnitude on either side, vanishes. Break ties before the call: with
+ *             k = x % 2 + 2 * (y % 2), which differs between neighbours, pass 4 * dx + k, or 4 * dx - k
+ *             where dx < 0, 4 * dy and, of whole thresholds, 4 * low + 3 and 4 * high + 3. The same
+ *             pixels exceed them, and 3x3 derivatives of bytes have room for that.
  * Shapes      dx, dy 16s; dst 8u: 255 on edges, 0 elsewhere. Call with equal steps for dx and dy:
  *             the magnitude pass walks dx by dyStep and dy by dxStep, so both images must reach
  *             (height - 1) * the larger step + 2 * width bytes where the steps differ.
@@ -971,8 +1171,11 @@ NUQI_API StatusCode nuqiLaplace_32f_C1R(const float* src, int32_t srcStep, float
  *                   or dy step, or a ROI that nuqiCannyGetSize refuses.
  *                3. StatusUnsupported: low below 0, or not (high >= low). Tested before truncation.
  * Method      J. Canny, "A computational approach to edge detection", IEEE PAMI 8(6), 1986.
+ * Example     examples/families/canny.c
  */
+/** Canny edges: bytes of the buffer that edges of such a region need. */
 NUQI_API StatusCode nuqiCannyGetSize(RoiSize roi, int32_t* size);
+/** Canny edges: edges, 255, from derivatives; of two equal neighbours neither is one. */
 NUQI_API StatusCode nuqiCanny_16s8u_C1R(const int16_t* dx, int32_t dxStep, const int16_t* dy,
                                         int32_t dyStep, uint8_t* dst, int32_t dstStep, RoiSize roi,
                                         float low, float high, void* buffer);
@@ -999,6 +1202,8 @@ NUQI_API StatusCode nuqiCanny_16s8u_C1R(const int16_t* dx, int32_t dxStep, const
  * Scale       All results are multiplied by 1 / (2^(2 * (apertureSize - 1)) * 255 * blockSize^2),
  *             floats' too: scale pictures of floats to 0..255. Of pictures in 0..1
  *             nuqiEigenValsVecs_32f_C1R gives 0 nearly everywhere.
+ * Range       Of bytes, with both sizes 3: Sxx * scale and Syy * scale lie in 0 to 255, |Sxy| * scale is
+ *             at most 255, and eigenvalues lie in 0 to 510, but for rounding.
  * Arithmetic  Bit for bit that of nuqiSobel_* with orders (1, 0) and (0, 1) and of nuqiBlur_32f_C1R:
  *             derivatives of bytes saturate where they exceed 16 bits, each product is rounded to a
  *             float, and the sums run, so that what large values leave in them stays in the column's
@@ -1027,26 +1232,35 @@ NUQI_API StatusCode nuqiCanny_16s8u_C1R(const int16_t* dx, int32_t dxStep, const
  *                2. StatusBadSize: width or height below 1, a step below its row's bytes, dstStep not a
  *                   multiple of 4, a size that is not 3, 5 or 7.
  * Method      J. Shi and C. Tomasi, "Good features to track", CVPR 1994.
+ * Example     examples/families/corners.c
  */
+/** Corners: bytes of the buffer that corners need; the same as its sister. */
 NUQI_API StatusCode nuqiMinEigenValGetSize(int32_t roiWidth, int32_t apertureSize,
                                            int32_t blockSize, int32_t* size);
+/** Corners: bytes of the buffer that corners need; the same as its sister. */
 NUQI_API StatusCode nuqiEigenValsVecsGetSize(int32_t roiWidth, int32_t apertureSize,
                                              int32_t blockSize, int32_t* size);
+/** Corners: smaller eigenvalue of the gradients around each pixel; 8u to 32f. */
 NUQI_API StatusCode nuqiMinEigenVal_8u32f_C1R(const uint8_t* src, int32_t srcStep, float* dst,
                                               int32_t dstStep, RoiSize roi, int32_t apertureSize,
                                               int32_t blockSize, void* buffer);
+/** Corners: smaller eigenvalue of the gradients around each pixel; 8s to 32f. */
 NUQI_API StatusCode nuqiMinEigenVal_8s32f_C1R(const int8_t* src, int32_t srcStep, float* dst,
                                               int32_t dstStep, RoiSize roi, int32_t apertureSize,
                                               int32_t blockSize, void* buffer);
+/** Corners: smaller eigenvalue of the gradients around each pixel; 32f. */
 NUQI_API StatusCode nuqiMinEigenVal_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                             int32_t dstStep, RoiSize roi, int32_t apertureSize,
                                             int32_t blockSize, void* buffer);
+/** Corners: eigenvalues and vectors of the gradients around each pixel; 8u to 32f. */
 NUQI_API StatusCode nuqiEigenValsVecs_8u32f_C1R(const uint8_t* src, int32_t srcStep, float* dst,
                                                 int32_t dstStep, RoiSize roi, int32_t apertureSize,
                                                 int32_t blockSize, void* buffer);
+/** Corners: eigenvalues and vectors of the gradients around each pixel; 8s to 32f. */
 NUQI_API StatusCode nuqiEigenValsVecs_8s32f_C1R(const int8_t* src, int32_t srcStep, float* dst,
                                                 int32_t dstStep, RoiSize roi, int32_t apertureSize,
                                                 int32_t blockSize, void* buffer);
+/** Corners: eigenvalues and vectors of the gradients around each pixel; 32f. */
 NUQI_API StatusCode nuqiEigenValsVecs_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                               int32_t dstStep, RoiSize roi, int32_t apertureSize,
                                               int32_t blockSize, void* buffer);
@@ -1077,10 +1291,13 @@ NUQI_API StatusCode nuqiEigenValsVecs_32f_C1R(const float* src, int32_t srcStep,
  *             An empty ROI is then StatusOk, and nothing is written.
  * Method      G. Borgefors, "Distance transformations in digital images", Computer Vision, Graphics,
  *             and Image Processing 34(3), 1986.
+ * Example     examples/families/distances.c
  */
+/** Distance transforms: distance to the nearest 0 by steps to 8 neighbours; 8u to 32f. */
 NUQI_API StatusCode nuqiDistanceTransform_3x3_8u32f_C1R(const uint8_t* src, int32_t srcStep,
                                                         float* dst, int32_t dstStep, RoiSize roi,
                                                         const float* metrics);
+/** Distance transforms: distance to the nearest 0 by steps to 16 neighbours; 8u to 32f. */
 NUQI_API StatusCode nuqiDistanceTransform_5x5_8u32f_C1R(const uint8_t* src, int32_t srcStep,
                                                         float* dst, int32_t dstStep, RoiSize roi,
                                                         const float* metrics);
@@ -1094,6 +1311,7 @@ NUQI_API StatusCode nuqiDistanceTransform_5x5_8u32f_C1R(const uint8_t* src, int3
  *
  * Statuses    1. StatusNullPtr: the array is null.  2. StatusBadArg: another type.
  */
+/** Distance transforms: usual weights of steps, by type: 30, 31, 32, 52. */
 NUQI_API StatusCode nuqiGetDistanceTransformMask(int32_t maskType, float* metrics);
 
 /* ---- Morphology states -----------------------------------------------------------------------
@@ -1119,8 +1337,7 @@ NUQI_API StatusCode nuqiGetDistanceTransformMask(int32_t maskType, float* metric
  * dataType    1 for 8u, 9 for 32f.
  * Memory      One block. With p bytes a pixel, about p * (roiWidth + maskSize.width + 17) bytes for
  *             each of maskSize.height + 1 (8u) or + 2 (32f) rows; masks and ellipses besides 16 bytes
- *             for each pixel of the element. An erosion or dilation takes up to 25 KB of the caller's
- *             stack.
+ *             for each pixel of the element.
  * Free        nuqiMorphologyFree ends a state's use, and by contract leaves its memory allocated until
  *             the program ends. So do not make a state for every image: keep one and reuse it.
  * Threads     One state serves one sequence of calls at a time.
@@ -1134,12 +1351,16 @@ NUQI_API StatusCode nuqiGetDistanceTransformMask(int32_t maskType, float* metric
  *             8. StatusNoMemory: the rows, the masks or the block take 2^32 bytes or more, or there is
  *                no such block.
  *             nuqiMorphologyFree: StatusNullPtr: state is null.
+ * Example     examples/families/strips.c
  */
+/** What an erosion or dilation keeps between calls; see "Morphology states". */
 typedef struct MorphState MorphState;
 
+/** Morphology states: makes a state for an element. */
 NUQI_API StatusCode nuqiMorphologyInitAlloc(int32_t roiWidth, int32_t dataType, int32_t channels,
                                             RoiSize maskSize, PixelPoint anchor, int32_t shape,
                                             const int32_t* mask, MorphState** state);
+/** Morphology states: ends a state's use, but releases nothing: keep states and reuse them. */
 NUQI_API StatusCode nuqiMorphologyFree(MorphState* state);
 
 /* ---- Erosion and dilation --------------------------------------------------------------------
@@ -1166,6 +1387,7 @@ NUQI_API StatusCode nuqiMorphologyFree(MorphState* state);
  *             An element of one row needs no rows of other strips: there each strip is a call with
  *             border 0, and 2 and 4 have nothing to do.
  * Shapes      One, three or four channels, 8u or 32f. roi->width may be less than the state's.
+ * Range       A value of the source, but for masks without a pixel inside.
  * Arithmetic  Exact. 32f of _Rect_ and _Cross_ compare as the machine does: of two values of which one
  *             is NaN, or of zeros of both signs, the second is taken. Their order depends on nothing
  *             but the element. With p(i) the pixels or rows of a line of n, first to last, k the
@@ -1186,112 +1408,149 @@ NUQI_API StatusCode nuqiMorphologyFree(MorphState* state);
  *             6. StatusNothingToDo, a warning, with roi->height set to 0 and the state as it was:
  *                border 2 or 4 and the state holds no rows (no strip has come yet, or the element is
  *                one row high); height 0 and border not 2.
+ * Example     examples/families/opening.c
  */
+/** Erosion and dilation: least pixel under a rectangle, in strips; 8u, 1 channel. */
 NUQI_API StatusCode nuqiErodeStrip_Rect_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                int32_t dstStep, RoiSize* roi, MorphState* state,
                                                int32_t border);
+/** Erosion and dilation: least pixel under a rectangle, in strips; 8u, 3 channels. */
 NUQI_API StatusCode nuqiErodeStrip_Rect_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                int32_t dstStep, RoiSize* roi, MorphState* state,
                                                int32_t border);
+/** Erosion and dilation: least pixel under a rectangle, in strips; 8u, 4 channels. */
 NUQI_API StatusCode nuqiErodeStrip_Rect_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                int32_t dstStep, RoiSize* roi, MorphState* state,
                                                int32_t border);
+/** Erosion and dilation: least pixel under a rectangle, in strips; 32f, 1 channel. */
 NUQI_API StatusCode nuqiErodeStrip_Rect_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: least pixel under a rectangle, in strips; 32f, 3 channels. */
 NUQI_API StatusCode nuqiErodeStrip_Rect_32f_C3R(const float* src, int32_t srcStep, float* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: least pixel under a rectangle, in strips; 32f, 4 channels. */
 NUQI_API StatusCode nuqiErodeStrip_Rect_32f_C4R(const float* src, int32_t srcStep, float* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: least pixel under a cross, in strips; 8u, 1 channel. */
 NUQI_API StatusCode nuqiErodeStrip_Cross_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: least pixel under a cross, in strips; 8u, 3 channels. */
 NUQI_API StatusCode nuqiErodeStrip_Cross_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: least pixel under a cross, in strips; 8u, 4 channels. */
 NUQI_API StatusCode nuqiErodeStrip_Cross_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: least pixel under a cross, in strips; 32f, 1 channel. */
 NUQI_API StatusCode nuqiErodeStrip_Cross_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: least pixel under a cross, in strips; 32f, 3 channels. */
 NUQI_API StatusCode nuqiErodeStrip_Cross_32f_C3R(const float* src, int32_t srcStep, float* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: least pixel under a cross, in strips; 32f, 4 channels. */
 NUQI_API StatusCode nuqiErodeStrip_Cross_32f_C4R(const float* src, int32_t srcStep, float* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: least pixel under any element, in strips; 8u, 1 channel. */
 NUQI_API StatusCode nuqiErodeStrip_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                           int32_t dstStep, RoiSize* roi, MorphState* state,
                                           int32_t border);
+/** Erosion and dilation: least pixel under any element, in strips; 8u, 3 channels. */
 NUQI_API StatusCode nuqiErodeStrip_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                           int32_t dstStep, RoiSize* roi, MorphState* state,
                                           int32_t border);
+/** Erosion and dilation: least pixel under any element, in strips; 8u, 4 channels. */
 NUQI_API StatusCode nuqiErodeStrip_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                           int32_t dstStep, RoiSize* roi, MorphState* state,
                                           int32_t border);
+/** Erosion and dilation: least pixel under any element, in strips; 32f, 1 channel. */
 NUQI_API StatusCode nuqiErodeStrip_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                            int32_t dstStep, RoiSize* roi, MorphState* state,
                                            int32_t border);
+/** Erosion and dilation: least pixel under any element, in strips; 32f, 3 channels. */
 NUQI_API StatusCode nuqiErodeStrip_32f_C3R(const float* src, int32_t srcStep, float* dst,
                                            int32_t dstStep, RoiSize* roi, MorphState* state,
                                            int32_t border);
+/** Erosion and dilation: least pixel under any element, in strips; 32f, 4 channels. */
 NUQI_API StatusCode nuqiErodeStrip_32f_C4R(const float* src, int32_t srcStep, float* dst,
                                            int32_t dstStep, RoiSize* roi, MorphState* state,
                                            int32_t border);
+/** Erosion and dilation: greatest pixel under a rectangle, in strips; 8u, 1 channel. */
 NUQI_API StatusCode nuqiDilateStrip_Rect_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: greatest pixel under a rectangle, in strips; 8u, 3 channels. */
 NUQI_API StatusCode nuqiDilateStrip_Rect_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: greatest pixel under a rectangle, in strips; 8u, 4 channels. */
 NUQI_API StatusCode nuqiDilateStrip_Rect_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                 int32_t dstStep, RoiSize* roi, MorphState* state,
                                                 int32_t border);
+/** Erosion and dilation: greatest pixel under a rectangle, in strips; 32f, 1 channel. */
 NUQI_API StatusCode nuqiDilateStrip_Rect_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: greatest pixel under a rectangle, in strips; 32f, 3 channels. */
 NUQI_API StatusCode nuqiDilateStrip_Rect_32f_C3R(const float* src, int32_t srcStep, float* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: greatest pixel under a rectangle, in strips; 32f, 4 channels. */
 NUQI_API StatusCode nuqiDilateStrip_Rect_32f_C4R(const float* src, int32_t srcStep, float* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: greatest pixel under a cross, in strips; 8u, 1 channel. */
 NUQI_API StatusCode nuqiDilateStrip_Cross_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: greatest pixel under a cross, in strips; 8u, 3 channels. */
 NUQI_API StatusCode nuqiDilateStrip_Cross_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: greatest pixel under a cross, in strips; 8u, 4 channels. */
 NUQI_API StatusCode nuqiDilateStrip_Cross_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                  int32_t dstStep, RoiSize* roi, MorphState* state,
                                                  int32_t border);
+/** Erosion and dilation: greatest pixel under a cross, in strips; 32f, 1 channel. */
 NUQI_API StatusCode nuqiDilateStrip_Cross_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                                   int32_t dstStep, RoiSize* roi, MorphState* state,
                                                   int32_t border);
+/** Erosion and dilation: greatest pixel under a cross, in strips; 32f, 3 channels. */
 NUQI_API StatusCode nuqiDilateStrip_Cross_32f_C3R(const float* src, int32_t srcStep, float* dst,
                                                   int32_t dstStep, RoiSize* roi, MorphState* state,
                                                   int32_t border);
+/** Erosion and dilation: greatest pixel under a cross, in strips; 32f, 4 channels. */
 NUQI_API StatusCode nuqiDilateStrip_Cross_32f_C4R(const float* src, int32_t srcStep, float* dst,
                                                   int32_t dstStep, RoiSize* roi, MorphState* state,
                                                   int32_t border);
+/** Erosion and dilation: greatest pixel under any element, in strips; 8u, 1 channel. */
 NUQI_API StatusCode nuqiDilateStrip_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                            int32_t dstStep, RoiSize* roi, MorphState* state,
                                            int32_t border);
+/** Erosion and dilation: greatest pixel under any element, in strips; 8u, 3 channels. */
 NUQI_API StatusCode nuqiDilateStrip_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                            int32_t dstStep, RoiSize* roi, MorphState* state,
                                            int32_t border);
+/** Erosion and dilation: greatest pixel under any element, in strips; 8u, 4 channels. */
 NUQI_API StatusCode nuqiDilateStrip_8u_C4R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                            int32_t dstStep, RoiSize* roi, MorphState* state,
                                            int32_t border);
+/** Erosion and dilation: greatest pixel under any element, in strips; 32f, 1 channel. */
 NUQI_API StatusCode nuqiDilateStrip_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                             int32_t dstStep, RoiSize* roi, MorphState* state,
                                             int32_t border);
+/** Erosion and dilation: greatest pixel under any element, in strips; 32f, 3 channels. */
 NUQI_API StatusCode nuqiDilateStrip_32f_C3R(const float* src, int32_t srcStep, float* dst,
                                             int32_t dstStep, RoiSize* roi, MorphState* state,
                                             int32_t border);
+/** Erosion and dilation: greatest pixel under any element, in strips; 32f, 4 channels. */
 NUQI_API StatusCode nuqiDilateStrip_32f_C4R(const float* src, int32_t srcStep, float* dst,
                                             int32_t dstStep, RoiSize* roi, MorphState* state,
                                             int32_t border);
@@ -1337,33 +1596,48 @@ NUQI_API StatusCode nuqiDilateStrip_32f_C4R(const float* src, int32_t srcStep, f
  *             4. StatusBadDataType.   5. StatusBadSize: a size above 2^31 - 1.
  * Method      P. Burt and E. Adelson, "The Laplacian pyramid as a compact image code", IEEE Trans. on
  *             Communications 31(4), 1983.
+ * Example     examples/families/pyramid.c
  */
+/** Gaussian pyramid: half the width and height; 8u, 1 channel. */
 NUQI_API StatusCode nuqiPyrDown_Gauss5x5_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                 int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: half the width and height; 8u, 3 channels. */
 NUQI_API StatusCode nuqiPyrDown_Gauss5x5_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                                 int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: half the width and height; 8s, 1 channel. */
 NUQI_API StatusCode nuqiPyrDown_Gauss5x5_8s_C1R(const int8_t* src, int32_t srcStep, int8_t* dst,
                                                 int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: half the width and height; 8s, 3 channels. */
 NUQI_API StatusCode nuqiPyrDown_Gauss5x5_8s_C3R(const int8_t* src, int32_t srcStep, int8_t* dst,
                                                 int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: half the width and height; 32f, 1 channel. */
 NUQI_API StatusCode nuqiPyrDown_Gauss5x5_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                                  int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: half the width and height; 32f, 3 channels. */
 NUQI_API StatusCode nuqiPyrDown_Gauss5x5_32f_C3R(const float* src, int32_t srcStep, float* dst,
                                                  int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: twice the width and height; 8u, 1 channel. */
 NUQI_API StatusCode nuqiPyrUp_Gauss5x5_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                               int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: twice the width and height; 8u, 3 channels. */
 NUQI_API StatusCode nuqiPyrUp_Gauss5x5_8u_C3R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                               int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: twice the width and height; 8s, 1 channel. */
 NUQI_API StatusCode nuqiPyrUp_Gauss5x5_8s_C1R(const int8_t* src, int32_t srcStep, int8_t* dst,
                                               int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: twice the width and height; 8s, 3 channels. */
 NUQI_API StatusCode nuqiPyrUp_Gauss5x5_8s_C3R(const int8_t* src, int32_t srcStep, int8_t* dst,
                                               int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: twice the width and height; 32f, 1 channel. */
 NUQI_API StatusCode nuqiPyrUp_Gauss5x5_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                                int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: twice the width and height; 32f, 3 channels. */
 NUQI_API StatusCode nuqiPyrUp_Gauss5x5_32f_C3R(const float* src, int32_t srcStep, float* dst,
                                                int32_t dstStep, RoiSize srcRoi, void* buffer);
+/** Gaussian pyramid: bytes of the buffer that a level down needs. */
 NUQI_API StatusCode nuqiPyrDownGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dataType,
                                                    int32_t channels, int32_t* bufferSize);
+/** Gaussian pyramid: bytes of the buffer that a level up needs. */
 NUQI_API StatusCode nuqiPyrUpGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dataType,
                                                  int32_t channels, int32_t* bufferSize);
 
@@ -1415,97 +1689,122 @@ NUQI_API StatusCode nuqiPyrUpGetBufSize_Gauss5x5(int32_t roiWidth, int32_t dataT
  *                2. StatusBadSize: as above.         3. StatusBadDataType: dataType not 1, 2 or 9.
  *                4. StatusBadSize: the size exceeds 2^31 - 1. Matching has no such limit.
  * Method      J. P. Lewis, "Fast normalized cross-correlation", Vision Interface, 1995: running sums.
+ * Example     examples/families/template_matching.c
  */
+/** Template matching: sum of squared differences at every place; 8u to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_SqDiff_8u32f_C1R(const uint8_t* src, int32_t srcStep,
                                                        RoiSize srcRoi, const uint8_t* tpl,
                                                        int32_t tplStep, RoiSize tplRoi, float* dst,
                                                        int32_t dstStep, void* buffer);
+/** Template matching: sum of squared differences at every place; 8s to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_SqDiff_8s32f_C1R(const int8_t* src, int32_t srcStep,
                                                        RoiSize srcRoi, const int8_t* tpl,
                                                        int32_t tplStep, RoiSize tplRoi, float* dst,
                                                        int32_t dstStep, void* buffer);
+/** Template matching: sum of squared differences at every place; 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_SqDiff_32f_C1R(const float* src, int32_t srcStep,
                                                      RoiSize srcRoi, const float* tpl,
                                                      int32_t tplStep, RoiSize tplRoi, float* dst,
                                                      int32_t dstStep, void* buffer);
+/** Template matching: normalised sum of squared differences at every place; 8u to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_SqDiffNormed_8u32f_C1R(const uint8_t* src, int32_t srcStep,
                                                              RoiSize srcRoi, const uint8_t* tpl,
                                                              int32_t tplStep, RoiSize tplRoi,
                                                              float* dst, int32_t dstStep,
                                                              void* buffer);
+/** Template matching: normalised sum of squared differences at every place; 8s to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_SqDiffNormed_8s32f_C1R(const int8_t* src, int32_t srcStep,
                                                              RoiSize srcRoi, const int8_t* tpl,
                                                              int32_t tplStep, RoiSize tplRoi,
                                                              float* dst, int32_t dstStep,
                                                              void* buffer);
+/** Template matching: normalised sum of squared differences at every place; 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_SqDiffNormed_32f_C1R(const float* src, int32_t srcStep,
                                                            RoiSize srcRoi, const float* tpl,
                                                            int32_t tplStep, RoiSize tplRoi,
                                                            float* dst, int32_t dstStep,
                                                            void* buffer);
+/** Template matching: correlation at every place; 8u to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_Corr_8u32f_C1R(const uint8_t* src, int32_t srcStep,
                                                      RoiSize srcRoi, const uint8_t* tpl,
                                                      int32_t tplStep, RoiSize tplRoi, float* dst,
                                                      int32_t dstStep, void* buffer);
+/** Template matching: correlation at every place; 8s to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_Corr_8s32f_C1R(const int8_t* src, int32_t srcStep,
                                                      RoiSize srcRoi, const int8_t* tpl,
                                                      int32_t tplStep, RoiSize tplRoi, float* dst,
                                                      int32_t dstStep, void* buffer);
+/** Template matching: correlation at every place; 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_Corr_32f_C1R(const float* src, int32_t srcStep,
                                                    RoiSize srcRoi, const float* tpl,
                                                    int32_t tplStep, RoiSize tplRoi, float* dst,
                                                    int32_t dstStep, void* buffer);
+/** Template matching: normalised correlation at every place; 8u to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_CorrNormed_8u32f_C1R(const uint8_t* src, int32_t srcStep,
                                                            RoiSize srcRoi, const uint8_t* tpl,
                                                            int32_t tplStep, RoiSize tplRoi,
                                                            float* dst, int32_t dstStep,
                                                            void* buffer);
+/** Template matching: normalised correlation at every place; 8s to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_CorrNormed_8s32f_C1R(const int8_t* src, int32_t srcStep,
                                                            RoiSize srcRoi, const int8_t* tpl,
                                                            int32_t tplStep, RoiSize tplRoi,
                                                            float* dst, int32_t dstStep,
                                                            void* buffer);
+/** Template matching: normalised correlation at every place; 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_CorrNormed_32f_C1R(const float* src, int32_t srcStep,
                                                          RoiSize srcRoi, const float* tpl,
                                                          int32_t tplStep, RoiSize tplRoi,
                                                          float* dst, int32_t dstStep, void* buffer);
+/** Template matching: covariance at every place; 8u to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_Coeff_8u32f_C1R(const uint8_t* src, int32_t srcStep,
                                                       RoiSize srcRoi, const uint8_t* tpl,
                                                       int32_t tplStep, RoiSize tplRoi, float* dst,
                                                       int32_t dstStep, void* buffer);
+/** Template matching: covariance at every place; 8s to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_Coeff_8s32f_C1R(const int8_t* src, int32_t srcStep,
                                                       RoiSize srcRoi, const int8_t* tpl,
                                                       int32_t tplStep, RoiSize tplRoi, float* dst,
                                                       int32_t dstStep, void* buffer);
+/** Template matching: covariance at every place; 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_Coeff_32f_C1R(const float* src, int32_t srcStep,
                                                     RoiSize srcRoi, const float* tpl,
                                                     int32_t tplStep, RoiSize tplRoi, float* dst,
                                                     int32_t dstStep, void* buffer);
+/** Template matching: correlation coefficient at every place, -1 to 1; 8u to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_CoeffNormed_8u32f_C1R(const uint8_t* src, int32_t srcStep,
                                                             RoiSize srcRoi, const uint8_t* tpl,
                                                             int32_t tplStep, RoiSize tplRoi,
                                                             float* dst, int32_t dstStep,
                                                             void* buffer);
+/** Template matching: correlation coefficient at every place, -1 to 1; 8s to 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_CoeffNormed_8s32f_C1R(const int8_t* src, int32_t srcStep,
                                                             RoiSize srcRoi, const int8_t* tpl,
                                                             int32_t tplStep, RoiSize tplRoi,
                                                             float* dst, int32_t dstStep,
                                                             void* buffer);
+/** Template matching: correlation coefficient at every place, -1 to 1; 32f. */
 NUQI_API StatusCode nuqiMatchTemplate_CoeffNormed_32f_C1R(const float* src, int32_t srcStep,
                                                           RoiSize srcRoi, const float* tpl,
                                                           int32_t tplStep, RoiSize tplRoi,
                                                           float* dst, int32_t dstStep,
                                                           void* buffer);
+/** Template matching: bytes of the buffer that nuqiMatchTemplate_SqDiff needs. */
 NUQI_API StatusCode nuqiMatchTemplateGetBufSize_SqDiff(RoiSize srcRoi, RoiSize tplRoi,
                                                        int32_t dataType, int32_t* size);
+/** Template matching: bytes of the buffer that nuqiMatchTemplate_SqDiffNormed needs. */
 NUQI_API StatusCode nuqiMatchTemplateGetBufSize_SqDiffNormed(RoiSize srcRoi, RoiSize tplRoi,
                                                              int32_t dataType, int32_t* size);
+/** Template matching: bytes of the buffer that nuqiMatchTemplate_Corr needs. */
 NUQI_API StatusCode nuqiMatchTemplateGetBufSize_Corr(RoiSize srcRoi, RoiSize tplRoi,
                                                      int32_t dataType, int32_t* size);
+/** Template matching: bytes of the buffer that nuqiMatchTemplate_CorrNormed needs. */
 NUQI_API StatusCode nuqiMatchTemplateGetBufSize_CorrNormed(RoiSize srcRoi, RoiSize tplRoi,
                                                            int32_t dataType, int32_t* size);
+/** Template matching: bytes of the buffer that nuqiMatchTemplate_Coeff needs. */
 NUQI_API StatusCode nuqiMatchTemplateGetBufSize_Coeff(RoiSize srcRoi, RoiSize tplRoi,
                                                       int32_t dataType, int32_t* size);
+/** Template matching: bytes of the buffer that nuqiMatchTemplate_CoeffNormed needs. */
 NUQI_API StatusCode nuqiMatchTemplateGetBufSize_CoeffNormed(RoiSize srcRoi, RoiSize tplRoi,
                                                             int32_t dataType, int32_t* size);
 
@@ -1548,45 +1847,56 @@ NUQI_API StatusCode nuqiMatchTemplateGetBufSize_CoeffNormed(RoiSize srcRoi, RoiS
  *                4. StatusUnsupported: 8u: newValue below 0 or above 255.
  *             Gradient fills: 5. StatusBadArg: a delta below 0 (-0.0 and NaN are not).
  *                6. StatusBadArg: 8u: lowerDelta + upperDelta above 255.
+ * Example     examples/families/flood_fill.c
  */
 
-/* What a flood fill has painted. */
+/** What a flood fill has painted. */
 typedef struct FillRegion {
-  double area;   /* in pixels */
-  double value;  /* what they were painted with */
-  int32_t x;     /* the leftmost column */
-  int32_t y;     /* the topmost row */
-  int32_t width; /* of the smallest rectangle around them */
+  double area;   /**< in pixels */
+  double value;  /**< what they were painted with */
+  int32_t x;     /**< the leftmost column */
+  int32_t y;     /**< the topmost row */
+  int32_t width; /**< of the smallest rectangle around them */
   int32_t height;
 } FillRegion;
 
+/** Flood fills: bytes of the buffer that a fill of such a region needs. */
 NUQI_API StatusCode nuqiFloodFillGetSize(RoiSize roi, int32_t* size);
+/** Flood fills: paints the connected pixels that equal the seed, 4 neighbours each; 8u. */
 NUQI_API StatusCode nuqiFloodFill_4Con_8u_C1IR(uint8_t* image, int32_t step, RoiSize roi,
                                                PixelPoint seed, int32_t newValue,
                                                FillRegion* region, void* buffer);
+/** Flood fills: paints the connected pixels that equal the seed, 8 neighbours each; 8u. */
 NUQI_API StatusCode nuqiFloodFill_8Con_8u_C1IR(uint8_t* image, int32_t step, RoiSize roi,
                                                PixelPoint seed, int32_t newValue,
                                                FillRegion* region, void* buffer);
+/** Flood fills: paints the connected pixels that equal the seed, 4 neighbours each; 32f. */
 NUQI_API StatusCode nuqiFloodFill_4Con_32f_C1IR(float* image, int32_t step, RoiSize roi,
                                                 PixelPoint seed, float newValue, FillRegion* region,
                                                 void* buffer);
+/** Flood fills: paints the connected pixels that equal the seed, 8 neighbours each; 32f. */
 NUQI_API StatusCode nuqiFloodFill_8Con_32f_C1IR(float* image, int32_t step, RoiSize roi,
                                                 PixelPoint seed, float newValue, FillRegion* region,
                                                 void* buffer);
 
+/** Flood fills: bytes of the buffer that a gradient fill of such a region needs. */
 NUQI_API StatusCode nuqiFloodFillGetSize_Grad(RoiSize roi, int32_t* size);
+/** Flood fills: paints the pixels that small steps lead to, 4 neighbours each; 8u. */
 NUQI_API StatusCode nuqiFloodFill_Grad4Con_8u_C1IR(uint8_t* image, int32_t step, RoiSize roi,
                                                    PixelPoint seed, int32_t newValue,
                                                    int32_t lowerDelta, int32_t upperDelta,
                                                    FillRegion* region, void* buffer);
+/** Flood fills: paints the pixels that small steps lead to, 8 neighbours each; 8u. */
 NUQI_API StatusCode nuqiFloodFill_Grad8Con_8u_C1IR(uint8_t* image, int32_t step, RoiSize roi,
                                                    PixelPoint seed, int32_t newValue,
                                                    int32_t lowerDelta, int32_t upperDelta,
                                                    FillRegion* region, void* buffer);
+/** Flood fills: paints the pixels that small steps lead to, 4 neighbours each; 32f. */
 NUQI_API StatusCode nuqiFloodFill_Grad4Con_32f_C1IR(float* image, int32_t step, RoiSize roi,
                                                     PixelPoint seed, float newValue,
                                                     float lowerDelta, float upperDelta,
                                                     FillRegion* region, void* buffer);
+/** Flood fills: paints the pixels that small steps lead to, 8 neighbours each; 32f. */
 NUQI_API StatusCode nuqiFloodFill_Grad8Con_32f_C1IR(float* image, int32_t step, RoiSize roi,
                                                     PixelPoint seed, float newValue,
                                                     float lowerDelta, float upperDelta,

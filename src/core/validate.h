@@ -30,6 +30,11 @@ constexpr bool bad_channel(int32_t coi) { return coi < 1 || coi > 3; }
 
 // The codes that tell a size query, or the maker of a state, an element type.
 constexpr int32_t k8u = 1, k8s = 2, k32f = 9;
+template <class T>
+constexpr int32_t data_type_of() {
+  return sizeof(T) == 4 ? k32f : T(-1) < T(0) ? k8s : k8u;
+}
+constexpr int element_bytes(int32_t type) { return type == k32f ? 4 : 1; }
 constexpr bool bad_data_type(int32_t type) { return type != k8u && type != k8s && type != k32f; }
 
 }  // namespace nuqi

@@ -20,25 +20,27 @@ struct EigenCall {
   void* buffer;
 };
 
-// Sobel's kernels from the middle outwards: that which smooths, and that of the first derivative.
+// Both first derivatives.
 template <class D>
-constexpr D kSmooth[3][4] = {{2, 1}, {6, 4, 1}, {20, 15, 6, 1}};
-template <class D>
-constexpr D kDerive[3][4] = {{0, 1}, {0, 2, 1}, {0, 5, 4, 1}};
+struct Derivatives {
+  SobelWeights<D> dx = {}, dy = {};
 
-template <class D>
-SobelWeights<D> weights_of(const D (&x)[4], const D (&y)[4]) {
-  SobelWeights<D> weights;
-  std::memcpy(weights.x, x, sizeof x);
-  std::memcpy(weights.y, y, sizeof y);
-  return weights;
-}
+  explicit Derivatives(int32_t aperture) {
+    const Coefficients smooth = coefficients_of(0, aperture), derive = coefficients_of(1, aperture);
+    const int half = aperture / 2;
+    for (int k = 0; k <= half; ++k) {
+      dx.x[k] = dy.y[k] = static_cast<D>(derive.of[half + k]);
+      dx.y[k] = dy.x[k] = static_cast<D>(smooth.of[half + k]);
+    }
+  }
+};
 
 // Fills a strip with the derivatives of its rows and columns and of a column on either side, for windows
 // of 3x3: the others keep columns from strip to strip. Beyond the image's ends lie copies of its first or
 // last column.
 template <class T, class D>
-void derive(const EigenCall<T>& call, const EigenJob& job, EigenStrip<D>& strip) {
+void derive(const EigenCall<T>& call, const EigenJob& job, const Derivatives<D>& weights,
+            EigenStrip<D>& strip) {
   constexpr int kMargin = EigenStrip<D>::kMargin;
   const int half = call.aperture / 2, reach = half + 1;
   const int32_t left = std::min(job.x, reach);
@@ -51,13 +53,12 @@ void derive(const EigenCall<T>& call, const EigenJob& job, EigenStrip<D>& strip)
   for (int i = 0; i < kEigenRows + 2 * half + kMostRowsAtOnce - 1; ++i) rows[i] += job.x - left;
 
   const auto& kernels = sobel_kernels().of_type<T>().of[half - 1];
-  const D(&smooth)[4] = kSmooth<D>[half - 1], (&derive)[4] = kDerive<D>[half - 1];
   const auto filter = [&](D(&to)[kEigenRows][EigenStrip<D>::kPitch], const SobelKernel<T, D>& sobel,
-                          const SobelWeights<D>& weights) {
+                          const SobelWeights<D>& of) {
     sobel({.rows = rows,
            .dst = {to[0] + kMargin - left, int32_t{sizeof to[0]}},
            .roi = {left + job.columns + right, kEigenRows}},
-          weights);
+          of);
     for (D(&row)[EigenStrip<D>::kPitch] : to) {
       D* const first = row + kMargin - left;
       D* const last = row + kMargin + job.columns + right - 1;
@@ -65,8 +66,8 @@ void derive(const EigenCall<T>& call, const EigenJob& job, EigenStrip<D>& strip)
       if (right == job.width - end) std::fill(last + 1, last + 1 + kEigenLanes, *last);
     }
   };
-  filter(strip.dx, kernels[1][0], weights_of(derive, smooth));
-  filter(strip.dy, kernels[0][1], weights_of(smooth, derive));
+  filter(strip.dx, kernels[1][0], weights.dx);
+  filter(strip.dy, kernels[0][1], weights.dy);
 }
 
 template <class D>
@@ -98,13 +99,14 @@ void walk(const EigenCall<T>& call, EigenResult result, int window) {
   job.width = call.roi.width;
   job.scale = scale_of(call.aperture, call.block);
   const auto kernel = kernel_of<D>(result, call.aperture);
+  const Derivatives<D> weights(call.aperture);
   const int64_t height = call.roi.height;
   for (job.y = 0; job.y < height; job.y += kEigenRows) {
     job.rows = static_cast<int>(std::min<int64_t>(kEigenRows, height - job.y));
     job.repeats = job.y + job.rows == height ? job.half : 0;
     for (job.x = 0; job.x < job.width; job.x += job.columns) {
       job.columns = std::min(job.width - job.x, EigenStrip<D>::kColumns);
-      derive(call, job, strip);
+      derive(call, job, weights, strip);
       kernel(job, strip);
     }
   }

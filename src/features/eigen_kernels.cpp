@@ -72,7 +72,7 @@ struct Results<EigenResult::vectors> {
     const auto n1 = length_of(l1), n2 = length_of(l2);
 
     const auto limit = doubles(0.01) * max(a, c);
-    const auto diagonal = max(b, none - b) < limit;
+    const auto diagonal = abs(b) < limit;
     const auto flat = (min(a, c) < limit) | (~diagonal & (determinant < limit));
     const auto choose = [&](const Doubles& axis, const Doubles& value) NUQI_FORCED {
       return round_to_floats(keep(~flat, select(diagonal, axis, value)));

@@ -7,48 +7,56 @@
 namespace nuqi {
 
 constexpr int kFillWordPixels = 64;
+constexpr int kFillGroupWords = 64;
 constexpr bool kDiagonal = true;
 
 // 64 pixels of a row, the first in the lowest bit. The buffer, and so a word, has any alignment.
 struct __attribute__((packed, may_alias)) FillWord {
   uint64_t open;     // pixels that may join and have not been reached
   uint64_t pending;  // open pixels that join, to be visited
-  uint64_t queued;   // whether the word stands in the queue, where it stands but once
   uint64_t found;    // what the last visit has filled
 };
 
-// Which words of a row hold anything: those from `first` to `end` - 1.
-struct __attribute__((packed, may_alias)) FillRow {
-  int32_t first, end;
+// 64 words of a row, the first in the lowest bit.
+struct __attribute__((packed, may_alias)) FillGroup {
+  uint64_t ready;    // words that hold anything
+  uint64_t waiting;  // words to be visited; some may have been since
+};
+
+// 64 rows, the first in the lowest bit: those that have waiting words.
+struct __attribute__((packed, may_alias)) FillRowBits {
+  uint64_t waiting;
 };
 
 // Where a word lies: its row, and its number in the row.
-struct __attribute__((packed, may_alias)) FillPlace {
+struct FillPlace {
   int32_t y, k;
 };
 
 struct FillPlan {
-  int64_t row_words;
-  Region<FillRow> rows;
+  int64_t row_words, row_groups;
+  Region<FillRowBits> row_bits;
+  Region<FillGroup> groups;
   Region<FillWord> words;
-  Region<FillPlace> queue;  // a ring with room for every word
   int64_t end;
 };
 
 constexpr FillPlan plan_fill(RoiSize roi) {
   FillPlan plan = {};
   plan.row_words = (int64_t{roi.width} + kFillWordPixels - 1) / kFillWordPixels;
+  plan.row_groups = (plan.row_words + kFillGroupWords - 1) / kFillGroupWords;
   ScratchLayout layout;
-  plan.rows = layout.add<FillRow>(roi.height);
+  plan.row_bits = layout.add<FillRowBits>(int64_t{roi.height} / 64 + 1);
+  plan.groups = layout.add<FillGroup>(plan.row_groups * roi.height);
   plan.words = layout.add<FillWord>(plan.row_words * roi.height);
-  plan.queue = layout.add<FillPlace>(plan.row_words * roi.height);
   plan.end = layout.end();
   return plan;
 }
 
-// Narrower images have no room for words in their 6 bytes a pixel. A row takes 8 bytes and 40 a word: all
-// of the 48 at a width of 8. A second word takes 40 more from a width of 65 on, which brings 390.
-constexpr int32_t kFillNarrow = 8;
+// Narrower images are walked span by span. From here on words find room in 6 bytes a pixel: a row takes 16
+// bytes a group and 24 a word, the first one and each 64th 8 more, which is half of what a width of 16
+// brings. A second word takes 24 more from a width of 65 on, which brings 390.
+constexpr int32_t kFillNarrow = 16;
 
 // What both kinds of fills hand to their kernels.
 template <class T>
@@ -57,10 +65,12 @@ struct FillJob {
   RoiSize roi;
   PixelPoint seed;
   T value;  // the new one
-  int64_t row_words;
-  FillRow* rows;
+  uint8_t* buffer;
+  // Parts of the buffer, where the image is not narrow.
+  int64_t row_words, row_groups;
+  FillRowBits* row_bits;
+  FillGroup* groups;
   FillWord* words;
-  FillPlace* queue;
 };
 
 template <class T>
@@ -71,10 +81,12 @@ FillJob<T> fill_job(const Image<T>& image, RoiSize roi, PixelPoint seed, T value
           .roi = roi,
           .seed = seed,
           .value = value,
+          .buffer = static_cast<uint8_t*>(buffer),
           .row_words = plan.row_words,
-          .rows = scratch[plan.rows],
-          .words = scratch[plan.words],
-          .queue = scratch[plan.queue]};
+          .row_groups = plan.row_groups,
+          .row_bits = scratch[plan.row_bits],
+          .groups = scratch[plan.groups],
+          .words = scratch[plan.words]};
 }
 
 }  // namespace nuqi

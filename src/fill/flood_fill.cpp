@@ -2,7 +2,7 @@
 #include "fill/flood_fill.h"
 
 #include "core/validate.h"
-#include "fill/pixel_fill.h"
+#include "fill/fill_args.h"
 
 namespace nuqi {
 namespace {
@@ -25,21 +25,11 @@ StatusCode fill(Image<T> image, RoiSize roi, PixelPoint seed, Value value, FillR
   if (sizeof(T) == 1 && (value < 0 || value > 255))                 return StatusUnsupported;
   // clang-format on
 
-  const T old_value = pixel_of(image, seed), new_value = static_cast<T>(value);
-  if (equal(old_value, new_value))
+  const T new_value = static_cast<T>(value);
+  if (equal(pixel_of(image, seed), new_value))
     return StatusOk;  // deliberate: nothing is written, no record either
-  if (roi.width >= kFillNarrow) {
-    const auto& kernels = flood_fill_kernels().of_type<T>();
-    *region = kernels.of[diagonal](fill_job(image, roi, seed, new_value, buffer));
-    return StatusOk;
-  }
-  set_pixel(image, seed, new_value);
-  *region = fill_pixels<diagonal>(roi, seed, buffer, [&](PixelPoint, PixelPoint to) {
-    const bool taken = equal(pixel_of(image, to), old_value);
-    if (taken) set_pixel(image, to, new_value);
-    return taken;
-  });
-  region->value = new_value;
+  const auto& kernels = flood_fill_kernels().of_type<T>();
+  *region = kernels.of[diagonal](fill_job(image, roi, seed, new_value, buffer));
   return StatusOk;
 }
 
@@ -54,7 +44,7 @@ StatusCode nuqiFloodFillGetSize(RoiSize roi, int32_t* size) {
   if (any_null(size))  /* deliberate: after the size */             return StatusNullPtr;
   // clang-format on
 
-  *size = static_cast<int32_t>(fill_stack_size(roi));
+  *size = static_cast<int32_t>(fill_words_size(roi));
   return StatusOk;
 }
 

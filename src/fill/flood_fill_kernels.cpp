@@ -11,6 +11,7 @@ template <class T>
 class Equality {
  public:
   static constexpr bool kLocal = true;
+  static constexpr int kEffort = 1 + kFillWordPixels * sizeof(T) / kRegBytes / 2;
 
   NUQI_INLINE explicit Equality(const FillJob<T>& job)
       : image_(job.image),
@@ -28,6 +29,10 @@ class Equality {
   }
   NUQI_INLINE uint64_t steps(int32_t, int32_t, int, int) const { return ~uint64_t{0}; }
   NUQI_INLINE bool joins(int32_t, int32_t, int, int) const { return true; }
+  NUQI_INLINE bool matches(int32_t x, int32_t y) const {
+    const T pixel = load_one(row_of(image_, y) + x);
+    return !(pixel < seed_) && !(seed_ < pixel);
+  }
 
  private:
   template <class Part>
@@ -45,7 +50,7 @@ class Equality {
 
 template <bool diagonal, class T>
 FillRegion fill(const FillJob<T>& job) {
-  return fill_words<diagonal>(Equality<T>(job), job);
+  return fill_region<diagonal>(Equality<T>(job), job);
 }
 
 template <class T>

@@ -76,6 +76,7 @@ template <class T>
 class Gradient {
  public:
   static constexpr bool kLocal = false;
+  static constexpr int kEffort = 2 * (2 + kFillWordPixels * sizeof(T) / kRegBytes);
 
   NUQI_INLINE Gradient(const FillJob<T>& job, const FillDeltas<T>& deltas)
       : image_(job.image), width_(job.roi.width), joins_(deltas) {}
@@ -112,7 +113,7 @@ class Gradient {
 
 template <bool diagonal, class T>
 FillRegion fill(const FillJob<T>& job, const FillDeltas<T>& deltas) {
-  return fill_words<diagonal>(Gradient<T>(job, deltas), job);
+  return fill_region<diagonal>(Gradient<T>(job, deltas), job);
 }
 
 template <class T>

@@ -1,4 +1,5 @@
-// Finds and paints a region, 64 pixels at a time; what joins is a rule's business.
+// Finds and paints a region, 64 pixels at a time, or span by span where it is thin; what joins is a rule's
+// business.
 //
 // A rule knows the pixels as they were before the call. It gives
 //   matching(y, k)          the pixels of a word that may belong to the region
@@ -6,19 +7,17 @@
 //   steps(y, k, dx, dy)     the pixels of a word from which a step leads dx columns and dy rows further
 //   joins(x, y, dx, dy)     whether such a step leads on from one pixel
 //   kLocal                  whether every open pixel joins, wherever it is reached from
+//   matches(x, y)           of a local rule, whether a pixel may join and has not been painted
+//   kEffort                 the pixels that are reached span by span in the time that a local rule takes to
+//                           compare a word, another one to visit it
 // What it says of steps to pixels that are not open makes no difference. Under a local rule pixels are
 // painted as they are found, under another one at the end, since steps compare pixels as they were.
 #pragma once
 
-#include "fill/fill_bits.h"
+#include "fill/fill_map.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
-
-// Rows whose range of words is known, if only to be empty.
-struct RowRange {
-  int32_t top, bottom;
-};
 
 // Of words of a row: the first and last, and how many of those between count.
 struct WordRange {
@@ -27,108 +26,104 @@ struct WordRange {
 // Regions that run on for so many words are swept by rows.
 constexpr int32_t kWide = 2;
 
-// How far the region reaches.
-struct Extent {
-  int64_t area;
-  int32_t left, right, top, bottom;
-
-  NUQI_INLINE void add_columns(int32_t first, int32_t last) {
-    if (first < left) left = first;
-    if (last > right) right = last;
-  }
-  NUQI_INLINE void add_row(int32_t y) {
-    if (y < top) top = y;
-    if (y > bottom) bottom = y;
-  }
-};
-
 constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
 
-// Adds [first, end) to the row's range of words, with what lies between.
-template <class Rule, class T>
-NUQI_NOINLINE void prepare(const Rule& rule, const FillJob<T>& job, RowRange& known, int32_t y,
-                           int32_t first, int32_t end) {
-  if (y == known.top && y > 0) job.rows[known.top = y - 1] = {0, 0};
-  if (y == known.bottom && y + 1 < job.roi.height) job.rows[known.bottom = y + 1] = {0, 0};
-  FillWord* const words = job.words + y * job.row_words;
-  FillRow row = job.rows[y];
-  if (row.first == row.end) row = {first, first};
-  while (row.first > first || row.end < end) {
-    const int32_t k = row.first > first ? --row.first : row.end++;
-    words[k] = {rule.matching(y, k), 0, 0, 0};
-  }
-  job.rows[y] = row;
-}
-
-// By words: a word waits in the queue while more of its pixels are reached, and one is visited at once,
-// which saves corridors the queue. A visit takes all words of the row that its region runs into on either
-// side, and then looks at the rows next to it.
+// Words wait while more of their pixels are reached, and one is visited at once. A visit takes all words of
+// the row that its region runs into on either side, and then looks at the rows next to it.
 //
 // A visit turns at least one open pixel into a found one, so there are no more visits than pixels. Words
-// hold nothing until the region comes near: of each row those between the leftmost and the rightmost
-// that were asked for.
+// hold nothing until the region comes near.
+//
+// Words pay where much of them is found. Their effort is what `credit` holds against the pixels that it
+// brought: below 0, thin regions are walked span by span. These leave words as they are, and what has been
+// painted no longer matches.
 template <bool diagonal, class Rule, class T>
 class Search {
  public:
-  NUQI_INLINE Search(const Rule& rule, const FillJob<T>& job, RowRange& known)
+  static constexpr bool kLocal = Rule::kLocal;
+
+  NUQI_INLINE Search(const Rule& rule, const FillJob<T>& job, FillState& state)
       : rule_(rule),
         job_(job),
-        known_(known),
-        row_words_(job.row_words),
-        ring_(job.row_words * job.roi.height),
+        state_(state),
         height_(job.roi.height),
-        rows_(job.rows),
-        words_(job.words),
-        queue_(job.queue) {}
+        row_words_(job.row_words),
+        row_groups_(job.row_groups),
+        groups_(job.groups),
+        words_(job.words) {}
 
   NUQI_INLINE void run() {
-    const PixelPoint seed = job_.seed;
-    const int32_t k = seed.x / kFillWordPixels;
-    rows_[seed.y] = {0, 0};
-    ready(seed.y, k, k);
-    offer(seed.y, k, kFirstPixel << seed.x % kFillWordPixels);
+    PixelPoint from = job_.seed;
     for (;;) {
-      FillPlace place = next_;
-      next_.y = -1;
-      if (place.y < 0) {
-        if (waiting_ == 0) break;
-        place = queue_[head_];
-        if (++head_ == ring_) head_ = 0;
-        --waiting_;
+      FillPlace place;
+      if (from.y >= 0) {
+        place = walk_from<diagonal>(rule_, job_, state_, from);
+        from.y = -1;
+        if (place.y < 0) continue;
+      } else {
+        place = state_.next;
+        state_.next.y = -1;
+        if (place.y < 0) place = next_waiting(job_, state_);
+        if (place.y < 0) break;
+        FillWord& word = row_words(place.y)[place.k];
+        const uint64_t pending = word.pending;
+        if (pending == 0) continue;  // taken along by a word beside it
+        if (seems_thin(place.y, place.k)) {
+          word.pending = pending & (pending - 1);
+          if (word.pending != 0) leave_waiting(job_, state_, place);
+          from = {place.k * kFillWordPixels + first_bit(pending), place.y};
+          continue;
+        }
+        if (state_.credit > kMostCredit) state_.credit = kMostCredit;
       }
-      row_words(place.y)[place.k].queued = 0;
       int32_t y = place.y;
-      if constexpr (Rule::kLocal)
+      if constexpr (kLocal)
         if (follow(y, place.k)) continue;
       visit(y, place.k);
     }
   }
-  NUQI_INLINE const Extent& extent() const { return extent_; }
 
  private:
+  static constexpr int32_t kEffort = diagonal && !kLocal ? 2 * Rule::kEffort : Rule::kEffort;
+  static constexpr int32_t kMostCredit = 8 * kEffort;
+
   NUQI_INLINE bool has_row(int32_t y) const { return uint32_t(y) < uint32_t(height_); }
   NUQI_INLINE FillWord* row_words(int32_t y) const { return words_ + y * row_words_; }
 
+  NUQI_INLINE bool all_ready(int32_t y, int32_t first, int32_t last) const {
+    const int32_t g = first / kFillGroupWords;
+    if (last / kFillGroupWords != g) return false;
+    const uint64_t bits = ~uint64_t{0} >> (63 - (last - first)) << first % kFillGroupWords;
+    return (bits & ~groups_[y * row_groups_ + g].ready) == 0;
+  }
+  NUQI_INLINE bool is_ready(int32_t y, int32_t k) const {
+    return (groups_[y * row_groups_ + k / kFillGroupWords].ready >> k % kFillGroupWords & 1) != 0;
+  }
+  // Whether to walk on from a word: where that spares words.
+  NUQI_INLINE bool seems_thin(int32_t y, int32_t k) const {
+    if (state_.credit >= 0) return false;
+    return !kLocal || !((y == 0 || is_ready(y - 1, k)) && (y + 1 == height_ || is_ready(y + 1, k)));
+  }
   // Before words of a row are looked at.
   NUQI_INLINE void ready(int32_t y, int32_t first, int32_t last) {
-    const FillRow row = rows_[y];
-    if (first < row.first || last >= row.end) prepare(rule_, job_, known_, y, first, last + 1);
+    if (all_ready(y, first, last)) return;
+    prepare(rule_, job_, state_, y, first, last + 1);
   }
-
+  NUQI_INLINE void ready(int32_t y, int32_t k) {
+    if (!is_ready(y, k)) prepare(rule_, job_, state_, y, k, k + 1);
+  }
   NUQI_INLINE void offer(int32_t y, int32_t k, uint64_t pixels) {
     FillWord& word = row_words(y)[k];
-    const uint64_t hit = word.open & pixels;
+    const uint64_t before = word.pending, hit = word.open & pixels;
     if (hit == 0) return;
-    word.pending |= hit;
-    if (word.queued != 0) return;
-    word.queued = 1;
-    if (next_.y < 0) {
-      next_ = {y, k};
-    } else {
-      int64_t tail = head_ + waiting_++;
-      if (tail >= ring_) tail -= ring_;
-      queue_[tail] = {y, k};
-    }
+    word.pending = before | hit;
+    if (before == 0) wait(y, k);
+  }
+  NUQI_INLINE void wait(int32_t y, int32_t k) {
+    if (state_.next.y < 0)
+      state_.next = {y, k};
+    else
+      leave_waiting(job_, state_, {y, k});
   }
 
   // A visit, and those that it leads to, as long as they stay in one column of words: what winds is
@@ -136,9 +131,15 @@ class Search {
   NUQI_INLINE bool follow(int32_t& y, int32_t k) {
     const uint64_t ends = (k > 0 ? kFirstPixel : 0) | (k + 1 < row_words_ ? kLastPixel : 0);
     uint64_t seeds = row_words(y)[k].pending, columns = 0;
+    int32_t area = 0, top = y, bottom = y;
     bool done = true;
     while (seeds != 0) {
       FillWord& word = row_words(y)[k];
+      if (columns != 0 && seems_thin(y, k)) {
+        word.pending = seeds;
+        wait(y, k);
+        break;
+      }
       const uint64_t open = word.open;
       const uint64_t found = spread(rule_.in_row(y, k, open), seeds);
       if ((found & ends) != 0) {
@@ -148,18 +149,18 @@ class Search {
       }
       word.open = open & ~found;
       word.pending = 0;
-      extent_.area += count_bits(found);
-      extent_.add_row(y);
+      area += count_bits(found);
+      top = y < top ? y : top, bottom = y > bottom ? y : bottom;
       columns |= found;
       paint(job_, y, k, found);
       const uint64_t near = diagonal ? found | found << 1 | found >> 1 : found;
       uint64_t up = 0, down = 0;
       if (y > 0) {
-        ready(y - 1, k, k);
+        ready(y - 1, k);
         up = near & (&word)[-row_words_].open;
       }
       if (y + 1 < height_) {
-        ready(y + 1, k, k);
+        ready(y + 1, k);
         down = near & (&word)[row_words_].open;
       }
       if (up != 0) {
@@ -173,23 +174,26 @@ class Search {
         break;
       }
     }
-    if (columns != 0)
-      extent_.add_columns(k * kFillWordPixels + first_bit(columns),
-                          k * kFillWordPixels + last_bit(columns));
+    if (columns == 0) return done;
+    state_.extent.area += area;
+    state_.credit += area;
+    state_.extent.add_row(top);
+    state_.extent.add_row(bottom);
+    state_.extent.add_columns(k * kFillWordPixels + first_bit(columns),
+                              k * kFillWordPixels + last_bit(columns));
     return done;
   }
 
   NUQI_INLINE void visit(int32_t y, int32_t k) {
     FillWord* const words = row_words(y);
-    if (words[k].pending == 0) return;  // taken along by a word beside it
     int32_t first = k, last = k;
     take(words[k], y, k);
     for (; crosses<1>(y, last); ++last) take(words[last + 1], y, last + 1, kFirstPixel);
     for (; crosses<-1>(y, first); --first) take(words[first - 1], y, first - 1, kLastPixel);
-    extent_.add_columns(first * kFillWordPixels + first_bit(words[first].found),
-                        last * kFillWordPixels + last_bit(words[last].found));
-    extent_.add_row(y);
-    if constexpr (Rule::kLocal)
+    state_.extent.add_columns(first * kFillWordPixels + first_bit(words[first].found),
+                              last * kFillWordPixels + last_bit(words[last].found));
+    state_.extent.add_row(y);
+    if constexpr (kLocal)
       if (last - first >= kWide) return sweep(y, first, last);
     for (int dy = -1; dy <= 1; dy += 2)
       if (has_row(y + dy)) next_row(y, first, last, dy);
@@ -212,7 +216,8 @@ class Search {
       if (last - first > 4 * reached.count) break;
       take_range(y, first, last);
     }
-    for (int32_t k = first; k <= last; ++k) offer(y, k, row_words(y)[k].pending);
+    for (int32_t k = first; k <= last; ++k)
+      if (row_words(y)[k].pending != 0) leave_waiting(job_, state_, {y, k});
   }
   // Makes pending what is reached from a row's words in the row dy further on.
   NUQI_INLINE WordRange reach(int32_t y, int32_t first, int32_t last, int dy) {
@@ -247,7 +252,7 @@ class Search {
     for (int32_t k = first;; ++k) {
       if (k > last) {
         if (carry == 0 || k == row_words_) break;
-        ready(y, k, k);
+        ready(y, k);
         if ((words[k].open & kFirstPixel) == 0) break;
         last = k;
       }
@@ -259,7 +264,7 @@ class Search {
     for (int32_t k = last;; --k) {
       if (k < first) {
         if (carry == 0 || k < 0) break;
-        ready(y, k, k);
+        ready(y, k);
         if ((words[k].open & kLastPixel) == 0) break;
         first = k;
         words[k].found = 0;
@@ -272,12 +277,14 @@ class Search {
       words[k].pending = 0;
       words[k].found = found;
       if (found == 0) continue;
-      extent_.area += count_bits(found);
-      extent_.add_columns(k * kFillWordPixels + first_bit(found),
-                          k * kFillWordPixels + last_bit(found));
+      const int count = count_bits(found);
+      state_.extent.area += count;
+      state_.credit += count;
+      state_.extent.add_columns(k * kFillWordPixels + first_bit(found),
+                                k * kFillWordPixels + last_bit(found));
       paint(job_, y, k, found);
     }
-    extent_.add_row(y);
+    state_.extent.add_row(y);
   }
 
   // Finds what is reached within the word.
@@ -287,14 +294,16 @@ class Search {
     word.open = open & ~found;
     word.pending = 0;
     word.found = found;
-    extent_.area += count_bits(found);
-    if constexpr (Rule::kLocal) paint(job_, y, k, found);
+    const int count = count_bits(found);
+    state_.extent.area += count;
+    state_.credit += count - (kLocal ? 0 : kEffort);
+    if constexpr (kLocal) paint(job_, y, k, found);
   }
   // Whether the region goes on from the word's end pixel to the next word of the row.
   template <int dx>
   NUQI_INLINE bool crosses(int32_t y, int32_t k) {
     if (!has_beside<dx>(k, row_words(y)[k].found)) return false;
-    ready(y, k + dx, k + dx);
+    ready(y, k + dx);
     if ((row_words(y)[k + dx].open & (dx < 0 ? kLastPixel : kFirstPixel)) == 0) return false;
     return rule_.joins(end_pixel<dx>(k), y, dx, 0);
   }
@@ -341,36 +350,35 @@ class Search {
 
   const Rule& rule_;
   const FillJob<T>& job_;
-  RowRange& known_;
-  // Copies: as far as the compiler knows, what is stored to words might change the job.
-  const int64_t row_words_, ring_;
+  FillState& state_;
+  // Copies: as far as the compiler knows, what is stored to words might change the others.
   const int32_t height_;
-  FillRow* const rows_;
+  const int64_t row_words_, row_groups_;
+  FillGroup* const groups_;
   FillWord* const words_;
-  FillPlace* const queue_;
-  int64_t head_ = 0, waiting_ = 0;
-  FillPlace next_ = {-1, 0};  // to be visited before those of the queue; none where y is negative
-  Extent extent_ = {0, job_.roi.width, -1, job_.seed.y, job_.seed.y};
 };
 
-template <bool diagonal, class Rule, class T>
-NUQI_INLINE FillRegion fill_words(const Rule& rule, const FillJob<T>& job) {
-  RowRange known = {job.seed.y, job.seed.y};
-  Search<diagonal, Rule, T> search(rule, job, known);
-  search.run();
-  const Extent extent = search.extent();
-  if constexpr (!Rule::kLocal)
-    for (int32_t y = extent.top; y <= extent.bottom; ++y)
-      for (int32_t k = job.rows[y].first; k < job.rows[y].end; ++k) {
+// Paints what has been found, of a rule that is not local.
+template <class Rule, class T>
+NUQI_INLINE void paint_found(const Rule& rule, const FillJob<T>& job, const Extent& extent) {
+  for (int32_t y = extent.top; y <= extent.bottom; ++y)
+    for (int32_t g = 0; g < job.row_groups; ++g)
+      for (uint64_t ready = job.groups[y * job.row_groups + g].ready; ready != 0;
+           ready &= ready - 1) {
+        const int32_t k = g * kFillGroupWords + first_bit(ready);
         const uint64_t found = rule.matching(y, k) & ~job.words[y * job.row_words + k].open;
         if (found != 0) paint(job, y, k, found);
       }
-  return {(double)extent.area,
-          (double)job.value,
-          extent.left,
-          extent.top,
-          extent.right - extent.left + 1,
-          extent.bottom - extent.top + 1};
+}
+
+template <bool diagonal, class Rule, class T>
+NUQI_INLINE FillRegion fill_region(const Rule& rule, const FillJob<T>& job) {
+  if (job.roi.width < kFillNarrow) return fill_narrow<diagonal>(rule, job);
+  FillState state = start_map(job);
+  Search<diagonal, Rule, T> search(rule, job, state);
+  search.run();
+  if constexpr (!Rule::kLocal) paint_found(rule, job, state.extent);
+  return state.extent.region(job.value);
 }
 
 }  // namespace

@@ -26,25 +26,18 @@ ConvolState* new_state(int32_t width, int32_t size, int buffers, int32_t kind) {
 }
 
 template <class C>
-void store_coefficients(const int32_t* c, int32_t size, uint8_t* table) {
+void store_coefficients(const Coefficients& c, int32_t size, uint8_t* table) {
   for (int i = 0; i <= size; ++i) {
-    const C value = static_cast<C>(c[i]);
+    const C value = static_cast<C>(c.of[i]);
     for (int copy = 0; copy < 4; ++copy)
       std::memcpy(table + (4 * i + copy) * sizeof(C), &value, sizeof value);
   }
 }
 
-// The derivative of the given order, smoothed to the size by [1 1].
 void build_coefficients(int32_t order, int32_t size, bool flip, int32_t type, uint8_t* table) {
-  int32_t c[8] = {1};
-  const auto convolve = [&](int32_t sign) {
-    for (int i = size - 1; i > 0; --i) c[i] = c[i - 1] + sign * c[i];
-    c[0] *= sign;
-  };
-  for (int i = 0; i < size - 1 - order; ++i) convolve(1);
-  for (int i = 0; i < order; ++i) convolve(-1);
+  Coefficients c = coefficients_of(order, size);
   if (flip && order % 2 == 1)
-    for (int i = 0; i < size; ++i) c[i] = -c[i];
+    for (int i = 0; i < size; ++i) c.of[i] = -c.of[i];
   if (type == k32f)
     store_coefficients<float>(c, size, table);
   else

@@ -33,6 +33,21 @@ inline int64_t row_pitch(const ConvolState& state) {
   return static_cast<char*>(state.rows[1]) - static_cast<char*>(state.rows[0]);
 }
 
+// The derivative of the given order, smoothed to the size by [1 1].
+struct Coefficients {
+  int32_t of[8];
+};
+constexpr Coefficients coefficients_of(int32_t order, int32_t size) {
+  Coefficients c = {{1}};
+  const auto convolve = [&](int32_t sign) {
+    for (int i = size - 1; i > 0; --i) c.of[i] = c.of[i - 1] + sign * c.of[i];
+    c.of[0] *= sign;
+  };
+  for (int i = 0; i < size - 1 - order; ++i) convolve(1);
+  for (int i = 0; i < order; ++i) convolve(-1);
+  return c;
+}
+
 // Coefficient i of a table of C: 16-bit integers or floats.
 template <class C>
 C coefficient(const uint8_t (&table)[256], int i) {

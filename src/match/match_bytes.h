@@ -5,8 +5,7 @@
 #pragma once
 
 #include "core/simd/dots.h"
-#include "match/patch_sums.h"
-#include "match/score.h"
+#include "match/match_transformed.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
@@ -201,20 +200,8 @@ NUQI_INLINE bool is_narrow(int columns, int64_t tpl_width) {
 
 // ---- The kernel
 
-// The sum of squared differences is S2 - 2 C + T2.
-template <class Lane>
-NUQI_INLINE Px<Lane> difference(const Px<Lane>& energy, const Px<Lane>& products,
-                                const Totals& tpl) {
-  return energy + broadcast((Lane)tpl.energy) - (products + products);
-}
-
-template <Measure m, class T>
-void match(const MatchJob<T>& job) {
-  constexpr bool differences = m == Measure::sq_diff || m == Measure::sq_diff_normed;
-  using Sums = PatchSumsIf<needs_sums(m), Of::sums, T>;
-  using Energies = PatchSumsIf<needs_energies(m) || differences, Of::energies, T>;
-  const Totals tpl = totals_of(job.tpl, job.tpl_roi);
-  const auto terms = template_terms<m, false>(job.tpl_roi, (int32_t)tpl.sum, (double)tpl.energy);
+template <class T>
+NUQI_NOINLINE void match_directly(const MatchJob<T>& job, const Scorer& scorer) {
   const int64_t width = job.dst_roi.width, height = job.dst_roi.height;
   const int columns = width < kColumns ? int(width) : kColumns;
   const bool narrow = is_narrow(columns, job.tpl_roi.width);
@@ -224,38 +211,33 @@ void match(const MatchJob<T>& job) {
   if (whole) take_piece(job, 0, 0, cells);
   for (int64_t start = 0; start < width; start += kColumns) {
     const int64_t x = start + columns <= width ? start : width - columns;
-    Sums sums(job, x, columns);
-    Energies energies(job, x, columns);
+    scorer.start(scorer.scores, x, columns);
     for (int64_t y = 0; y < height;) {
       const Block block = next_block(x, columns, y, height);
       if (narrow)
-        multiply_narrow(job, block, tpl, products);
+        multiply_narrow(job, block, scorer.tpl, products);
       else if (whole)
         multiply_piece(job, block, 0, 0, cells, products);
       else
         multiply_pieces(job, block, cells, products);
-      for (; y < block.row + block.rows; ++y) {
-        sums.at_row(y);
-        energies.at_row(y);
-        const int32_t* const of_piece = products.of_piece[y - block.row];
-        const double* const of_all = products.of_all[y - block.row];
-        for (int j = 0; j < columns; j += 16) {
-          Px<float> scores;
-          if (whole && (m == Measure::corr || m == Measure::sq_diff)) {
-            auto raw = load(of_piece + j);
-            if constexpr (differences) raw = difference<int32_t>(energies.ints_at(j), raw, tpl);
-            scores = convert<float>(raw);
-          } else {
-            const auto energy = energies.at(j);
-            auto raw = whole ? to_doubles(load(of_piece + j)) : load(of_all + j);
-            if constexpr (differences) raw = difference<double>(energy, raw, tpl);
-            scores = score<m, false>(raw, sums.at(j), energy, terms);
-          }
-          store_scores(row_of(job.dst, y) + x + j, columns - j, scores);
-        }
-      }
+      const int64_t first = y - block.row;
+      const int rows = block.rows - int(first);
+      const int32_t* const ints = products.of_piece[first];
+      const double* const all = products.of_all[first];
+      scorer.put(scorer.scores, y, rows, {whole ? ints : nullptr, whole ? nullptr : all, kColumns});
+      y += rows;
     }
   }
+}
+
+template <Measure m, class T>
+void match(const MatchJob<T>& job) {
+  ByteScores<m, T> scores(job);
+  const TransformPlan plan(job);
+  if (plan.is_faster())
+    match_by_transforms(job, plan, scores.scorer());
+  else
+    match_directly(job, scores.scorer());
 }
 
 }  // namespace

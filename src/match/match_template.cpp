@@ -34,6 +34,8 @@ StatusCode match(Image<const T> src, RoiSize src_roi, Image<const T> tpl, RoiSiz
       .dst = dst,
       .tpl_roi = tpl_roi,
       .dst_roi = dst_roi,
+      .work = scratch[Region<char>{}],
+      .work_bytes = plan.size - kMatchAlignment,
       .tpl_doubles = reinterpret_cast<double*>(scratch[plan.tpl]),
       .row_sums = reinterpret_cast<double*>(scratch[plan.row_sums]),
       .row_energies = reinterpret_cast<double*>(scratch[plan.row_energies]),

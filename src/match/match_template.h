@@ -60,6 +60,8 @@ struct MatchJob {
   Image<const T> src, tpl;
   Image<float> dst;
   RoiSize tpl_roi, dst_roi;
+  void* work;  // the buffer
+  int64_t work_bytes;
   double* tpl_doubles;  // room for the template's floats as doubles
   double* row_sums;     // of floats, where the measure needs them
   double* row_energies;

@@ -6,8 +6,7 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Result columns that are computed together, and result rows that share the loads of their source rows.
-constexpr int kColumns = 64;
+// Result rows that share the loads of their source rows.
 constexpr int kRows = kRegBytes == 64 ? 6 : 4;
 constexpr int kDoubles = kRegBytes / 8;
 
@@ -15,7 +14,7 @@ constexpr int kDoubles = kRegBytes / 8;
 
 // The sums of kRows rows of a stretch of columns. Blocks of columns are whole: the last one starts before
 // its turn, even before the stretch.
-constexpr int kMost = 2 * kDoubles;
+constexpr int kMost = 2 * kDoubles, kFew = 4;  // columns of a block
 struct Raw {
   double of[kRows][kMost + kColumns] = {};
   double* row(int y) { return of[y] + kMost; }
@@ -66,7 +65,10 @@ NUQI_NOINLINE void sum_block(const MatchJob<float>& job, int64_t x, int64_t y,
     for (int64_t c = 0; c < width; ++c) {
       const auto w = L::load(src + c);
       for_each<R>([&](int k) NUQI_FORCED {
-        if (meets(k))
+        if (!meets(k)) return;
+        if constexpr (N == 1 && R == 1)
+          sums[k] = add_term<differences>(sums[k], w, L::load(row_of(job.tpl, i - k) + c));
+        else
           sums[k] = add_term<differences>(sums[k], w, L::all(job.tpl_doubles[(i - k) * width + c]));
       });
     }
@@ -90,13 +92,13 @@ template <bool differences, int R>
 void sum_rows(const MatchJob<float>& job, int64_t x, int columns, int64_t y, Raw& raw) {
   if (job.dst_roi.width >= kMost)
     sum_rows<differences, kMost, R>(job, x, columns, y, raw);
+  else if (job.dst_roi.width >= kFew)
+    sum_rows<differences, kFew, R>(job, x, columns, y, raw);
   else
     sum_rows<differences, 1, R>(job, x, columns, y, raw);
 }
 
 // ---- The running sums of the patches
-
-enum class Of { sums, energies };
 
 // How a row's sum, or energy, changes when one pixel enters and another leaves.
 template <Of of, class V>
@@ -132,7 +134,7 @@ class PatchSums {
       const int count = rows_until(y, job_.tpl_roi.height);
       run<false>(y, count, entering_);
       for (int k = 0; k < count; ++k)
-        for_columns([&](int j) NUQI_FORCED { return column(j) + load(entering_[k] + j); });
+        for_columns([&](int j) NUQI_FORCED { return at(j) + load(entering_[k] + j); });
     }
   }
   // Before the rows from y on, up to `end`, the first one of all left out.
@@ -145,9 +147,8 @@ class PatchSums {
   }
   NUQI_NOINLINE void at_row(int64_t y) {
     const int64_t k = y - first_;
-    for_columns([&](int j) NUQI_FORCED {
-      return column(j) - load(leaving_[k] + j) + load(entering_[k] + j);
-    });
+    for_columns([&](int j)
+                    NUQI_FORCED { return at(j) - load(leaving_[k] + j) + load(entering_[k] + j); });
   }
   // After the last row.
   NUQI_NOINLINE void finish() {
@@ -155,7 +156,7 @@ class PatchSums {
       run<true>(y, rows_until(y, source_height()), leaving_);
   }
 
-  NUQI_INLINE Px<double> column(int64_t j) const { return load(of_column_ + j); }
+  NUQI_INLINE Px<double> at(int64_t j) const { return load(of_column_ + j); }
 
  private:
   using Rows = double[kRows][kColumns + 16];
@@ -201,31 +202,26 @@ class PatchSums {
   double of_column_[kColumns] = {};
   Rows leaving_ = {}, entering_ = {};
 };
-struct NoSums {
-  NoSums(const MatchJob<float>&, double*) {}
-  void start(int64_t, int) {}
-  void prepare(int64_t, int64_t) {}
-  void at_row(int64_t) {}
-  void finish() {}
-  NUQI_INLINE Px<double> column(int64_t) const { return {}; }
-};
 
 // ---- The kernel
 
-// Lays out the template as doubles.
+// Lays out the template as doubles, unless few places would meet each.
 template <Measure m>
 TemplateTerms take_template(const MatchJob<float>& job) {
+  constexpr bool sums = m != Measure::sq_diff && m != Measure::corr;
+  const bool lays_out = job.dst_roi.width >= kFew || job.dst_roi.height > 1;
   double sum = 0, energy = 0;
+  if (!lays_out && !sums) return {};
   double* to = job.tpl_doubles;
   for (int64_t y = 0; y < job.tpl_roi.height; ++y) {
     const float* const row = row_of(job.tpl, y);
     for (int64_t c = 0; c < job.tpl_roi.width; ++c) {
       const double t = load_one(row + c);
-      if constexpr (m != Measure::sq_diff && m != Measure::corr) {
+      if constexpr (sums) {
         sum += t;
         energy += t * t;
       }
-      *to++ = t;
+      if (lays_out) *to++ = t;
     }
   }
   return template_terms<m, true>(job.tpl_roi, sum, energy);
@@ -262,9 +258,9 @@ void match(const MatchJob<float>& job) {
       for (int64_t y = start; y < base + rows; ++y) {
         if (y != 0) sums.at_row(y), energies.at_row(y);
         for (int j = 0; j < columns; j += 16)
-          store_scores(row_of(job.dst, y) + x + j, columns - j,
-                       score<m, true>(load(raw.row(int(y - base)) + j), sums.column(j),
-                                      energies.column(j), terms));
+          store_scores(
+              row_of(job.dst, y) + x + j, columns - j,
+              score<m, true>(load(raw.row(int(y - base)) + j), sums.at(j), energies.at(j), terms));
       }
     }
     sums.finish();

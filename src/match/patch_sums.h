@@ -4,15 +4,13 @@
 #include "core/simd/arithmetic.h"
 #include "core/simd/reduce.h"
 #include "core/simd/shuffle.h"
-#include "match/match_template.h"
+#include "match/score.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Result columns that are computed together.
-constexpr int kColumns = 64;
-
-enum class Of { sums, energies };
+// The most result columns of a stretch.
+constexpr int kMostColumns = 128;
 
 // Adds the pixels of a row to sums.
 template <class Sums, class T>
@@ -55,12 +53,14 @@ class PatchSums {
   static constexpr int kMostPixels = INT32_MAX / (255 * 255);
 
  public:
-  PatchSums(const MatchJob<T>& job, int64_t x, int columns)
-      : job_(job),
-        x_(x),
-        columns_(columns),
-        small_(int64_t{job.tpl_roi.width} * job.tpl_roi.height <= kMostPixels) {
-    for (int64_t y = 0; y < job.tpl_roi.height - 1; ++y) small_ ? move<false>(y) : add(y, 1);
+  explicit PatchSums(const MatchJob<T>& job)
+      : job_(job), small_(int64_t{job.tpl_roi.width} * job.tpl_roi.height <= kMostPixels) {}
+
+  void start(int64_t x, int columns) {
+    x_ = x, columns_ = columns;
+    small_first_ = {}, first_ = 0;
+    for (int j = 0; j < kMostColumns; ++j) small_changes_[j] = 0, changes_[j] = 0;
+    for (int64_t y = 0; y < job_.tpl_roi.height - 1; ++y) small_ ? move<false>(y) : add(y, 1);
   }
 
   // Called for each row in turn.
@@ -131,22 +131,15 @@ class PatchSums {
   }
 
   const MatchJob<T>& job_;
-  int64_t x_;
-  int columns_;
-  bool small_;
+  const bool small_;
+  int64_t x_ = 0;
+  int columns_ = 0;
   Px<int32_t> small_first_ = {};
-  int32_t small_changes_[kColumns] = {}, small_sums_[kColumns];
+  int32_t small_changes_[kMostColumns], small_sums_[kMostColumns];
   int64_t first_ = 0;
-  double changes_[kColumns] = {}, sums_[kColumns];
+  double changes_[kMostColumns], sums_[kMostColumns];
 };
 
-// Where a measure needs none.
-struct NoSums {
-  template <class Job>
-  NoSums(const Job&, int64_t, int) {}
-  void at_row(int64_t) {}
-  NUQI_INLINE Px<double> at(int64_t) const { return {}; }
-};
 template <bool needed, Of of, class T>
 using PatchSumsIf = typename IfElse<needed, PatchSums<of, T>, NoSums>::Type;
 

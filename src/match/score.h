@@ -1,4 +1,5 @@
-// The measures' formulas, in double precision, for sixteen placements at a time.
+// What kernels of bytes and of floats share: the stretch of columns, the kinds of sums over patches, and the
+// measures' formulas, in double precision, for sixteen placements at a time.
 #pragma once
 
 #include "core/simd/convert.h"
@@ -7,11 +8,22 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-constexpr double kRootTerm = 0x1p-23;
+// Result columns that are computed together.
+constexpr int kColumns = 64;
 
-NUQI_INLINE Px<double> magnitude(const Px<double>& a) {
-  return as<double>(as<int64_t>(a) & broadcast<int64_t>(INT64_MAX));
-}
+enum class Of { sums, energies };
+// Where a measure needs none.
+struct NoSums {
+  template <class... Arguments>
+  NoSums(const Arguments&...) {}
+  void start(int64_t, int) {}
+  void prepare(int64_t, int64_t) {}
+  void at_row(int64_t) {}
+  void finish() {}
+  NUQI_INLINE Px<double> at(int64_t) const { return {}; }
+};
+
+constexpr double kRootTerm = 0x1p-23;
 
 // About 1 / sqrt(v): a seed from the bits of v as a float, and four of Newton's steps. Their order, and the
 // seed for whatever v is, are the contract's.
@@ -24,7 +36,7 @@ NUQI_INLINE Px<double> reciprocal_root(const Px<double>& v) {
   return y;
 }
 NUQI_INLINE Px<double> root_of_energy(const Px<double>& energy) {
-  return reciprocal_root(magnitude(energy) + broadcast(kRootTerm));
+  return reciprocal_root(abs(energy) + broadcast(kRootTerm));
 }
 
 // What the formulas need of the template.

@@ -25,6 +25,15 @@ NUQI_INLINE Vec<T, N> swap_key(const Vec<T, N>& a) {
     return a;
 }
 
+// Of floats as keys, where they are asked for.
+template <bool keys, class T>
+NUQI_INLINE void copy_pixels(const T* from, T* to, int64_t count) {
+  for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
+    const auto pixels = load<Reg<T>::kLanes>(from + x, part);
+    store(to + x, keys ? swap_key<T>(pixels) : pixels, part);
+  });
+}
+
 // What any pixel replaces.
 template <Extremum extremum, class T, int N = Reg<T>::kLanes>
 NUQI_INLINE Vec<KeyOf<T>, N> worst() {

@@ -14,13 +14,12 @@ template <class T>
 struct Takers {
   uint16_t of[kSmallBytes / sizeof(T) + 1];
 
-  NUQI_INLINE Takers(const WindowJob<T>& job, int32_t height) {
-    constexpr int kEntry = sizeof(T) == 1 ? 8 : 1;
+  NUQI_INLINE Takers(const ElementJob<T>& job, int32_t height) {
     const int32_t above = height - job.element.height;
     for (int32_t c = 0; c < job.element.width; ++c) {
       int bits = 0;
       for (int32_t r = 0; r < job.element.height; ++r)
-        if (job.inside[(int64_t{r} * job.element.width + c) * kEntry] != 0)
+        if (job.inside[(int64_t{r} * job.element.width + c) * kMaskEntry<T>] != 0)
           bits |= 1 << (r + above);
       of[c] = (uint16_t)bits;
     }
@@ -28,7 +27,7 @@ struct Takers {
 };
 
 template <Extremum extremum, int height, int N, class T, class Part>
-NUQI_INLINE void mask_columns(const WindowJob<T>& job, const Takers<T>& takers,
+NUQI_INLINE void mask_columns(const ElementJob<T>& job, const Takers<T>& takers,
                               const T* const* rows, Image<T> dst, int64_t x, Part part) {
   using V = Vec<KeyOf<T>, N>;
   V results[height];
@@ -51,7 +50,7 @@ NUQI_INLINE void mask_columns(const WindowJob<T>& job, const Takers<T>& takers,
 }
 
 template <Extremum extremum, int height, class T>
-void mask_stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_t count) {
+void mask_stretch(const ElementJob<T>& job, const T* const* rows, Image<T> dst, int64_t count) {
   constexpr int N = Reg<T>::kLanes, kWide = 2 * N;
   const Takers<T> takers(job, height);
   int64_t x = 0;
@@ -65,7 +64,7 @@ void mask_stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, i
 }
 
 template <Extremum extremum, class T>
-void mask(const WindowJob<T>& job) {
+void mask(const ElementJob<T>& job) {
   if constexpr (kPairsRows<T>)
     if (job.element.width <= kMostColumns) return mask_rows<extremum>(job);
   for_stretches<kIsFloat<T>>(job, job.element.height <= kMaskHeights[0]

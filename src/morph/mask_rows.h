@@ -25,12 +25,11 @@ struct Patterns {
   int count = 0;
   Pattern of[kSmallHeight];
 
-  NUQI_INLINE explicit Patterns(const WindowJob<uint8_t>& job) {
-    constexpr int kEntry = 8;
+  NUQI_INLINE explicit Patterns(const ElementJob<uint8_t>& job) {
     const uint8_t* inside = job.inside;
     for (int r = 0; r < job.element.height; ++r) {
       uint32_t columns = 0;
-      for (int c = 0; c < job.element.width; ++c, inside += kEntry)
+      for (int c = 0; c < job.element.width; ++c, inside += kMaskEntry<uint8_t>)
         columns |= uint32_t{*inside != 0} << c;
       if (columns == 0) continue;
       int i = 0;
@@ -84,7 +83,7 @@ NUQI_INLINE ByteLanes pixels_behind(const ByteLanes& lanes, int channels) {
 struct ColumnPlaces {
   ByteLanes of[kMostColumns];
 
-  NUQI_INLINE ColumnPlaces(const WindowJob<uint8_t>& job, int count) {
+  NUQI_INLINE ColumnPlaces(const ElementJob<uint8_t>& job, int count) {
     const auto pixel = broadcast<int8_t, kRegBytes>((int8_t)job.channels);
     const auto here = lane_bytes(0);
     of[job.anchor.x] = here;
@@ -98,7 +97,7 @@ struct ColumnPlaces {
 };
 
 template <Extremum extremum, class Part>
-NUQI_INLINE void narrow_mask(const WindowJob<uint8_t>& job, Part part) {
+NUQI_INLINE void narrow_mask(const ElementJob<uint8_t>& job, Part part) {
   const Patterns patterns(job);
   const ColumnPlaces places(job, lane_count<kRegBytes>(part));
   for (int64_t y = 0; y < job.height; y += kRowsAtOnce) {
@@ -128,7 +127,7 @@ NUQI_INLINE void narrow_mask(const WindowJob<uint8_t>& job, Part part) {
 struct Copies {
   ByteLanes ahead, behind, rest;
 
-  NUQI_INLINE Copies(const WindowJob<uint8_t>& job, int count) {
+  NUQI_INLINE Copies(const ElementJob<uint8_t>& job, int count) {
     ByteLanes before = lane_bytes(-kRegBytes), last = lane_bytes(0), next = last;
     // The next register's lanes are counted on from the last one's.
     next = next + broadcast<int8_t, kRegBytes>(kRegBytes);
@@ -149,7 +148,7 @@ class WideMask {
   static constexpr int N = kRegBytes, kAtOnce = 4;
 
  public:
-  NUQI_INLINE explicit WideMask(const WindowJob<uint8_t>& job)
+  NUQI_INLINE explicit WideMask(const ElementJob<uint8_t>& job)
       : job_(job),
         own_(1u << job.anchor.x),
         patterns_(job),
@@ -238,7 +237,7 @@ class WideMask {
     }
   }
 
-  const WindowJob<uint8_t>& job_;
+  const ElementJob<uint8_t>& job_;
   uint32_t own_;  // the bit of the anchor's column
   Patterns patterns_;
   int rest_;  // pixels in the last register
@@ -247,7 +246,7 @@ class WideMask {
 };
 
 template <Extremum extremum>
-NUQI_NOINLINE void mask_rows(const WindowJob<uint8_t>& job) {
+NUQI_NOINLINE void mask_rows(const ElementJob<uint8_t>& job) {
   if (job.count > kRegBytes) return WideMask<extremum>(job).run();
   if (job.count == kRegBytes) return narrow_mask<extremum>(job, Whole{});
   narrow_mask<extremum>(job, First{int(job.count)});

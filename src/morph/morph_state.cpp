@@ -7,6 +7,7 @@
 
 #include "core/alloc.h"
 #include "core/square_root.h"
+#include "morph/strip.h"
 
 namespace nuqi {
 namespace {
@@ -31,7 +32,7 @@ bool exceeds_32_bits(uint64_t a, uint64_t b) { return a > UINT32_MAX / b; }
 
 // False where a product is beyond 32 bits, tested before it is formed: three factors overflow 64 bits.
 bool plan_state(const MorphRequest& request, MorphPlan& plan) {
-  const int64_t element = request.type == k32f ? 4 : 1, pixel = element * request.channels;
+  const int64_t element = element_bytes(request.type), pixel = element * request.channels;
   const int64_t rows = int64_t{request.mask.height} + spare_rows(request.type);
   const int64_t columns = int64_t{request.width} + request.mask.width;
   plan.row_step = (pixel * columns - 1 + 17 * pixel) & (-8 * element);
@@ -81,9 +82,10 @@ void draw_ellipse(RoiSize size, uint8_t* mask) {
   }
 }
 
-// Each byte eight times; the last comes first, since all are where the widened ones go.
+// The entries of bytes; the last comes first, since all are where the widened ones go.
 void widen(uint8_t* mask, int64_t count) {
-  for (int64_t i = count - 1; i >= 0; --i) std::memset(mask + 8 * i, mask[i], 8);
+  constexpr int kEntry = kMaskEntry<uint8_t>;
+  for (int64_t i = count - 1; i >= 0; --i) std::memset(mask + kEntry * i, mask[i], kEntry);
 }
 
 void build_masks(const MorphRequest& request, const int32_t* element, MorphState& state) {

@@ -12,7 +12,7 @@ constexpr int kRectangleHeight = 64, kRectangleBytes = 256;
 constexpr int kRectangleRows = 64, kRectangleSources = kRectangleRows + kRectangleHeight - 1;
 
 struct RectangleKernels {
-  void (*of[2])(const WindowJob<uint8_t>&);  // erosion, dilation
+  void (*of[2])(const ElementJob<uint8_t>&);  // erosion, dilation
 };
 
 NUQI_KERNEL_TABLES(RectangleKernels, rectangle_kernels)

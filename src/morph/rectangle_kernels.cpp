@@ -158,7 +158,7 @@ NUQI_INLINE void fill_worst(uint8_t* lines, int64_t rows, int64_t count) {
 
 // Columns x to x + count - 1 of the results. Blocks of the lines are those of the caller's rows.
 template <Extremum extremum>
-NUQI_INLINE void strip(const WindowJob<uint8_t>& job, int64_t x, int64_t count, uint8_t* lines) {
+NUQI_INLINE void strip(const ElementJob<uint8_t>& job, int64_t x, int64_t count, uint8_t* lines) {
   const auto round_down = [](int64_t column) NUQI_FORCED { return column & -int64_t{kRegBytes}; };
   const auto least = [](int64_t a, int64_t b) NUQI_FORCED { return a < b ? a : b; };
   const int64_t height = job.element.height;
@@ -181,7 +181,7 @@ NUQI_INLINE void strip(const WindowJob<uint8_t>& job, int64_t x, int64_t count, 
 }
 
 template <Extremum extremum>
-void rectangle(const WindowJob<uint8_t>& job) {
+void rectangle(const ElementJob<uint8_t>& job) {
   alignas(64) uint8_t lines[kRectangleHeight * kLineStep];
   const int64_t strips = (job.count + kStripBytes - 1) / kStripBytes;
   const int64_t width = ((job.count + strips - 1) / strips + kRegBytes - 1) / kRegBytes * kRegBytes;

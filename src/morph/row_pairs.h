@@ -174,7 +174,7 @@ class AlongOne {
 
 // compute(rows, upper, lower) makes two rows of the result.
 template <Extremum extremum, int size, bool cross, class Compute>
-NUQI_INLINE void for_row_pairs(const WindowJob<uint8_t>& job, const Compute& compute) {
+NUQI_INLINE void for_row_pairs(const ElementJob<uint8_t>& job, const Compute& compute) {
   for (int64_t y = 0; y < job.height; y += 2) {
     // A last row alone is its own second: the upper one is stored last.
     const int64_t apart = y + 1 < job.height;
@@ -184,7 +184,7 @@ NUQI_INLINE void for_row_pairs(const WindowJob<uint8_t>& job, const Compute& com
 }
 
 template <Extremum extremum, int size, bool cross>
-NUQI_NOINLINE void narrow_rows(const WindowJob<uint8_t>& job) {
+NUQI_NOINLINE void narrow_rows(const ElementJob<uint8_t>& job) {
   const AlongOne<extremum, size> along((int)job.count, job.channels);
   const auto walk = [&](auto part) NUQI_FORCED {
     for_row_pairs<extremum, size, cross>(
@@ -197,7 +197,7 @@ NUQI_NOINLINE void narrow_rows(const WindowJob<uint8_t>& job) {
 }
 
 template <Extremum extremum, int size, bool cross>
-NUQI_NOINLINE void wide_rows(const WindowJob<uint8_t>& job) {
+NUQI_NOINLINE void wide_rows(const ElementJob<uint8_t>& job) {
   const Neighbours to(size, job.channels);
   for_row_pairs<extremum, size, cross>(
       job, [&](const auto& rows, uint8_t* upper, uint8_t* lower)
@@ -205,7 +205,7 @@ NUQI_NOINLINE void wide_rows(const WindowJob<uint8_t>& job) {
 }
 
 template <Extremum extremum, int size, bool cross>
-NUQI_INLINE void row_pairs(const WindowJob<uint8_t>& job) {
+NUQI_INLINE void row_pairs(const ElementJob<uint8_t>& job) {
   job.count <= kRegBytes ? narrow_rows<extremum, size, cross>(job)
                          : wide_rows<extremum, size, cross>(job);
 }

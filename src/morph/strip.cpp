@@ -25,12 +25,11 @@ struct StripCall {
 template <class T>
 StatusCode check(const StripCall<T>& call, Shape shape, int32_t channels) {
   const auto& [src, dst, roi, state, border] = call;
-  const int32_t type = sizeof(T) == 4 ? k32f : k8u;
   // clang-format off
   if (any_null(src.data, dst.data, state, roi))                    return StatusNullPtr;
   if (roi->width < 1 || roi->width > state->maxWidth)              return StatusBadSize;
   if (roi->height < 0)                                             return StatusBadSize;
-  if (state->dataType != type || state->channels != channels)      return StatusBadContext;
+  if (state->dataType != data_type_of<T>() || state->channels != channels)      return StatusBadContext;
   if (state->shape != shape)                                       return StatusBadContext;
   if (short_row(src, roi->width, channels) || uneven(src))         return StatusBadStep;
   if (short_row(dst, roi->width, channels) || uneven(dst))         return StatusBadStep;
@@ -50,7 +49,7 @@ const auto& kernels_of(int32_t shape) {
 }
 
 int64_t bytes_beside(const MorphState& state) {
-  return (int64_t{state.maskWidth} - 1) * state.channels * (state.dataType == k8u ? 1 : 4);
+  return (int64_t{state.maskWidth} - 1) * state.channels * element_bytes(state.dataType);
 }
 
 // Elements whose results come straight from the caller's rows: small ones, and rectangles of bytes.
@@ -69,7 +68,7 @@ bool is_rectangle(const MorphState& state) {
 // The ring holds source rows.
 template <class T>
 void run_rows(const StripCall<T>& call, const Stripe& stripe, int64_t at_once,
-              void (*kernel)(const WindowJob<T>&)) {
+              void (*kernel)(const ElementJob<T>&)) {
   MorphState& state = *call.state;
   const int32_t width = call.roi->width * state.channels;
   const StripeRows<T> source = {stripe, call.src, state.rows};
@@ -77,7 +76,7 @@ void run_rows(const StripCall<T>& call, const Stripe& stripe, int64_t at_once,
   for (int64_t y = 0; y < stripe.produced(); y += at_once) {
     const int64_t count = std::min(at_once, stripe.produced() - y);
     source.collect(y - stripe.lead(), count + stripe.around(), rows);
-    kernel(WindowJob<T>{
+    kernel(ElementJob<T>{
         .rows = rows,
         .dst = {row_of(call.dst, y), call.dst.step},
         .count = width,

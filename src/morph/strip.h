@@ -9,6 +9,10 @@ namespace nuqi {
 
 enum class Extremum { least, greatest };
 
+// Bytes that an arbitrary mask has for each pixel of the element, all of them alike.
+template <class T>
+constexpr int kMaskEntry = sizeof(T) == 1 ? 8 : 1;
+
 // The rows of one strip enter the ring, one after the other, and results leave it once it holds as many
 // as the element has. Counts are in elements: of interleaved channels one pixel is `channels` further on
 // than the one before.
@@ -21,7 +25,7 @@ struct StripJob {
   bool first;           // copies of the first row stand above it
   RoiSize element;
   PixelPoint anchor;
-  const uint8_t* inside;  // of arbitrary masks
+  const uint8_t* inside;  // of arbitrary masks: kMaskEntry bytes for each pixel
   void** rows;            // the ring: those of the element, then as many as are computed besides
   int32_t slots, held;
 };

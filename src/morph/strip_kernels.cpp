@@ -50,9 +50,7 @@ NUQI_NOINLINE void along_row(const T* row, T* to, int64_t count, int64_t channel
 
 template <class T>
 NUQI_NOINLINE void copy_row(const T* from, T* to, int64_t count) {
-  for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
-    store(to + x, load<Reg<T>::kLanes>(from + x, part), part);
-  });
+  copy_pixels<false>(from, to, count);
 }
 
 // The row with copies of its first and last pixel around it, of floats as keys where masks ask for it.
@@ -61,10 +59,7 @@ NUQI_NOINLINE void expand(const StripJob<T>& job, const T* src, T* row) {
   const int64_t left = job.anchor.x * job.channels;
   const int64_t right = (job.element.width - 1) * job.channels - left;
   T* to = row + left;
-  for_blocks<Reg<T>::kLanes>(job.count, [&](int64_t x, auto part) NUQI_FORCED {
-    const auto pixels = load<Reg<T>::kLanes>(src + x, part);
-    store(to + x, keys ? swap_key<T>(pixels) : pixels, part);
-  });
+  copy_pixels<keys>(src, to, job.count);
   for (int64_t i = 1; i <= left; ++i) to[-i] = to[job.channels - i];
   for (int64_t i = 0; i < right; ++i) to[job.count + i] = to[job.count + i - job.channels];
 }
@@ -170,7 +165,7 @@ struct Cross {
 template <Extremum extremum, class T>
 struct MaskOf {
   static constexpr int kTogether = 2;
-  static constexpr int kEntry = sizeof(T) == 1 ? 8 : 1;  // bytes
+  static constexpr int kEntry = kMaskEntry<T>;
   using Key = KeyOf<T>;
   const StripJob<T>& job;
 

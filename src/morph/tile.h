@@ -19,23 +19,16 @@ struct Tile {
   alignas(64) T pixels[kWindowSources * kStep];
   const T* rows[kWindowSources];
 
-  static NUQI_INLINE int64_t sources(const WindowJob<T>& job) {
+  static NUQI_INLINE int64_t sources(const ElementJob<T>& job) {
     return job.height + job.element.height - 1;
   }
   // The caller's rows, from a column on.
-  NUQI_INLINE void refer(const WindowJob<T>& job, int64_t from) {
+  NUQI_INLINE void refer(const ElementJob<T>& job, int64_t from) {
     for (int64_t r = 0; r < sources(job); ++r) rows[r] = job.rows[r] + from;
-  }
-  template <bool keys>
-  static NUQI_INLINE void copy(const T* from, T* to, int64_t count) {
-    for_blocks<Reg<T>::kLanes>(count, [&](int64_t x, auto part) NUQI_FORCED {
-      const auto block = load<Reg<T>::kLanes>(from + x, part);
-      store(to + x, keys ? swap_key<T>(block) : block, part);
-    });
   }
   // Columns `from` to `from` + count - 1 of the image, all of its rows; those outside are copies.
   template <bool keys>
-  NUQI_INLINE void fill(const WindowJob<T>& job, int64_t from, int64_t count) {
+  NUQI_INLINE void fill(const ElementJob<T>& job, int64_t from, int64_t count) {
     const int64_t before = from < 0 ? -from : 0, beyond = from + count - job.count;
     const int64_t after = beyond > 0 ? beyond : 0, inside = count - before - after;
     const int64_t last = job.count - job.channels;  // the pixel that copies repeat
@@ -44,11 +37,11 @@ struct Tile {
       T* row = pixels + r * kStep;
       T* to = row + before;
       rows[r] = row;
-      copy<keys>(src + from + before, to, inside);
+      copy_pixels<keys>(src + from + before, to, inside);
       for (int64_t i = 1; i <= before; ++i) to[-i] = to[job.channels - i];
       to += inside;
       // The tile may hold less than a pixel of the row itself.
-      copy<keys>(src + last, to, after < job.channels ? after : job.channels);
+      copy_pixels<keys>(src + last, to, after < job.channels ? after : job.channels);
       for (int64_t i = job.channels; i < after; ++i) to[i] = to[i - job.channels];
     }
   }
@@ -56,11 +49,11 @@ struct Tile {
 
 // Computes `count` columns from dst's first on: rows[r][0] is the leftmost pixel under the element there.
 template <class T>
-using Stretch = void (*)(const WindowJob<T>& job, const T* const* rows, Image<T> dst,
+using Stretch = void (*)(const ElementJob<T>& job, const T* const* rows, Image<T> dst,
                          int64_t count);
 
 template <bool keys, class T>
-NUQI_NOINLINE void for_stretches(const WindowJob<T>& job, Stretch<T> compute) {
+NUQI_NOINLINE void for_stretches(const ElementJob<T>& job, Stretch<T> compute) {
   constexpr int N = Reg<T>::kLanes;
   const int64_t around = int64_t{job.element.width - 1} * job.channels;
   const int64_t left = int64_t{job.anchor.x} * job.channels, right = around - left;

@@ -19,25 +19,25 @@ constexpr int kWindowRows = 32, kWindowSources = kWindowRows + kSmallHeight - 1;
 // Row y of the result comes from rows[y] to rows[y + element.height - 1]. Counts are in elements: of
 // interleaved channels one pixel is `channels` further on than the one before.
 template <class T>
-struct WindowJob {
+struct ElementJob {
   const T* const* rows;
   Image<T> dst;
   int64_t count, height;
   int32_t channels;
   RoiSize element;
   PixelPoint anchor;
-  const uint8_t* inside;  // of arbitrary masks
+  const uint8_t* inside;  // of arbitrary masks: kMaskEntry bytes for each pixel
 };
 
 template <class T>
 struct WindowKernelsOf {
-  void (*rectangle[2][2])(const WindowJob<T>&);  // [erosion, dilation][3x3, 5x5]
-  void (*cross[2][2])(const WindowJob<T>&);
+  void (*rectangle[2][2])(const ElementJob<T>&);  // [erosion, dilation][3x3, 5x5]
+  void (*cross[2][2])(const ElementJob<T>&);
 };
 
 template <class T>
 struct MaskKernelsOf {
-  void (*of[2])(const WindowJob<T>&);
+  void (*of[2])(const ElementJob<T>&);
 };
 
 using WindowKernels = ByType<WindowKernelsOf, uint8_t, float>;

@@ -87,8 +87,8 @@ struct Cross {
 // ---- Walks down the columns, N of them at once
 
 template <int N, int size, class Shape, class T, class Part>
-NUQI_INLINE void walk_down(Shape shape, const WindowJob<T>& job, const T* const* rows, Image<T> dst,
-                           int64_t x, Part part) {
+NUQI_INLINE void walk_down(Shape shape, const ElementJob<T>& job, const T* const* rows,
+                           Image<T> dst, int64_t x, Part part) {
   constexpr int kLine = 64, kAhead = 512;  // bytes
   for_each<size - 1>([&](int y) NUQI_FORCED { shape.push(rows[y] + x, job.channels); });
   for (int64_t y = 0; y < job.height; ++y) {
@@ -106,7 +106,7 @@ constexpr int registers_for(int size) {
 }
 
 template <template <Extremum, int, class, int> class Shape, Extremum extremum, int size, class T>
-void stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_t count) {
+void stretch(const ElementJob<T>& job, const T* const* rows, Image<T> dst, int64_t count) {
   constexpr int N = Reg<T>::kLanes, kWide = registers_for<T>(size) * N;
   int64_t x = 0;
   if constexpr (kWide > N)
@@ -119,7 +119,7 @@ void stretch(const WindowJob<T>& job, const T* const* rows, Image<T> dst, int64_
 }
 
 template <Extremum extremum, int size, class T>
-void rectangle(const WindowJob<T>& job) {
+void rectangle(const ElementJob<T>& job) {
   if constexpr (kPairsRows<T>)
     if (job.anchor.x == size / 2) return row_pairs<extremum, size, false>(job);
   for_stretches<false>(job, stretch<Rectangle, extremum, size, T>);
@@ -127,7 +127,7 @@ void rectangle(const WindowJob<T>& job) {
 
 // Around its anchor.
 template <Extremum extremum, int size, class T>
-void cross(const WindowJob<T>& job) {
+void cross(const ElementJob<T>& job) {
   if constexpr (kPairsRows<T>)
     row_pairs<extremum, size, true>(job);
   else

@@ -89,19 +89,17 @@ class DownPermuted {
       else
         return load<n>(row + 2 * x_ + ahead, First{2 * lane_count<kSums>(part_) + more});
     };
-    const auto arranged = [](const Reg<T>& from, const Reg<uint8_t>& places) NUQI_FORCED {
-      return Reg<T>{{machine::permute_bytes(from.r[0], places.r[0])}};
-    };
     const auto pairs = [&](const Reg<T>& from) NUQI_FORCED {
-      return channels == 1 ? from : arranged(from, pairs_from<0>(lanes()));
+      return channels == 1 ? from : permute_bytes(from, pairs_from<0>(lanes()));
     };
     // Of the pairs after, the first pixels alone count: of three channels, the register still has them.
     constexpr bool kHasAfter = end || channels == 3;
     const auto here = window(0, kHasAfter && !end ? channels : 0);
     return sum_pairs_around<weight>(
-        start ? arranged(here, mirrored_pairs(lanes()))
+        start ? permute_bytes(here, mirrored_pairs(lanes()))
               : pairs(window(start ? 0 : -2 * channels, 0)),
-        pairs(here), kHasAfter ? arranged(here, after_) : window(kHasAfter ? 0 : 2 * channels, 0));
+        pairs(here),
+        kHasAfter ? permute_bytes(here, after_) : window(kHasAfter ? 0 : 2 * channels, 0));
   }
   NUQI_INLINE void store_result(T* row, const Vec<int16_t, n / 2>& sums) const {
     const auto result = high_bytes(sums + broadcast<int16_t, n / 2>(128));

@@ -97,17 +97,14 @@ class UpPermuted {
   }
   NUQI_INLINE UpSums<Sums> sums(const T* row) const {
     const auto window = load<n>(row + x_ - kBefore, First{bytes()});
-    const Reg<T> left = {{machine::permute_bytes(window.r[0], left_.r[0])}};
-    const Reg<T> right = {{machine::permute_bytes(window.r[0], right_.r[0])}};
+    const Reg<T> left = permute_bytes(window, left_), right = permute_bytes(window, right_);
     return offset<T>(multiply_pairs<16, 48>(left) + multiply_pairs<48, 16>(right),
                      multiply_pairs<64, 64>(right));
   }
   NUQI_INLINE void store_result(T* row, const UpSums<Sums>& sums) const {
     const auto [even, odd] = sums;
-    using Bytes = typename Reg<uint8_t>::Native;
-    const Reg<uint8_t> turns = high_bytes_in_turns(lanes());
-    const auto result = without_offset<T>(
-        Reg<uint8_t>{{machine::permute_bytes((Bytes)even.r[0], (Bytes)odd.r[0], turns.r[0])}});
+    const auto result = without_offset<T>(permute_bytes(
+        lanes_as<uint8_t>(even), lanes_as<uint8_t>(odd), high_bytes_in_turns(lanes())));
     if constexpr (Part::kWhole && 2 * kSums == n)
       store((uint8_t*)row + 2 * x_, result);
     else
@@ -169,10 +166,9 @@ class UpFloats {
       else
         return load<N>(row + x_ + ahead, First{lane_count<kSums>(part_)});
     };
-    const auto lanes = typename UpTo<N>::Type{};
     const auto b = s(0);
-    const auto a = start ? moved<-channels>(b, lanes) : s(start ? 0 : -channels);
-    const auto c = end ? moved<channels>(b, lanes) : s(end ? 0 : channels);
+    const auto a = start ? lanes_up<channels>(b, b) : s(start ? 0 : -channels);
+    const auto c = end ? lanes_down<channels>(b, b) : s(end ? 0 : channels);
     auto sums = float_taps(a, b, c, kInside);
     if (start)
       sums.even = select(lanes_below<float, N>(channels), float_taps(a, b, c, {true, false}).even,
@@ -208,11 +204,6 @@ class UpFloats {
  private:
   static constexpr bool kWhole = Part::kWhole && (kSums == N || !Machine::kMasks);
 
-  // Lane i from lane i + by, where there is one.
-  template <int by, int... I>
-  static NUQI_INLINE Vec<float, N> moved(const Vec<float, N>& a, Indices<I...>) {
-    return {{__builtin_shufflevector(a.r[0], a.r[0], ((I + by + N) % N)...)}};
-  }
   // Pixels in turns: lanes `first` and on of the result.
   template <int first, int... I>
   static NUQI_INLINE Vec<float, N> in_turns(const Vec<float, N>& even, const Vec<float, N>& odd,

@@ -66,6 +66,15 @@ TEST(Histogram, CountsManyPixelsOfOneValue) {
     }
 }
 
+// Oddity: with the highest level that a byte can tell, 255 is counted nowhere.
+TEST(Histogram, TheLastLevelIsExclusive) {
+  const uint8_t src[5] = {253, 254, 254, 255, 255}, levels[3] = {0, 254, 255};
+  int32_t bins[2];
+  ASSERT_EQ(nuqiCalcHist_8u_C1R(src, 5, {5, 1}, bins, 3, levels), StatusOk);
+  EXPECT_EQ(bins[0], 1);
+  EXPECT_EQ(bins[1], 2);
+}
+
 // Oddity: one level makes a bin, too. The level beyond is not read: the list ends at a wall.
 TEST(Histogram, OneLevelMakesABinWithoutUpperEnd) {
   for (uint8_t level : {0, 100, 255}) expect_histogram({{50, 4}}, {level});

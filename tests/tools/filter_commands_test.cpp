@@ -1,12 +1,34 @@
 // The commands blur, sobel and laplace on pictures small enough to filter by hand.
+#include <png.h>
+
 #include <algorithm>
+#include <cstring>
 #include <nuqi/nuqi.hpp>
 
+#include "pictures/file.h"
 #include "run_program.h"
 #include "tour/colours.h"
 
 namespace tools::test {
 namespace {
+
+// The values of a grey PNG file of 16 bits.
+std::vector<int> read_png16(const std::string& file) {
+  std::vector<int> values;
+  File stream(fmemopen(const_cast<char*>(file.data()), file.size(), "rb"));
+  png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+  png_infop info = png_create_info_struct(png);
+  png_init_io(png, stream.get());
+  png_read_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
+  EXPECT_EQ(png_get_bit_depth(png, info), 16);
+  EXPECT_EQ(png_get_color_type(png, info), PNG_COLOR_TYPE_GRAY);
+  const png_bytepp rows = png_get_rows(png, info);
+  for (png_uint_32 y = 0; y < png_get_image_height(png, info); ++y)
+    for (png_uint_32 x = 0; x < png_get_image_width(png, info); ++x)
+      values.push_back(rows[y][2 * x] << 8 | rows[y][2 * x + 1]);
+  png_destroy_read_struct(&png, &info, nullptr);
+  return values;
+}
 
 class Filters : public ProgramTest {
  protected:
@@ -58,6 +80,30 @@ TEST_F(Filters, SobelOfAStep) {
   expect_values({"sobel", "--xorder", "0", "--yorder", "1"}, {5, 1}, {0, 0, 0, 0, 0});
   write_grey("in.png", {1, 5}, {10, 10, 20, 20, 20});
   expect_values({"sobel", "--xorder", "0", "--yorder", "1"}, {1, 5}, {0, 40, 40, 0, 0});
+}
+
+TEST_F(Filters, NumbersAreWrittenAsTheyAre) {
+  const std::string in = write_grey("in.png", {3, 2}, {10, 10, 20, 10, 10, 20}),
+                    out = path("out.png");
+  ASSERT_EQ(run({"sobel", in, out, "--numbers", path("n.png"), "--xorder", "2"}).code, 0);
+  ASSERT_EQ(run({"sobel", in, out, "--numbers", path("n.pfm"), "--xorder", "2"}).code, 0);
+  EXPECT_EQ(read_png16(read_text("n.png")),
+            (std::vector<int>{32768, 32768 + 40, 32768 - 40, 32768, 32768 + 40, 32768 - 40}));
+  const std::vector<float> row = {0, 40, -40, 0, 40, -40};
+  const std::string pfm = read_text("n.pfm"), header = "Pf\n3 2\n-1.0\n";
+  EXPECT_EQ(pfm, header + std::string(reinterpret_cast<const char*>(row.data()), 24));
+  write_grey("in.png", {1, 3}, {0, 0, 5});  // rows from below to above
+  ASSERT_EQ(run({"laplace", in, out, "--numbers", path("n.pfm")}).code, 0);
+  ASSERT_EQ(run({"laplace", in, out, "--numbers", path("n.png")}).code, 0);
+  float rows[3] = {};
+  const std::string tall = read_text("n.pfm");
+  ASSERT_EQ(tall.size(), 12 + sizeof rows);
+  std::memcpy(rows, tall.data() + 12, sizeof rows);
+  const std::vector<int> png = read_png16(read_text("n.png"));
+  EXPECT_LT(rows[0], 0);
+  for (size_t y = 0; y < 3; ++y) EXPECT_EQ(rows[2 - y], float(png[y] - 32768));
+  expect_refused({"sobel", in, out, "--numbers", path("n.jpg")}, {"n.jpg", ".png or .pfm"});
+  expect_refused({"sobel", in, out, "--numbers", out}, {"two outputs"});
 }
 
 TEST_F(Filters, LaplaceOfASpot) {

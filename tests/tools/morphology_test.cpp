@@ -224,7 +224,6 @@ TEST_F(MorphologyCommands, PicturesMayBeLargerThanMemory) {
   const Outcome low = open_of_height(60), high = open_of_height(600);
   ASSERT_EQ(high.code, 0) << high.err;
   EXPECT_LT(high.peak - low.peak, 4 << 10);  // the whole picture has 23 MiB
-  EXPECT_NE(high.err.find("600 of 600 rows"), std::string::npos) << high.err;
 }
 
 TEST_F(MorphologyCommands, Mistakes) {

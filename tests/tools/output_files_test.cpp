@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <fstream>
+#include <map>
 #include <thread>
 
 #include "run_program.h"
@@ -54,7 +55,10 @@ TEST_F(OutputFiles, ReadAsThePictureThatWasWritten) {
     }
     write_picture(path("out.png"), picture);
     write_picture(path("out.jpg"), picture);
-    EXPECT_EQ(whole_picture(*open_rows(path("out.png"), Form::stored), "").pixels, picture.pixels);
+    write_picture(path("out.pnm"), picture);
+    EXPECT_EQ(read_picture(path("out.png"), Form::stored).pixels, picture.pixels);
+    EXPECT_EQ(read_picture(path("out.pnm")).pixels, read_picture(path("out.png")).pixels);
+    EXPECT_EQ(read_picture(path("out.pnm"), Form::stored).channels, channels == 1 ? 1 : 3);
     const Picture jpeg = read_picture(path("out.jpg"));
     for (size_t i = 0; i < jpeg.pixels.size(); ++i) {
       const size_t at = channels == 1 ? i / 3 : i / 3 * size_t(channels) + i % 3;
@@ -141,6 +145,156 @@ TEST_F(OutputFiles, DevicesAreWrittenDirectly) {
   }
   EXPECT_EQ(files(), (Names{"in.png", "null.png", "full.png", "full.jpg"}));
   EXPECT_TRUE(std::filesystem::is_symlink(path("null.png")));
+}
+
+mode_t mode_of(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+TEST_F(OutputFiles, LinksStayAndModesToo) {
+  write_text("in.png", png());
+  std::filesystem::create_directory(path("folder"));
+  write_text("folder/real.png", "old");
+  chmod(path("folder/real.png").c_str(), 0640);
+  std::filesystem::create_symlink("folder/real.png", path("near.png"));
+  std::filesystem::create_symlink(path("near.png"), path("far.png"));
+  std::filesystem::create_symlink("folder/later.png", path("dangling.png"));
+  for (const char* out : {"far.png", "dangling.png"}) {
+    const Outcome outcome = run({"blur", path("in.png"), path(out)});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_TRUE(std::filesystem::is_symlink(path(out)));
+  }
+  EXPECT_EQ(read_picture(path("folder/real.png")).size.height, 400);
+  EXPECT_EQ(mode_of(path("folder/real.png")), mode_t{0640});
+  EXPECT_EQ(read_picture(path("folder/later.png")).size.height, 400);
+  const mode_t mask = umask(0);
+  umask(mask);
+  EXPECT_EQ(mode_of(path("folder/later.png")), 0666 & ~mask);
+  EXPECT_EQ(files(), (Names{"in.png", "folder", "near.png", "far.png", "dangling.png"}));
+  std::filesystem::create_symlink("round.png", path("round.png"));
+  expect_refused({"blur", path("in.png"), path("round.png")}, {"round.png", "symbolic links"});
+}
+
+TEST_F(OutputFiles, AFullDiskChangesNoPage) {
+  ASSERT_EQ(run({"tour", "--out", path("page")}).code, 0);
+  const std::string before = read_text("page/index.html");
+  const FullDisk disk(100000);
+  const Outcome outcome = run({"tour", "--out", path("page")});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_NE(outcome.err.find("File too large"), std::string::npos) << outcome.err;
+  EXPECT_TRUE(read_text("page/index.html") == before);
+}
+
+TEST_F(OutputFiles, TwoOfOneNameAreRefused) {
+  const std::string in = write_grey("in.png", {2, 2}, {1, 2, 3, 4}), out = path("out.png");
+  std::filesystem::create_symlink("out.png", path("link.png"));
+  const std::string again = path("./out.png");
+  const std::string twice = "is named for two outputs";
+  expect_refused({"split", in, out, path("g.png"), out}, {out, twice});
+  expect_refused({"split", in, path("r.png"), out, again}, {again, twice});
+  expect_refused({"background", out, in, "--variance", path("link.png")}, {"link.png", twice});
+  expect_refused({"corners", in, out, "--csv", again}, {again, twice});
+  expect_refused({"distance", in, out, "--float", out}, {out, twice});
+  expect_refused({"fill", in, out, "0,0", "--region", out}, {out, twice});
+  expect_refused({"regions", in, out, "--csv", out}, {out, twice});
+  EXPECT_EQ(files(), (Names{"in.png", "link.png"}));
+  std::filesystem::create_symlink("/dev/null", path("null.png"));
+  EXPECT_EQ(run({"split", in, path("null.png"), path("null.png"), path("null.png")}).code, 0);
+}
+
+TEST_F(OutputFiles, StdoutThatTakesNothingIsAnError) {
+  const std::string in = write_grey("in.png", {2, 2}, {1, 2, 3, 4});
+  using Arguments = std::vector<std::string>;
+  for (const Arguments& arguments : {Arguments{"stats", in},
+                                     {"info"},
+                                     {"--help"},
+                                     {"--version"},
+                                     {"blur", in, path("out.png")}}) {
+    for (const char* way : {">/dev/full", ">&-"}) {
+      const Outcome outcome = run_by_shell(arguments, way);
+      EXPECT_EQ(outcome.code, 2) << arguments[0] << way;
+      EXPECT_NE(outcome.err.find("standard output cannot be written"), std::string::npos)
+          << outcome.err;
+    }
+  }
+  // Nor is the report written into a picture that got stdout's number.
+  EXPECT_EQ(read_grey("out.png").size(), 4u);
+}
+
+TEST_F(OutputFiles, StandardStreams) {
+  write_text("in.png", png());
+  ASSERT_EQ(run({"blur", path("in.png"), path("expected.png")}).code, 0);
+  const Outcome piped =
+      run_by_shell({"blur", "-", "-"}, "<" + path("in.png") + " >" + path("out.png"));
+  ASSERT_EQ(piped.code, 0) << piped.err;
+  EXPECT_NE(piped.err.find("means of 3x3 pixels"), std::string::npos) << piped.err;
+  EXPECT_TRUE(read_text("out.png") == read_text("expected.png"));
+  // Read twice, and through a pipe.
+  ASSERT_EQ(
+      run_by_shell({"sobel", "-", "-"}, "<" + path("in.png") + " | cat >" + path("out.png")).code,
+      0);
+  ASSERT_EQ(run({"sobel", path("in.png"), path("expected.png")}).code, 0);
+  EXPECT_TRUE(read_text("out.png") == read_text("expected.png"));
+  const std::string in = " <" + path("in.png");
+  EXPECT_NE(run_by_shell({"diff", "-", "-", path("out.png")}, in).err.find("only once"),
+            std::string::npos);
+  expect_refused({"split", path("in.png"), "-", path("g.png"), "-"}, {"two outputs"});
+  expect_refused({"stats", path("in.png"), "--histogram", "-"}, {"--histogram -"});
+  expect_refused({"profile", path("in.png"), "0,0", "1,1", "--plot", "-"}, {"--plot -"});
+  EXPECT_EQ(run_by_shell({"blur", path("in.png"), "-"}, ">/dev/full").code, 2);
+}
+
+TEST_F(OutputFiles, CompressionIsChosen) {
+  write_text("in.png", png());
+  std::map<std::string, size_t> sizes;
+  for (const char* level : {"0", "1", "9"}) {
+    ASSERT_EQ(run({"blur", path("in.png"), path("out.png"), "--compression", level}).code, 0);
+    sizes[level] = read_text("out.png").size();
+  }
+  EXPECT_GT(sizes["0"], sizes["1"]);
+  EXPECT_GT(sizes["1"], sizes["9"]);
+  expect_refused({"blur", path("in.png"), path("out.png"), "--compression", "10"},
+                 {"--compression"});
+}
+
+// What a command cannot keep of a picture, it says.
+TEST_F(OutputFiles, NotesTellWhatIsLost) {
+  const auto write = [&](const char* name, const PngKind& kind) {
+    write_text(name, text_of(png_of(kind, {50, 40}, noise)));
+    return path(name);
+  };
+  const std::string wide = write("wide.png", {"", 2, 16}), clear = write("clear.png", {"", 6, 8});
+  const std::string plain = write("plain.png", {"", 2, 8}), out = path("out.png");
+  EXPECT_NE(run({"blur", wide, out}).err.find(wide + ": its 16 bits are rounded to 8\n"),
+            std::string::npos);
+  EXPECT_NE(run({"blur", clear, out}).err.find(clear + ": its alpha is laid over white\n"),
+            std::string::npos);
+  EXPECT_NE(run({"erode", clear, path("out.jpg")}).err.find("JPEG keeps no alpha"),
+            std::string::npos);
+  EXPECT_EQ(run({"erode", clear, out}).err, "");
+  EXPECT_EQ(run({"blur", plain, out}).err, "");
+}
+
+TEST_F(OutputFiles, GreyAndAlphaSurvive) {
+  const std::string grey = write_grey("grey.png", {4, 4}, std::vector<uint8_t>(16, 77));
+  const std::string out = path("out.png");
+  using Arguments = std::vector<std::string>;
+  for (const Arguments& arguments : {Arguments{"diff", grey, grey, out},
+                                     {"fill", grey, out, "1,1"},
+                                     {"pyramid", grey, out, "--levels", "1"},
+                                     {"blur", grey, out},
+                                     {"close", grey, out}}) {
+    ASSERT_EQ(run(arguments).code, 0);
+    EXPECT_EQ(read_picture(out, Form::stored).channels, 1) << arguments[0];
+  }
+  write_text("clear.png", text_of(png_of({"", 6, 8}, {3, 1}, [](int x, int) {
+               return Rgba{10, 20, 30, 100 + x};
+             })));
+  const Outcome filled = run({"fill", path("clear.png"), out, "1,0", "--value", "5"});
+  ASSERT_EQ(filled.code, 0) << filled.err;
+  EXPECT_EQ(read_picture(out, Form::stored).pixels,
+            (std::vector<uint8_t>{10, 20, 30, 100, 5, 5, 5, 101, 10, 20, 30, 102}));
 }
 
 TEST_F(OutputFiles, APipeIsReadOnce) {

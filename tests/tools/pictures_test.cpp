@@ -116,6 +116,42 @@ TEST(Pictures, CamerasOrientationIsApplied) {
   }
 }
 
+TEST(Pictures, PngsOrientationIsApplied) {
+  const auto dark_left = [](int x, int) {
+    return x < 2 ? Rgba{9, 9, 9, 255} : Rgba{230, 230, 230, 255};
+  };
+  for (const bool interlaced : {false, true}) {
+    PngKind kind{"", PNG_COLOR_TYPE_GRAY, 8, interlaced};
+    kind.orientation = 6;
+    const Picture picture =
+        picture_of_bytes(png_of(kind, {4, 3}, dark_left), "sample", Form::stored);
+    EXPECT_EQ(size_text(picture.size), "3x4");
+    EXPECT_EQ(picture.pixels,
+              (std::vector<uint8_t>{9, 9, 9, 9, 9, 9, 230, 230, 230, 230, 230, 230}));
+  }
+}
+
+TEST(Pictures, EveryKindOfPnmShowsItsPixels) {
+  const auto pixels = [](const std::string& text, const char* name = "sample") {
+    return picture_of_bytes(Bytes(text.begin(), text.end()), name, Form::stored).pixels;
+  };
+  using Values = std::vector<uint8_t>;
+  EXPECT_EQ(pixels("P2 # a comment\n3 1\n# another\n255\n0 7\n255"), (Values{0, 7, 255}));
+  EXPECT_EQ(pixels("P3\n1 2 15 0 1 15 3 0 0"), (Values{0, 17, 255, 51, 0, 0}));
+  // Binary pixels may look like comments and white space.
+  EXPECT_EQ(pixels("P5\n2 2\n255\n#A \n"), (Values{'#', 'A', ' ', '\n'}));
+  EXPECT_EQ(pixels("P6 1 1 127 \x7F@\x01"), (Values{255, 129, 2}));
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(pixels("P5 3 1 65535 \x01\x01\x01\x82\xFF\xFF", "wide"), (Values{1, 2, 255}));
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("wide: its 16 bits are rounded to 8"),
+            std::string::npos);
+  for (const char* broken :
+       {"P5 2 2 255 abc", "P2 1 1 255", "P2 1 1 15 16", "P4 1 1 a", "P5 0 1 255 a", "P5 1 1 0 a",
+        "P5 1 1 65536 ab", "P5 99999999999 1 255 a", "P"}) {
+    EXPECT_THROW(pixels(broken), UserError) << broken;
+  }
+}
+
 TEST(Pictures, ColourBecomesGreyByTheWrittenFormula) {
   Picture picture({3, 2}, 3);
   picture.pixels = {255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255, 0, 0, 0, 10, 200, 31};

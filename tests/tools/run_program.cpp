@@ -21,7 +21,18 @@ ProgramTest::ProgramTest() {
 ProgramTest::~ProgramTest() { std::filesystem::remove_all(folder_); }
 
 Outcome ProgramTest::run(const std::vector<std::string>& arguments) const {
-  std::vector<char*> argv = {const_cast<char*>(NUQI_PROGRAM)};
+  return spawn(NUQI_PROGRAM, arguments);
+}
+
+Outcome ProgramTest::run_by_shell(const std::vector<std::string>& arguments,
+                                  const std::string& redirections) const {
+  std::vector<std::string> all = {"-c", "\"$0\" \"$@\" " + redirections, NUQI_PROGRAM};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  return spawn("/bin/sh", all);
+}
+
+Outcome ProgramTest::spawn(const char* program, const std::vector<std::string>& arguments) const {
+  std::vector<char*> argv = {const_cast<char*>(program)};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
   posix_spawn_file_actions_t files;
@@ -31,7 +42,7 @@ Outcome ProgramTest::run(const std::vector<std::string>& arguments) const {
   posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, out.c_str(), flags, 0600);
   posix_spawn_file_actions_addopen(&files, STDERR_FILENO, err.c_str(), flags, 0600);
   pid_t child = 0;
-  const int spawned = posix_spawn(&child, NUQI_PROGRAM, &files, nullptr, argv.data(), environ);
+  const int spawned = posix_spawn(&child, program, &files, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&files);
   if (spawned != 0) return {};
   int status = 0;

@@ -26,6 +26,12 @@ class ProgramTest : public testing::Test {
   std::string path(const std::string& name) const { return (folder_ / name).string(); }
   Outcome run(const std::vector<std::string>& arguments) const;
 
+  // The same by a shell, with redirections after the arguments; `out` is what goes to stdout all the same.
+  Outcome run_by_shell(const std::vector<std::string>& arguments,
+                       const std::string& redirections) const;
+
+  Outcome run_bash(const std::string& script) const { return spawn("/bin/bash", {"-c", script}); }
+
   // Exit code 2 and one line on stderr that holds every word.
   void expect_refused(const std::vector<std::string>& arguments,
                       const std::vector<std::string>& words) const;
@@ -40,6 +46,8 @@ class ProgramTest : public testing::Test {
   std::vector<uint8_t> read_grey(const std::string& name) const;
 
  private:
+  Outcome spawn(const char* program, const std::vector<std::string>& arguments) const;
+
   std::filesystem::path folder_;
 };
 

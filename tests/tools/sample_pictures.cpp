@@ -55,8 +55,8 @@ Bytes rows_of(const PngKind& kind, RoiSize size, const Sample& sample) {
   return rows;
 }
 
-void add_orientation(jpeg_compress_struct& info, int orientation, bool big_endian) {
-  Bytes block = {'E', 'x', 'i', 'f', 0, 0};
+Bytes exif_block(int orientation, bool big_endian) {
+  Bytes block;
   const auto number = [&](uint32_t value, int count) {
     for (int i = 0; i < count; ++i) {
       block.push_back(uint8_t(value >> 8 * (big_endian ? count - 1 - i : i)));
@@ -68,7 +68,14 @@ void add_orientation(jpeg_compress_struct& info, int orientation, bool big_endia
   number(0x010F, 2), number(2, 2), number(4, 4), number(0, 4);
   number(0x0112, 2), number(3, 2), number(1, 4), number(uint32_t(orientation), 2), number(0, 2);
   number(0, 4);
-  jpeg_write_marker(&info, JPEG_APP0 + 1, block.data(), unsigned(block.size()));
+  return block;
+}
+
+void add_orientation(jpeg_compress_struct& info, int orientation, bool big_endian) {
+  Bytes marker = {'E', 'x', 'i', 'f', 0, 0};
+  const Bytes block = exif_block(orientation, big_endian);
+  marker.insert(marker.end(), block.begin(), block.end());
+  jpeg_write_marker(&info, JPEG_APP0 + 1, marker.data(), unsigned(marker.size()));
 }
 
 }  // namespace
@@ -84,6 +91,8 @@ Bytes png_of(const PngKind& kind, RoiSize size, const Sample& sample) {
   if (kind.colour_type == PNG_COLOR_TYPE_PALETTE) {
     set_palette(png, info, size, sample, kind.alpha_table);
   }
+  Bytes exif = exif_block(kind.orientation, true);
+  if (kind.orientation > 0) png_set_eXIf_1(png, info, png_uint_32(exif.size()), exif.data());
   Bytes rows = rows_of(kind, size, sample);
   const size_t row_bytes = rows.size() / size_t(size.height);
   std::vector<png_bytep> pointers;

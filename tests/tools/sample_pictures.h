@@ -21,6 +21,7 @@ struct PngKind {
   int depth;
   bool interlaced = false;
   bool alpha_table = false;
+  int orientation = 0;  // above 0: in an Exif block
 };
 Bytes png_of(const PngKind& kind, RoiSize size, const Sample& sample);
 

@@ -10,8 +10,10 @@
 #include "commands/commands.h"
 #include "core/isa.h"
 #include "failure.h"
+#include "pictures/file.h"
 #include "pictures/picture.h"
 #include "progress.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -131,11 +133,12 @@ void make_background(const Options& options) {
   }
   check_ending(options.out);
   if (!options.variance.empty()) check_ending(options.variance);
+  check_outputs_differ({options.out, options.variance});
   Progress progress("frames", int(options.frames.size()));
   std::unique_ptr<Moments> moments;
   RoiSize roi{0, 0};
   for (const std::string& path : options.frames) {
-    const Plane<uint8_t> frame = grey_of(read_picture(path));
+    const Plane<uint8_t> frame = read_grey(path);
     if (!moments) {
       roi = frame.size;
       moments = moments_for(roi, options);
@@ -145,8 +148,8 @@ void make_background(const Options& options) {
     progress.advance();
   }
   write_results(options, *moments, roi);
-  std::printf("%s: the mean of %zu frames of %s with %s\n", options.out.c_str(),
-              options.frames.size(), size_text(roi).c_str(), nuqi::name_of(nuqi::isa()));
+  report("%s: the mean of %zu frames of %s with %s\n", options.out.c_str(), options.frames.size(),
+         size_text(roi).c_str(), nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "commands/commands.h"
 #include "core/isa.h"
 #include "pictures/strips.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -16,7 +17,11 @@ namespace {
 constexpr char kFooter[] =
     "Writes a picture of IN's size, grey or in colours: in each channel the mean of the square of\n"
     "pixels around each pixel, rounded. Pixels beyond an edge equal the edge pixel.\n"
-    "Takes pictures larger than memory (`nuqi --help`).\n";
+    "Takes pictures larger than memory (`nuqi --help`).\n"
+    "\n"
+    "nuqiBlur_8u16s_C1R gives sums, which are divided here. nuqiConvolFree succeeds and leaves "
+    "the\n"
+    "state's memory allocated, by contract: a program that blurs often keeps its states.\n";
 
 struct Options {
   std::string in, out;
@@ -78,9 +83,9 @@ void blur(const Options& options) {
   for_strips(*in, progress,
              [&](Strip<uint8_t> strip) { write_strip(*out, blur(strip), in->row_bytes()); });
   out->finish();
-  std::printf("%s: %s, means of %dx%d pixels, %.2f ms with %s\n", options.out.c_str(),
-              size_text(size).c_str(), options.size, options.size, 1e3 * blur.seconds(),
-              nuqi::name_of(nuqi::isa()));
+  report("%s: %s, means of %dx%d pixels, %.2f ms with %s\n", options.out.c_str(),
+         size_text(size).c_str(), options.size, options.size, 1e3 * blur.seconds(),
+         nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ void add_split(CLI::App& app);
 void add_join(CLI::App& app);
 void add_profile(CLI::App& app);
 void add_motion(CLI::App& app);
+void add_match(CLI::App& app);
 void add_info(CLI::App& app);
 
 }  // namespace tools

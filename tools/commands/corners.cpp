@@ -10,6 +10,7 @@
 #include "failure.h"
 #include "pictures/corner_points.h"
 #include "pictures/file.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -41,6 +42,7 @@ void write_csv(const std::string& path, const std::vector<Corner>& corners) {
 
 void find_corners(const Options& options) {
   check_ending(options.out);
+  check_outputs_differ({options.out, options.csv});
   const Picture picture = read_picture(options.in);
   const Plane<float> grey = floats_of(grey_of(picture));
   Plane<float> strength;
@@ -49,13 +51,13 @@ void find_corners(const Options& options) {
   const auto corners = strongest_corners(strength, size_t(options.top), options.distance);
   write_picture(options.out, with_rings(picture, corners));
   if (!options.csv.empty()) write_csv(options.csv, corners);
-  std::printf("%s: %s, %zu corner%s", options.out.c_str(), size_text(picture.size).c_str(),
-              corners.size(), corners.size() == 1 ? "" : "s");
+  report("%s: %s, %zu corner%s", options.out.c_str(), size_text(picture.size).c_str(),
+         corners.size(), corners.size() == 1 ? "" : "s");
   if (!corners.empty())
-    std::printf(" of strength %.4g to %.4g", double(corners.front().strength),
-                double(corners.back().strength));
-  std::printf(" (aperture %d, block %d), %.2f ms with %s\n", options.aperture, options.block,
-              1e3 * seconds, nuqi::name_of(nuqi::isa()));
+    report(" of strength %.4g to %.4g", double(corners.front().strength),
+           double(corners.back().strength));
+  report(" (aperture %d, block %d), %.2f ms with %s\n", options.aperture, options.block,
+         1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

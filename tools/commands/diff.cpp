@@ -7,14 +7,15 @@
 
 #include "commands/commands.h"
 #include "failure.h"
-#include "pictures/picture.h"
+#include "pictures/row_reader.h"
+#include "report.h"
 
 namespace tools {
 namespace {
 
 constexpr char kFooter[] =
     "Writes the absolute difference of two pictures of one size, in each channel: black where\n"
-    "they are equal. Exit code 0, whether they differ or not.\n";
+    "they are equal; grey where both are. Exit code 0, whether they differ or not.\n";
 
 struct Options {
   std::string a, b, out;
@@ -32,20 +33,20 @@ Picture difference(const Picture& a, const Picture& b) {
 
 void write_difference(const Options& options) {
   check_ending(options.out);
-  const Picture a = read_picture(options.a), b = read_picture(options.b);
+  Picture a = read_picture(options.a, Form::opaque), b = read_picture(options.b, Form::opaque);
   check_same_size(options.b, b.size, options.a, a.size);
-  const Picture result = difference(a, b);
+  const int channels = std::max(a.channels, b.channels);
+  const Picture result = difference(with_channels(a, channels), with_channels(b, channels));
   write_picture(options.out, result);
   int64_t differing = 0;
   int largest = 0;
-  for (size_t i = 0; i < result.pixels.size(); i += 3) {
-    const uint8_t* rgb = &result.pixels[i];
-    const int most = std::max({rgb[0], rgb[1], rgb[2]});
+  for (auto pixel = result.pixels.begin(); pixel != result.pixels.end(); pixel += channels) {
+    const int most = *std::max_element(pixel, pixel + channels);
     differing += most > 0;
     largest = std::max(largest, most);
   }
-  std::printf("%s: %s, %lld pixels differ, by at most %d\n", options.out.c_str(),
-              size_text(result.size).c_str(), static_cast<long long>(differing), largest);
+  report("%s: %s, %lld pixels differ, by at most %d\n", options.out.c_str(),
+         size_text(result.size).c_str(), static_cast<long long>(differing), largest);
 }
 
 }  // namespace

@@ -11,9 +11,11 @@
 #include "commands/commands.h"
 #include "core/isa.h"
 #include "pictures/distance_picture.h"
+#include "pictures/file.h"
 #include "pictures/pfm.h"
 #include "pictures/picture.h"
 #include "pictures/plot.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -52,7 +54,8 @@ Plane<uint8_t> features_of(Plane<uint8_t> grey, const Options& options) {
 
 void show_distances(const Options& options) {
   check_ending(options.out);
-  const Plane<uint8_t> features = features_of(grey_of(read_picture(options.in)), options);
+  check_outputs_differ({options.out, options.floats});
+  const Plane<uint8_t> features = features_of(read_grey(options.in), options);
   Plane<float> distances(features.size);
   const double seconds = seconds_of(
       [&] { nuqi::distance_transform(features, distances, kMetrics.at(options.metric)); });
@@ -64,15 +67,14 @@ void show_distances(const Options& options) {
 
   const auto count = std::count(features.values.begin(), features.values.end(), 0);
   const auto far = std::count(distances.values.begin(), distances.values.end(), kMostDistance);
-  std::printf("%s: %s, %.1f %% %s, %s distances to %g, %.2f ms with %s\n", options.out.c_str(),
-              size_text(features.size).c_str(),
-              100.0 * double(count) / double(features.values.size()),
-              options.invert ? "light" : "dark", options.metric.c_str(), range, 1e3 * seconds,
-              nuqi::name_of(nuqi::isa()));
+  report("%s: %s, %.1f %% %s, %s distances to %g, %.2f ms with %s\n", options.out.c_str(),
+         size_text(features.size).c_str(), 100.0 * double(count) / double(features.values.size()),
+         options.invert ? "light" : "dark", options.metric.c_str(), range, 1e3 * seconds,
+         nuqi::name_of(nuqi::isa()));
   if (count == 0) {
-    std::printf("no pixel to measure from: all distances are %g\n", double(kMostDistance));
+    report("no pixel to measure from: all distances are %g\n", double(kMostDistance));
   } else if (far > 0) {
-    std::printf("%td pixels are %g or more away\n", far, double(kMostDistance));
+    report("%td pixels are %g or more away\n", far, double(kMostDistance));
   }
 }
 

@@ -1,5 +1,6 @@
 // nuqi fill: paints the connected region of a pixel.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <nuqi/nuqi.hpp>
@@ -11,7 +12,9 @@
 #include "commands/position.h"
 #include "core/isa.h"
 #include "failure.h"
-#include "pictures/picture.h"
+#include "pictures/file.h"
+#include "pictures/row_reader.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -19,7 +22,9 @@ namespace {
 constexpr char kFooter[] =
     "Paints the region of the pixel X,Y: without --lower and --upper all connected pixels that\n"
     "equal it, with them those reached from neighbour to neighbour in steps of at most --lower\n"
-    "down and --upper up. The region is found in the grey picture; all channels are painted.\n";
+    "down and --upper up. The region is found in the grey picture; grey or red, green and blue "
+    "are\n"
+    "painted, alpha stays.\n";
 
 struct Options {
   std::string in, out, seed, region;
@@ -48,9 +53,10 @@ void fill_region(const Options& options) {
   const PixelPoint seed = point_of(options.seed);
   check_ending(options.out);
   if (!options.region.empty()) check_ending(options.region);
+  check_outputs_differ({options.out, options.region});
   if (options.lower + options.upper > 255)
     throw UserError("--lower and --upper: their sum must not exceed 255");
-  Picture picture = read_picture(options.in);
+  Picture picture = read_picture(options.in, Form::stored);
   check_inside(seed, options.seed, options.in, picture.size);
   const Plane<uint8_t> grey = grey_of(picture);
 
@@ -68,17 +74,17 @@ void fill_region(const Options& options) {
   bool changed = false;
   for (size_t i = 0; i < mask.values.size(); ++i) {
     if (mask.values[i] == 0) continue;
-    for (size_t c = 0; c < size_t(picture.channels); ++c) {
+    for (size_t c = 0; c < size_t(std::min(picture.channels, 3)); ++c) {
       uint8_t& channel = picture.pixels[i * size_t(picture.channels) + c];
       changed = changed || channel != options.value;
       channel = uint8_t(options.value);
     }
   }
   write_picture(options.out, picture);
-  std::printf("%s: %.0f pixels painted with %d, %dx%d from %d,%d, %.2f ms with %s\n",
-              options.out.c_str(), region.area, options.value, region.width, region.height,
-              region.x, region.y, 1e3 * seconds, nuqi::name_of(nuqi::isa()));
-  if (!changed) std::printf("The region had that value already.\n");
+  report("%s: %.0f pixels painted with %d, %dx%d from %d,%d, %.2f ms with %s\n",
+         options.out.c_str(), region.area, options.value, region.width, region.height, region.x,
+         region.y, 1e3 * seconds, nuqi::name_of(nuqi::isa()));
+  if (!changed) report("The region had that value already.\n");
 }
 
 }  // namespace

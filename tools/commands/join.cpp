@@ -7,6 +7,7 @@
 #include "commands/commands.h"
 #include "failure.h"
 #include "pictures/picture.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -22,7 +23,7 @@ void join(const Options& options) {
   check_ending(options.out);
   Plane<uint8_t> channels[3];
   for (int c = 0; c < 3; ++c) {
-    channels[c] = grey_of(read_picture(options.in[c]));
+    channels[c] = read_grey(options.in[c]);
     check_same_size(options.in[c], channels[c].size, options.in[0], channels[0].size);
   }
   const RoiSize roi = channels[0].size;
@@ -31,7 +32,7 @@ void join(const Options& options) {
   require_ok(nuqiCopy_8u_P3C3R(planes, roi.width, picture.pixels.data(), 3 * roi.width, roi),
              "nuqiCopy_8u_P3C3R");
   write_picture(options.out, picture);
-  std::printf("%s: %s, joined of three channels\n", options.out.c_str(), size_text(roi).c_str());
+  report("%s: %s, joined of three channels\n", options.out.c_str(), size_text(roi).c_str());
 }
 
 }  // namespace

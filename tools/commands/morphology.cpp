@@ -11,6 +11,7 @@
 #include "core/isa.h"
 #include "failure.h"
 #include "pictures/strips.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -151,9 +152,9 @@ void run(Operation operation, const Options& options) {
   out->finish();
   const std::string times =
       options.times == 1 ? "" : ", " + std::to_string(options.times) + " times";
-  std::printf("%s: %s, %s with a %s%s, %.2f ms with %s\n", options.out.c_str(),
-              size_text(size).c_str(), kCommands[int(operation)].done, element.name.c_str(),
-              times.c_str(), 1e3 * morphology.seconds(), nuqi::name_of(nuqi::isa()));
+  report("%s: %s, %s with a %s%s, %.2f ms with %s\n", options.out.c_str(), size_text(size).c_str(),
+         kCommands[int(operation)].done, element.name.c_str(), times.c_str(),
+         1e3 * morphology.seconds(), nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "pictures/motion_picture.h"
 #include "pictures/picture.h"
 #include "progress.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -51,7 +52,7 @@ Motion history_of(const Options& options, RoiSize& size) {
   Motion motion;
   Progress progress("frames", int(options.frames.size()));
   for (const std::string& path : options.frames) {
-    const Plane<uint8_t> grey = grey_of(read_picture(path));
+    const Plane<uint8_t> grey = read_grey(path);
     if (motion.frame.values.empty()) {
       size = grey.size;
       motion.frame = with_two_rows(grey);
@@ -118,10 +119,10 @@ void show_motion(const Options& options) {
   write_picture(options.out, picture);
   const auto& history = motion.history.values;
   const auto still = std::count(history.begin(), history.end(), 0.0f);
-  std::printf("%s: %zu frames of %s, %.1f %% in motion, %s, with %s\n", options.out.c_str(),
-              options.frames.size(), size_text(picture.size).c_str(),
-              100 - 100.0 * double(still) / double(history.size()),
-              direction_text(direction).c_str(), nuqi::name_of(nuqi::isa()));
+  report("%s: %zu frames of %s, %.1f %% in motion, %s, with %s\n", options.out.c_str(),
+         options.frames.size(), size_text(picture.size).c_str(),
+         100 - 100.0 * double(still) / double(history.size()), direction_text(direction).c_str(),
+         nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

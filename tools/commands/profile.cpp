@@ -10,6 +10,7 @@
 #include "commands/commands.h"
 #include "commands/position.h"
 #include "failure.h"
+#include "pictures/file.h"
 #include "pictures/picture.h"
 #include "pictures/plot.h"
 
@@ -59,6 +60,9 @@ void write_plot(const std::string& path, const Picture& samples, const Plane<uin
 void print_profile(const Options& options) {
   const PixelPoint start = point_of(options.start), end = point_of(options.end);
   if (!options.plot.empty()) check_ending(options.plot);
+  if (options.plot == kStandardStream) {
+    throw UserError("--plot -: standard output has the numbers");
+  }
   const Picture picture = read_picture(options.in);
   check_inside(start, options.start, options.in, picture.size);
   check_inside(end, options.end, options.in, picture.size);

@@ -11,6 +11,8 @@
 #include "failure.h"
 #include "pictures/picture.h"
 #include "pictures/pyramid_picture.h"
+#include "pictures/row_reader.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -35,18 +37,22 @@ struct Options {
   bool laplacian = false;
 };
 
-void write_levels(const std::string& out, const std::vector<Picture>& levels) {
+void write_levels(const std::string& out, const std::vector<Picture>& levels, int channels) {
   const size_t number = out.find(kNumber);
-  if (number == std::string::npos) return write_picture(out, sheet_of(levels));
+  if (number == std::string::npos) {
+    return write_picture(out, with_channels(sheet_of(levels), channels));
+  }
   for (size_t i = 0; i < levels.size(); ++i) {
     std::string path = out;
-    write_picture(path.replace(number, sizeof kNumber - 1, std::to_string(i)), levels[i]);
+    write_picture(path.replace(number, sizeof kNumber - 1, std::to_string(i)),
+                  with_channels(levels[i], channels));
   }
 }
 
 void make_pyramid(const Options& options) {
   check_ending(options.out);
-  const Picture picture = read_picture(options.in);
+  const Picture stored = read_picture(options.in, Form::opaque);
+  const Picture picture = with_channels(stored, 3);
   const int most = most_levels(picture.size);
   if (options.levels > most) {
     throw UserError("--levels " + std::to_string(options.levels) + ": " + options.in + " is " +
@@ -60,14 +66,13 @@ void make_pyramid(const Options& options) {
     const std::vector<Differences> differences = differences_of(levels);
     const int deviation = largest_deviation(rebuilt(differences, levels), picture);
     rebuilding = ", rebuilt with a largest deviation of " + std::to_string(deviation);
-    write_levels(options.out, pictures_of(differences, levels));
+    write_levels(options.out, pictures_of(differences, levels), stored.channels);
   } else {
-    write_levels(options.out, levels);
+    write_levels(options.out, levels, stored.channels);
   }
-  std::printf("%s: %s and %d levels down to %s%s, %.2f ms with %s\n", options.out.c_str(),
-              size_text(picture.size).c_str(), options.levels,
-              size_text(levels.back().size).c_str(), rebuilding.c_str(), 1e3 * seconds,
-              nuqi::name_of(nuqi::isa()));
+  report("%s: %s and %d levels down to %s%s, %.2f ms with %s\n", options.out.c_str(),
+         size_text(picture.size).c_str(), options.levels, size_text(levels.back().size).c_str(),
+         rebuilding.c_str(), 1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace
@@ -79,7 +84,6 @@ void add_pyramid(CLI::App& app) {
   command->add_option("IN", options->in, "The picture")->required();
   command->add_option("OUT", options->out, "All levels, or one each where it holds %d")->required();
   command->add_option("--levels", options->levels, "How many below the picture")
-      ->type_name("N")
       ->check(CLI::Range(1, 1000000))
       ->required();
   command->add_flag("--laplacian", options->laplacian, "Shows what each level adds to the next");

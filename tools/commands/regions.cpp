@@ -17,6 +17,7 @@
 #include "pictures/file.h"
 #include "pictures/picture.h"
 #include "progress.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -63,7 +64,8 @@ std::string csv_of(const Regions& regions, int64_t smallest) {
 
 void find_regions(const Options& options) {
   check_ending(options.out);
-  const Plane<uint8_t> grey = grey_of(read_picture(options.in));
+  check_outputs_differ({options.out, options.csv});
+  const Plane<uint8_t> grey = read_grey(options.in);
   std::optional<Regions> regions;
   const double seconds = seconds_of([&] { regions.emplace(grey, options.connect); });
   write_picture(options.out, regions->coloured(options.smallest));
@@ -74,9 +76,9 @@ void find_regions(const Options& options) {
   const auto kept = std::count_if(
       regions->all().begin(), regions->all().end(),
       [&](const Region& region) { return region.found.area >= double(options.smallest); });
-  std::printf("%s: %s, %zu regions, %td of them shown, %.2f ms with %s\n", options.out.c_str(),
-              size_text(grey.size).c_str(), regions->all().size(), kept, 1e3 * seconds,
-              nuqi::name_of(nuqi::isa()));
+  report("%s: %s, %zu regions, %td of them shown, %.2f ms with %s\n", options.out.c_str(),
+         size_text(grey.size).c_str(), regions->all().size(), kept, 1e3 * seconds,
+         nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

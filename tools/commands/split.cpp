@@ -6,7 +6,9 @@
 
 #include "commands/commands.h"
 #include "failure.h"
+#include "pictures/file.h"
 #include "pictures/picture.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -21,6 +23,7 @@ struct Options {
 
 void split(const Options& options) {
   for (const std::string& out : options.out) check_ending(out);
+  check_outputs_differ({options.out[0], options.out[1], options.out[2]});
   const Picture picture = read_picture(options.in);
   const RoiSize roi = picture.size;
   Plane<uint8_t> channels[3] = {Plane<uint8_t>(roi), Plane<uint8_t>(roi), Plane<uint8_t>(roi)};
@@ -28,8 +31,8 @@ void split(const Options& options) {
   require_ok(nuqiCopy_8u_C3P3R(picture.pixels.data(), 3 * roi.width, planes, roi.width, roi),
              "nuqiCopy_8u_C3P3R");
   for (int c = 0; c < 3; ++c) write_picture(options.out[c], picture_of(channels[c]));
-  std::printf("%s, %s, %s: %s, red, green and blue\n", options.out[0].c_str(),
-              options.out[1].c_str(), options.out[2].c_str(), size_text(roi).c_str());
+  report("%s, %s, %s: %s, red, green and blue\n", options.out[0].c_str(), options.out[1].c_str(),
+         options.out[2].c_str(), size_text(roi).c_str());
 }
 
 }  // namespace

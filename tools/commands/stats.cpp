@@ -8,6 +8,7 @@
 
 #include "commands/commands.h"
 #include "failure.h"
+#include "pictures/file.h"
 
 namespace tools {
 namespace {
@@ -18,7 +19,17 @@ constexpr char kFooter[] =
     "blacks are not quite black.\n"
     "Norms: Inf is the largest level, L1 the sum, L2 the root of the sum of squares. With OTHER\n"
     "also those of the difference of both, and that relative to OTHER's. Minimum and maximum name\n"
-    "the first pixel that has them, row by row from the top. The histogram ends the output.\n";
+    "the first pixel that has them, row by row from the top. The histogram ends the output.\n"
+    "\n"
+    "The library's own calls have limits that do not show here. nuqiMean_* and nuqiNorm_L1_* of\n"
+    "bytes sum in 32 bits, which 24 megapixels of 200 exceed, and still succeed: here pictures "
+    "are\n"
+    "taken in tiles of 2048x2048 pixels that are joined in double precision. The deviation of a\n"
+    "constant picture can be NaN: here it is 0. The last level of nuqiCalcHist_8u_C1R is "
+    "exclusive,\n"
+    "and a byte cannot say 256, so that it never counts 255: here the last bin has what the "
+    "others\n"
+    "leave.\n";
 
 struct Options {
   std::string in, other, mask, histogram;
@@ -39,7 +50,7 @@ Selection selection_of(const Options& options, const Levels& in) {
     selection.mask = Plane<uint8_t>(in.size());
     std::fill(selection.mask.values.begin(), selection.mask.values.end(), 255);
   } else {
-    selection.mask = grey_of(read_picture(options.mask));
+    selection.mask = read_grey(options.mask);
     check_same_size(options.mask, selection.mask.size, options.in, in.size());
   }
   const auto& values = selection.mask.values;
@@ -51,6 +62,9 @@ Selection selection_of(const Options& options, const Levels& in) {
 void print_stats(const Options& options) {
   static constexpr const char* kChannels[] = {"grey levels", "red", "green", "blue"};
   if (!options.histogram.empty()) check_ending(options.histogram);
+  if (options.histogram == kStandardStream) {
+    throw UserError("--histogram -: standard output has the numbers");
+  }
   const Levels in = read_levels(options, options.in);
   Levels other;
   if (!options.other.empty()) {

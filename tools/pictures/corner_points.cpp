@@ -6,49 +6,12 @@
 #include <cmath>
 #include <nuqi/nuqi.hpp>
 
+#include "pictures/peaks.h"
+
 namespace tools {
 namespace {
 
 constexpr std::array<uint8_t, 3> kRing = {255, 138, 30}, kShade = {20, 16, 24};
-
-// Finds the plateaus of a plane: connected pixels of one value.
-class Plateaus {
- public:
-  explicit Plateaus(const Plane<float>& plane) : plane_(plane), seen_(plane.size) {}
-
-  // The pixel is the first of a plateau that no neighbour exceeds.
-  bool is_maximum(int32_t x, int32_t y) {
-    if (seen_.values[at(x, y)]) return false;
-    const float value = plane_.values[at(x, y)];
-    bool highest = true;
-    visit(x, y);
-    while (!open_.empty()) {
-      const auto [px, py] = open_.back();
-      open_.pop_back();
-      for (int32_t ny = std::max(py - 1, 0); ny <= std::min(py + 1, plane_.size.height - 1); ++ny)
-        for (int32_t nx = std::max(px - 1, 0); nx <= std::min(px + 1, plane_.size.width - 1);
-             ++nx) {
-          const float other = plane_.values[at(nx, ny)];
-          if (other > value) highest = false;
-          if (other == value && !seen_.values[at(nx, ny)]) visit(nx, ny);
-        }
-    }
-    return highest;
-  }
-
- private:
-  size_t at(int32_t x, int32_t y) const {
-    return size_t(y) * size_t(plane_.size.width) + size_t(x);
-  }
-  void visit(int32_t x, int32_t y) {
-    seen_.values[at(x, y)] = 1;
-    open_.push_back({x, y});
-  }
-
-  const Plane<float>& plane_;
-  Plane<uint8_t> seen_;
-  std::vector<PixelPoint> open_;
-};
 
 // Calls visit(x, y) with the pixels nearer than `distance`.
 template <class Visit>
@@ -84,21 +47,11 @@ Plane<float> corner_strength(const Plane<float>& grey, int aperture, int block) 
 
 std::vector<Corner> strongest_corners(const Plane<float>& strength, size_t count, double distance) {
   const RoiSize size = strength.size;
-  std::vector<Corner> maxima;
-  Plateaus plateaus(strength);
-  size_t pixel = 0;
-  for (int32_t y = 0; y < size.height; ++y)
-    for (int32_t x = 0; x < size.width; ++x, ++pixel)
-      if (strength.values[pixel] > 0 && plateaus.is_maximum(x, y))
-        maxima.push_back({x, y, strength.values[pixel]});
-  // They come in raster order, which a stable sort keeps among equals.
-  std::stable_sort(maxima.begin(), maxima.end(),
-                   [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
-
   std::vector<Corner> corners;
   Plane<uint8_t> taken(size);
-  for (const Corner& corner : maxima) {
-    if (corners.size() == count) break;
+  for (const Peak& peak : peaks_of(strength)) {
+    const Corner corner{peak.x, peak.y, peak.value};
+    if (corners.size() == count || corner.strength <= 0) break;
     if (taken.values[size_t(corner.y) * size_t(size.width) + size_t(corner.x)]) continue;
     corners.push_back(corner);
     for_each_near(size, corner, distance, [&](int32_t x, int32_t y) {

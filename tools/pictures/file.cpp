@@ -9,26 +9,62 @@
 #include <climits>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
+#include <utility>
 
 #include "failure.h"
+#include "report.h"
 
 namespace tools {
 namespace {
 
-// The last file that has no name of its own yet: what a signal's handler removes.
-char unfinished[PATH_MAX];
+constexpr int kSlots = 8;  // more files than any command writes at a time
+
+// The files that have no name of their own yet: what a signal's handler removes.
+char unfinished[kSlots][PATH_MAX];
 
 extern "C" void remove_and_end(int number) {
-  unlink(unfinished);
+  for (const char* path : unfinished) {
+    if (path[0] != 0) unlink(path);
+  }
   std::signal(number, SIG_DFL);
   std::raise(number);
 }
 
-void remove_on_signals(const std::string& path) {
+int remove_on_signals(const std::string& path) {
   for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
     if (std::signal(number, remove_and_end) == SIG_IGN) std::signal(number, SIG_IGN);
   }
-  std::snprintf(unfinished, sizeof unfinished, "%s", path.c_str());
+  for (int slot = 0; slot < kSlots; ++slot) {
+    if (unfinished[slot][0] != 0) continue;
+    std::snprintf(unfinished[slot], PATH_MAX, "%s", path.c_str());
+    return slot;
+  }
+  return -1;
+}
+
+void keep_on_signals(int slot) {
+  if (slot >= 0) unfinished[slot][0] = 0;
+}
+
+// Where the links end, even if nothing is there yet.
+std::string link_target(std::string path) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  for (int links = 0; links < 40 && fs::is_symlink(path, error); ++links) {
+    const fs::path next = fs::read_symlink(path, error);
+    path = (fs::path(path).parent_path() / next).string();
+  }
+  return path;
+}
+
+bool is_one_file(const std::string& a, const std::string& b) {
+  if (a == kStandardStream || b == kStandardStream) return a == b;
+  std::error_code error;
+  const auto place = [&](const std::string& path) {
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(link_target(path)), error);
+  };
+  return place(a) == place(b) && (is_regular_file(a) || access(a.c_str(), F_OK) != 0);
 }
 
 }  // namespace
@@ -38,7 +74,12 @@ void fail_on_file(const std::string& path, const char* what) {
 }
 
 File open_input(const std::string& path) {
-  File file(std::fopen(path.c_str(), "rb"));
+  static bool stdin_is_taken = false;
+  const bool standard = path == kStandardStream;
+  if (standard && std::exchange(stdin_is_taken, true)) {
+    throw UserError("-: standard input can be read only once");
+  }
+  File file(standard ? fdopen(dup(STDIN_FILENO), "rb") : std::fopen(path.c_str(), "rb"));
   if (!file) fail_on_file(path, "read");
   return file;
 }
@@ -65,43 +106,71 @@ void write_file(const std::string& path, const void* bytes, size_t count) {
 
 bool is_regular_file(const std::string& path) {
   struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+  return path != kStandardStream && stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+void check_outputs_differ(const std::vector<std::string>& paths) {
+  for (size_t i = 0; i < paths.size(); ++i) {
+    for (size_t j = 0; j < i; ++j) {
+      if (paths[i].empty() || paths[j].empty() || !is_one_file(paths[j], paths[i])) continue;
+      throw UserError(paths[i] + ": is named for two outputs");
+    }
+  }
 }
 
 OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
-  const bool exists = access(path_.c_str(), F_OK) == 0;
-  if (exists && !is_regular_file(path_)) {
-    file_.reset(std::fopen(path_.c_str(), "wb"));
-  } else if (!exists || access(path_.c_str(), W_OK) == 0) {
-    open_beside();
+  if (path_ == kStandardStream) {
+    leave_stdout_to_files();
+    file_.reset(fdopen(dup(STDOUT_FILENO), "wb"));
+  } else {
+    open_target();
   }
   if (!file_) fail_on_file(path_, "written");
 }
 
 OutputFile::~OutputFile() {
   if (!temporary_.empty()) unlink(temporary_.c_str());
+  keep_on_signals(slot_);
+}
+
+void OutputFile::open_target() {
+  target_ = link_target(path_);
+  struct stat old {};
+  const bool exists = stat(target_.c_str(), &old) == 0;
+  if (!exists && errno != ENOENT) return;
+  if (exists && !S_ISREG(old.st_mode)) {
+    file_.reset(std::fopen(target_.c_str(), "wb"));
+  } else if (!exists || access(target_.c_str(), W_OK) == 0) {
+    open_beside(exists ? &old : nullptr);
+  }
 }
 
 // A name that no file has: other processes may write into the same folder.
-void OutputFile::open_beside() {
-  const std::string folder = path_.substr(0, path_.find_last_of('/') + 1);
+void OutputFile::open_beside(const struct stat* old) {
+  const std::string folder = target_.substr(0, target_.find_last_of('/') + 1);
+  const mode_t mode = old == nullptr ? 0666 : 0600;  // a private file is never public
   int descriptor = -1;
   for (int i = 0; descriptor < 0 && (i == 0 || errno == EEXIST); ++i) {
     temporary_ = folder + ".nuqi-" + std::to_string(getpid()) + "-" + std::to_string(i);
-    descriptor = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    descriptor = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
   }
   if (descriptor < 0) {
     temporary_.clear();
     return;
   }
-  remove_on_signals(temporary_);
+  slot_ = remove_on_signals(temporary_);
   file_.reset(fdopen(descriptor, "wb"));
+  if (old == nullptr) return;
+  // Only root may give files away, and some file systems have no modes: both may fail.
+  if (fchown(descriptor, old->st_uid, old->st_gid) == 0 || errno == EPERM) {
+    (void)fchmod(descriptor, old->st_mode & 07777);
+  }
 }
 
 void OutputFile::commit() {
   if (std::fclose(file_.release()) != 0) fail_on_file(path_, "written");  // a full disk shows here
   if (temporary_.empty()) return;
-  if (std::rename(temporary_.c_str(), path_.c_str()) != 0) fail_on_file(path_, "written");
+  if (std::rename(temporary_.c_str(), target_.c_str()) != 0) fail_on_file(path_, "written");
   temporary_.clear();
 }
 

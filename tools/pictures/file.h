@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+struct stat;
+
 namespace tools {
 
 struct CloseFile {
@@ -17,16 +19,23 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 
 // All of these throw UserError that names the file and the reason, which stands in errno.
 [[noreturn]] void fail_on_file(const std::string& path, const char* what);  // "read", "written"
-File open_input(const std::string& path);
+File open_input(const std::string& path);                                   // "-" is stdin, once
 std::vector<uint8_t> read_rest(const File& file, const std::string& path);
 std::vector<uint8_t> read_file(const std::string& path);
 void write_file(const std::string& path, const void* bytes, size_t count);
 
+// The path of standard input and output.
+inline constexpr char kStandardStream[] = "-";
+
 bool is_regular_file(const std::string& path);
 
+// Throws UserError where two of them would be one file. Empty ones say nothing; devices may repeat.
+void check_outputs_differ(const std::vector<std::string>& paths);
+
 // A file written under another name in the same folder: commit() gives it its own. Until then, and
-// for ever where it is not called or a signal ends the program, a file of that name stays as it was. What is there and no regular
-// file, a device or a pipe, is written directly.
+// for ever where it is not called or a signal ends the program, a file of that name stays as it was. It
+// keeps the mode of the one that it replaces, and symbolic links stay: what they lead to is replaced.
+// What is there and no regular file, a device or a pipe, is written directly; "-" is stdout.
 class OutputFile {
  public:
   explicit OutputFile(std::string path);
@@ -38,9 +47,12 @@ class OutputFile {
   void commit();
 
  private:
-  void open_beside();
+  void open_target();
+  void open_beside(const struct stat* old);
 
-  std::string path_, temporary_;  // no temporary name: written directly
+  std::string path_, target_;  // what the path leads to
+  std::string temporary_;      // empty: written directly
+  int slot_ = -1;              // among the files that signals remove
   File file_;
 };
 

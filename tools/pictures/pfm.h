@@ -3,11 +3,27 @@
 
 #include <string>
 
+#include "pictures/file.h"
 #include "pictures/picture.h"
 
 namespace tools {
 
-// One channel, in this machine's byte order. Throws UserError where the file cannot be written.
+// The rows of one channel, from above to below, in this machine's byte order. The file holds them from
+// below to above, so that it must be one that takes jumps. Throws UserError.
+class PfmWriter {
+ public:
+  PfmWriter(const std::string& path, RoiSize size);
+  void write(const float* row);
+  void finish();  // after the last row
+
+ private:
+  std::string path_;
+  RoiSize size_;
+  OutputFile file_;
+  int32_t written_ = 0;
+  size_t header_;
+};
+
 void write_pfm(const std::string& path, const Plane<float>& plane);
 
 }  // namespace tools

@@ -31,8 +31,10 @@ void check_size(uint32_t width, uint32_t height, const std::string& name) {
   }
 }
 
-Picture read_picture(const std::string& path) {
-  return whole_picture(*open_rows(path, Form::colour), path);
+Picture read_picture(const std::string& path) { return read_picture(path, Form::colour); }
+
+Picture read_picture(const std::string& path, Form form) {
+  return whole_picture(*open_rows(path, form), path);
 }
 
 Plane<uint8_t> grey_of(const Picture& picture) {
@@ -41,11 +43,32 @@ Plane<uint8_t> grey_of(const Picture& picture) {
     grey.values = picture.pixels;
     return grey;
   }
-  const uint8_t* rgb = picture.pixels.data();
+  const uint8_t* pixel = picture.pixels.data();
   for (uint8_t& value : grey.values) {
+    uint8_t rgb[3];
+    for (int c = 0; c < 3; ++c) {
+      rgb[c] = picture.channels == 3 ? pixel[c] : over_white(pixel[c], pixel[3]);
+    }
     value = grey_level(rgb);
-    rgb += 3;
+    pixel += picture.channels;
   }
+  return grey;
+}
+
+Picture with_channels(const Picture& picture, int channels) {
+  if (picture.channels == channels) return picture;
+  Picture result(picture.size, channels);
+  for (size_t i = 0; i < result.pixels.size(); ++i) {
+    result.pixels[i] = picture.pixels[i / size_t(channels) * size_t(picture.channels)];
+  }
+  return result;
+}
+
+Plane<uint8_t> read_grey(const std::string& path) {
+  Picture picture = whole_picture(*open_rows(path, Form::grey), path);
+  Plane<uint8_t> grey;
+  grey.size = picture.size;
+  grey.values = std::move(picture.pixels);
   return grey;
 }
 

@@ -41,7 +41,7 @@ struct nuqi::ImageTraits<tools::Plane<T>> {
 
 namespace tools {
 
-// A picture to look at: 1 channel (grey) or 3 (red, green, blue), interleaved, tight rows.
+// A picture to look at: 1 channel (grey), 3 (red, green, blue) or 4 (and alpha), interleaved, tight rows.
 struct Picture {
   RoiSize size{0, 0};
   int channels = 3;
@@ -64,13 +64,19 @@ Picture read_picture(const std::string& path);
 // Writes in the format that the ending of `path` names. Throws UserError.
 void write_picture(const std::string& path, const Picture& picture);
 
-// Throws UserError unless `path` ends in .png, .jpg or .jpeg: lets a command fail before its work.
+// Throws UserError unless `path` ends as pictures do or is "-": lets a command fail before its work.
 void check_ending(const std::string& path);
 
 inline uint8_t grey_level(const uint8_t* rgb) {
   return uint8_t((77 * rgb[0] + 150 * rgb[1] + 29 * rgb[2] + 128) / 256);
 }
 Plane<uint8_t> grey_of(const Picture& picture);
+
+// A grey picture with three equal channels, or the first channel of three.
+Picture with_channels(const Picture& picture, int channels);
+
+// grey_of(read_picture(path)), in a third of its memory.
+Plane<uint8_t> read_grey(const std::string& path);
 
 inline uint8_t over_white(uint32_t value, uint32_t alpha) {
   return uint8_t((value * alpha + 255 * (255 - alpha) + 127) / 255);
@@ -89,7 +95,7 @@ Bytes encode_png(const Picture& picture, const std::string& name);
 void check_sides(uint32_t width, uint32_t height, const std::string& name);
 void check_size(uint32_t width, uint32_t height, const std::string& name);
 
-// The orientation, 1 to 8, in the Exif block of a JPEG file; 1 where there is none.
+// The orientation, 1 to 8, in an Exif block, which begins with its byte order; 1 where there is none.
 int exif_orientation(const uint8_t* block, size_t length);
 Picture turned_upright(Picture picture, int orientation);
 

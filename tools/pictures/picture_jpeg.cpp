@@ -13,11 +13,13 @@
 #include "failure.h"
 #include "pictures/row_reader.h"
 #include "pictures/row_writer.h"
+#include "report.h"
 
 namespace tools {
 namespace {
 
 constexpr int kQuality = 92;
+constexpr char kExif[] = "Exif\0";  // with two zeros in all
 
 // libjpeg reports an error by a function that must not return; it jumps back to `escape`.
 struct ErrorManager {
@@ -105,7 +107,9 @@ class JpegReader : public RowReader {
     jpeg_save_markers(&info(), JPEG_APP0 + 1, 0xFFFF);
     jpeg_read_header(&info(), TRUE);
     for (const jpeg_marker_struct* m = info().marker_list; m != nullptr; m = m->next) {
-      const int orientation = exif_orientation(m->data, m->data_length);
+      if (m->data_length < sizeof kExif || std::memcmp(m->data, kExif, sizeof kExif) != 0) continue;
+      const int orientation =
+          exif_orientation(m->data + sizeof kExif, m->data_length - sizeof kExif);
       if (orientation != 1) orientation_ = orientation;
     }
   }
@@ -155,6 +159,7 @@ class JpegWriter : public RowWriter {
       jpeg_set_quality(&info(), kQuality, TRUE);
       jpeg_start_compress(&info(), TRUE);
     });
+    if (channels == 4) print_note(name_ + ": JPEG keeps no alpha, the picture is laid over white");
     if (channels == 4) opaque_.resize(size_t{3} * info().image_width);
   }
 

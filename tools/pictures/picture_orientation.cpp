@@ -6,7 +6,6 @@
 namespace tools {
 namespace {
 
-constexpr char kExif[] = "Exif\0";  // with two zeros in all
 constexpr uint32_t kOrientationTag = 0x0112;
 
 // Reads numbers of the block's own byte order; anything beyond its end is 0.
@@ -28,8 +27,8 @@ struct Reader {
 }  // namespace
 
 int exif_orientation(const uint8_t* block, size_t length) {
-  if (length < 14 || std::memcmp(block, kExif, sizeof kExif) != 0) return 1;
-  const Reader exif{block + sizeof kExif, length - sizeof kExif, block[sizeof kExif] == 'M'};
+  if (length < 8) return 1;
+  const Reader exif{block, length, block[0] == 'M'};
   const size_t directory = exif.number(4, 4);
   const uint32_t count = exif.number(directory, 2);
   for (uint32_t i = 0; i < count; ++i) {

@@ -2,6 +2,7 @@
 // Reading avoids libpng's simplified interface: version 1.6.39 breaks interlaced pictures of 16 bits.
 #include <png.h>
 
+#include <bit>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -10,6 +11,7 @@
 #include "failure.h"
 #include "pictures/row_reader.h"
 #include "pictures/row_writer.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -76,9 +78,11 @@ class PngReader : public RowReader {
     check_sides(width, height, name_);
     guarded([&] { choose_layout(); });
     set_shape({int32_t(width), int32_t(height)}, png_get_channels(handle_.png, handle_.info));
+    if (sixteen_bits_) print_note(name_ + ": its 16 bits are rounded to 8");
   }
 
   bool interlaced() const { return passes_ > 1; }
+  int orientation() const { return orientation_; }
 
   Picture whole() {
     check_size(uint32_t(size().width), uint32_t(size().height), name_);
@@ -107,6 +111,11 @@ class PngReader : public RowReader {
     png_set_read_fn(handle_.png, file_.get(), next_bytes);
     png_set_user_limits(handle_.png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);  // check_sides has ours
     png_read_info(handle_.png, handle_.info);
+    png_bytep exif = nullptr;
+    png_uint_32 length = 0;
+    if (png_get_eXIf_1(handle_.png, handle_.info, &length, &exif) != 0) {
+      orientation_ = exif_orientation(exif, length);
+    }
   }
 
   // Every kind becomes grey, colour, or colour and alpha of 8 bits.
@@ -114,6 +123,7 @@ class PngReader : public RowReader {
     png_structp png = handle_.png;
     const bool alpha = (png_get_color_type(png, handle_.info) & PNG_COLOR_MASK_ALPHA) != 0 ||
                        png_get_valid(png, handle_.info, PNG_INFO_tRNS) != 0;
+    sixteen_bits_ = png_get_bit_depth(png, handle_.info) == 16;
     png_set_expand(png);
     png_set_scale_16(png);
     if (alpha) png_set_gray_to_rgb(png);
@@ -135,8 +145,13 @@ class PngReader : public RowReader {
   File file_;
   std::string name_;
   ReadHandle handle_;
-  int passes_ = 1;
+  int passes_ = 1, orientation_ = 1;
+  bool sixteen_bits_ = false;
 };
+
+// Level 1 with one filter takes a seventeenth of libpng's own choice for a photograph, for files a sixth
+// larger.
+int compression = 1;
 
 int colour_type_of(int channels) {
   return channels == 1   ? PNG_COLOR_TYPE_GRAY
@@ -146,7 +161,7 @@ int colour_type_of(int channels) {
 
 class PngWriter : public RowWriter {
  public:
-  PngWriter(std::FILE* file, std::string name, RoiSize size, int channels)
+  PngWriter(std::FILE* file, std::string name, RoiSize size, int channels, int depth)
       : name_(std::move(name)) {
     handle_.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, static_cast<Handle*>(&handle_),
                                           on_error, on_warning);
@@ -154,10 +169,13 @@ class PngWriter : public RowWriter {
     guarded([&] {
       handle_.info = png_create_info_struct(handle_.png);
       png_set_write_fn(handle_.png, file, put_bytes, flush);
-      png_set_IHDR(handle_.png, handle_.info, uint32_t(size.width), uint32_t(size.height), 8,
+      png_set_IHDR(handle_.png, handle_.info, uint32_t(size.width), uint32_t(size.height), depth,
                    colour_type_of(channels), PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
                    PNG_FILTER_TYPE_DEFAULT);
+      png_set_compression_level(handle_.png, compression);
+      png_set_filter(handle_.png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
       png_write_info(handle_.png, handle_.info);
+      if (depth == 16 && std::endian::native == std::endian::little) png_set_swap(handle_.png);
     });
   }
 
@@ -181,15 +199,18 @@ class PngWriter : public RowWriter {
 
 }  // namespace
 
+void set_png_compression(int level) { compression = level; }
+
 std::unique_ptr<RowReader> read_png(File file, const std::string& name) {
   auto rows = std::make_unique<PngReader>(std::move(file), name);
-  if (!rows->interlaced()) return rows;
-  return rows_of(std::make_shared<const Picture>(rows->whole()));
+  const int orientation = rows->orientation();
+  if (!rows->interlaced() && orientation == 1) return rows;
+  return rows_of(std::make_shared<const Picture>(turned_upright(rows->whole(), orientation)));
 }
 
 std::unique_ptr<RowWriter> write_png(std::FILE* file, const std::string& name, RoiSize size,
-                                     int channels) {
-  return std::make_unique<PngWriter>(file, name, size, channels);
+                                     int channels, int depth) {
+  return std::make_unique<PngWriter>(file, name, size, channels, depth);
 }
 
 }  // namespace tools

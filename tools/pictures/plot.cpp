@@ -14,10 +14,21 @@ constexpr int32_t kLeft = 76, kRight = 619, kTop = 16, kBottom = 323;  // of the
 constexpr Ink kGrid = {226, 229, 234}, kAxis = {120, 128, 140}, kText = {70, 76, 88};
 constexpr int32_t kDot = 2;  // the side of a digit's dot
 
-// The dots of a digit, row by row, the highest bit first.
+// The dots of a sign, row by row, the highest bit first.
 constexpr uint16_t kDigits[10] = {
     0b111101101101111, 0b010110010010111, 0b111001111100111, 0b111001111001111, 0b101101111001001,
     0b111100111001111, 0b111100111101111, 0b111001010010010, 0b111101111101111, 0b111101111001111};
+
+uint16_t dots_of(char sign) {
+  switch (sign) {
+    case '-': return 0b000000111000000;
+    case '.': return 0b000000000000010;
+    case 'k': return 0b101101110101101;
+    case 'M': return 0b101111111101101;
+    case 'G': return 0b111100101101111;
+    default: return kDigits[sign - '0'];
+  }
+}
 
 }  // namespace
 
@@ -40,11 +51,16 @@ void draw_number(Picture& picture, double value, int32_t right, int32_t middle, 
                  Ink ink) {
   char text[32];
   std::snprintf(text, sizeof text, "%.0f", value);
-  const std::string digits = text;
-  int32_t x = right - int32_t(digits.size()) * 4 * dot + dot;
-  for (const char digit : digits) {
+  draw_number(picture, text, right, middle, dot, ink);
+}
+
+void draw_number(Picture& picture, const std::string& text, int32_t right, int32_t middle,
+                 int32_t dot, Ink ink) {
+  int32_t x = right - int32_t(text.size()) * 4 * dot + dot;
+  for (const char sign : text) {
+    const uint16_t dots = dots_of(sign);
     for (int32_t i = 0; i < 15; ++i) {
-      if ((kDigits[digit - '0'] >> (14 - i) & 1) == 0) continue;
+      if ((dots >> (14 - i) & 1) == 0) continue;
       const int32_t left = x + i % 3 * dot, top = middle + (i / 3 - 2) * dot - dot / 2;
       fill(picture, left, top, left + dot - 1, top + dot - 1, ink);
     }

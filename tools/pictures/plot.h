@@ -21,6 +21,9 @@ void fill(Picture& picture, int32_t left, int32_t top, int32_t right, int32_t bo
 // `right`, and `middle` is its middle row. Each digit takes 4 dots.
 void draw_number(Picture& picture, double value, int32_t right, int32_t middle, int32_t dot,
                  Ink ink);
+// The same of a text of digits and the signs "-.kMG".
+void draw_number(Picture& picture, const std::string& text, int32_t right, int32_t middle,
+                 int32_t dot, Ink ink);
 
 class Plot {
  public:

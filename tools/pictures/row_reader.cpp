@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "failure.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -11,7 +12,7 @@ namespace {
 // libpng and the filters' states take rows of this length, and sums of lengths fit 32 bits.
 constexpr int32_t kLongestSide = 1000000;
 
-constexpr int kPngsFirst = 0x89, kJpegsFirst = 0xFF;
+constexpr int kPngsFirst = 0x89, kJpegsFirst = 0xFF, kPnmsFirst = 'P';
 
 // It stays to be read: a pipe cannot go back further.
 int first_byte(const File& file, const std::string& name) {
@@ -103,17 +104,18 @@ void check_sides(uint32_t width, uint32_t height, const std::string& name) {
 
 bool may_be_picture(const File& file, const std::string& name) {
   const int first = first_byte(file, name);
-  return first == kPngsFirst || first == kJpegsFirst;
+  return first == kPngsFirst || first == kJpegsFirst || first == kPnmsFirst;
 }
 
 std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form form) {
   if (!may_be_picture(file, name)) {
-    throw UserError(name + ": is neither a PNG nor a JPEG picture");
+    throw UserError(name + ": is neither a PNG nor a JPEG nor a PNM picture");
   }
-  std::unique_ptr<RowReader> rows = first_byte(file, name) == kPngsFirst
-                                        ? read_png(std::move(file), name)
-                                        : read_jpeg(std::move(file), name);
+  const int first = first_byte(file, name);
+  auto* const read = first == kPngsFirst ? read_png : first == kJpegsFirst ? read_jpeg : read_pnm;
+  std::unique_ptr<RowReader> rows = read(std::move(file), name);
   const int channels = channels_in(form, rows->channels());
+  if (rows->channels() == 4 && channels < 4) print_note(name + ": its alpha is laid over white");
   if (channels == rows->channels()) return rows;
   return std::make_unique<Converted>(std::move(rows), channels);
 }

@@ -45,7 +45,7 @@ enum class Form {
   grey,    // the same, colour becoming grey
 };
 
-// The rows of a PNG or JPEG file of any kind. 16 bits are rounded to 8, CMYK is converted, a
+// The rows of a PNG, JPEG or PNM file of any kind. 16 bits are rounded to 8, CMYK is converted, a
 // camera's orientation applied. Interlaced and progressive files, and those to be turned, are held in
 // memory. Throws UserError where the file cannot be read or is no picture.
 std::unique_ptr<RowReader> open_rows(const std::string& path, Form form);
@@ -61,6 +61,8 @@ RowOpener rereadable(const std::string& path, Form form);
 // All rows together. Throws UserError where the picture is larger than every command can take.
 Picture whole_picture(RowReader& rows, const std::string& name);
 
+Picture read_picture(const std::string& path, Form form);
+
 // The rows of a picture in memory.
 std::unique_ptr<RowReader> rows_of(std::shared_ptr<const Picture> picture);
 
@@ -68,6 +70,7 @@ std::unique_ptr<RowReader> rows_of(std::shared_ptr<const Picture> picture);
 
 // `name` stands in the messages of UserError.
 std::unique_ptr<RowReader> read_png(File file, const std::string& name);
+std::unique_ptr<RowReader> read_pnm(File file, const std::string& name);
 std::unique_ptr<RowReader> read_jpeg(File file, const std::string& name);
 
 }  // namespace tools

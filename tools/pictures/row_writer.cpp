@@ -11,18 +11,22 @@
 namespace tools {
 namespace {
 
-bool ends_with(const std::string& path, const std::string& ending) {
-  if (path.size() <= ending.size()) return false;
-  return std::equal(ending.begin(), ending.end(), path.end() - ptrdiff_t(ending.size()),
-                    [](char a, char b) { return a == std::tolower(static_cast<uint8_t>(b)); });
+constexpr const char* kPnmEndings[] = {".pgm", ".ppm", ".pnm"};
+
+bool is_pnm(const std::string& path) {
+  return std::any_of(std::begin(kPnmEndings), std::end(kPnmEndings),
+                     [&](const char* ending) { return ends_with(path, ending); });
 }
+
+bool is_png(const std::string& path) { return path == kStandardStream || ends_with(path, ".png"); }
 
 class PictureFile : public RowWriter {
  public:
-  PictureFile(const std::string& path, RoiSize size, int channels)
-      : file_(path),
-        rows_(ends_with(path, ".png") ? write_png(file_.stream(), path, size, channels)
-                                      : write_jpeg(file_.stream(), path, size, channels)) {}
+  PictureFile(const std::string& path, RoiSize size, int channels, int depth) : file_(path) {
+    rows_ = is_png(path)   ? write_png(file_.stream(), path, size, channels, depth)
+            : is_pnm(path) ? write_pnm(file_.stream(), path, size, channels)
+                           : write_jpeg(file_.stream(), path, size, channels);
+  }
 
   void write(const uint8_t* row) override { rows_->write(row); }
   void finish() override {
@@ -52,14 +56,27 @@ struct Memory {
 
 }  // namespace
 
+bool ends_with(const std::string& path, const std::string& ending) {
+  if (path.size() <= ending.size()) return false;
+  return std::equal(ending.begin(), ending.end(), path.end() - ptrdiff_t(ending.size()),
+                    [](char a, char b) { return a == std::tolower(static_cast<uint8_t>(b)); });
+}
+
 void check_ending(const std::string& path) {
-  if (ends_with(path, ".png") || ends_with(path, ".jpg") || ends_with(path, ".jpeg")) return;
-  throw UserError(path + ": cannot be written: its ending must be .png, .jpg or .jpeg");
+  if (is_png(path) || is_pnm(path) || ends_with(path, ".jpg") || ends_with(path, ".jpeg")) return;
+  throw UserError(path +
+                  ": cannot be written: its ending must be .png, .jpg, .jpeg, .pgm, .ppm or "
+                  ".pnm");
 }
 
 std::unique_ptr<RowWriter> create_picture(const std::string& path, RoiSize size, int channels) {
   check_ending(path);
-  return std::make_unique<PictureFile>(path, size, channels);
+  return std::make_unique<PictureFile>(path, size, channels, 8);
+}
+
+std::unique_ptr<RowWriter> create_png16(const std::string& path, RoiSize size) {
+  if (!is_png(path)) throw UserError(path + ": cannot be written: its ending must be .png");
+  return std::make_unique<PictureFile>(path, size, 1, 16);
 }
 
 void write_picture(const std::string& path, const Picture& picture) {

@@ -22,14 +22,24 @@ class RowWriter {
   virtual void finish() = 0;  // after the last row
 };
 
-// The format that the ending of a file's name chooses. It exists once finish() succeeded, and keeps
-// its former contents until then. JPEG knows no alpha: pixels are laid over white. Throws UserError.
+// The format that the ending of a file's name chooses; "-" is PNG on stdout. It exists once finish()
+// succeeded, and keeps its former contents until then. JPEG and PNM know no alpha: pixels are laid over
+// white. Throws UserError.
 std::unique_ptr<RowWriter> create_picture(const std::string& path, RoiSize size, int channels);
+
+// A grey PNG file of 16 bits, whose rows are of uint16_t.
+std::unique_ptr<RowWriter> create_png16(const std::string& path, RoiSize size);
+
+bool ends_with(const std::string& path, const std::string& ending);  // in upper or lower case
+
+void set_png_compression(int level);  // 0 to 9, of all PNG files from then on
 
 // ---- The formats, one source file each ---------------------------------------------------------
 
 // `name` stands in the messages of UserError.
 std::unique_ptr<RowWriter> write_png(std::FILE* file, const std::string& name, RoiSize size,
+                                     int channels, int depth = 8);
+std::unique_ptr<RowWriter> write_pnm(std::FILE* file, const std::string& name, RoiSize size,
                                      int channels);
 std::unique_ptr<RowWriter> write_jpeg(std::FILE* file, const std::string& name, RoiSize size,
                                       int channels);

@@ -4,16 +4,65 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
+#include <memory>
 #include <nuqi/nuqi.hpp>
+#include <optional>
+#include <vector>
 
 #include "core/isa.h"
 #include "failure.h"
+#include "pictures/file.h"
+#include "pictures/pfm.h"
+#include "report.h"
 #include "tour/colours.h"
 
 namespace tools {
+namespace {
+
+// The values themselves, in a file whose ending chooses its format.
+class NumbersFile {
+ public:
+  NumbersFile(const std::string& path, RoiSize size) : width_(size_t(size.width)) {
+    if (ends_with(path, ".pfm")) {
+      pfm_.emplace(path, size);
+    } else {
+      png_ = create_png16(path, size);
+    }
+  }
+
+  void write(Strip<int16_t> strip) {
+    for (int32_t y = 0; y < strip.rows; ++y) {
+      const int16_t* const row = strip.values + size_t(y) * width_;
+      if (pfm_) {
+        floats_.assign(row, row + width_);
+        pfm_->write(floats_.data());
+      } else {
+        levels_.clear();
+        for (size_t x = 0; x < width_; ++x) levels_.push_back(uint16_t(row[x] - INT16_MIN));
+        png_->write(reinterpret_cast<const uint8_t*>(levels_.data()));
+      }
+    }
+  }
+
+  void finish() {
+    if (pfm_) pfm_->finish();
+    if (png_) png_->finish();
+  }
+
+ private:
+  size_t width_;
+  std::optional<PfmWriter> pfm_;
+  std::unique_ptr<RowWriter> png_;
+  std::vector<float> floats_;
+  std::vector<uint16_t> levels_;
+};
+
+}  // namespace
 
 void add_signed_output(CLI::App& command, SignedOutput& output) {
   command.add_option("OUT", output.path, "The result in colours")->required();
+  command.add_option("--numbers", output.numbers, "A .png or .pfm file for the values themselves")
+      ->type_name("FILE");
   command.add_option_function<double>(
       "--range",
       [&output](double range) {
@@ -23,7 +72,14 @@ void add_signed_output(CLI::App& command, SignedOutput& output) {
       "The magnitude shown in the palest colours");
 }
 
-void check(const SignedOutput& output) { check_ending(output.path); }
+void check(const SignedOutput& output) {
+  check_ending(output.path);
+  if (output.numbers.empty()) return;
+  if (!ends_with(output.numbers, ".png") && !ends_with(output.numbers, ".pfm")) {
+    throw UserError(output.numbers + ": cannot be written: its ending must be .png or .pfm");
+  }
+  check_outputs_differ({output.path, output.numbers});
+}
 
 template <class Filter>
 void write_signed(const std::string& in, const SignedOutput& output, const std::string& how,
@@ -34,6 +90,8 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
   auto rows = open();
   const RoiSize size = rows->size();
   const auto out = create_picture(output.path, size, 3);
+  std::optional<NumbersFile> numbers;
+  if (!output.numbers.empty()) numbers.emplace(output.numbers, size);
   RowProgress progress(size, chosen ? 1 : 2);
   double seconds = 0;
   const auto filter_rows = [&](const auto& use) {
@@ -57,14 +115,16 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
   Bytes rgb;
   filter_rows([&](Strip<int16_t> strip) {
     if (chosen) count(strip);
+    if (numbers) numbers->write(strip);
     rgb.resize(3 * width * size_t(strip.rows));
     colours.put(strip.values, width * size_t(strip.rows), rgb.data());
     write_strip(*out, {rgb.data(), strip.rows}, 3 * width);
   });
   out->finish();
-  std::printf("%s: %s, %s, values %d to %d, shown to %g, %.2f ms with %s\n", output.path.c_str(),
-              size_text(size).c_str(), how.c_str(), counts.lowest(), counts.highest(), range,
-              1e3 * seconds, nuqi::name_of(nuqi::isa()));
+  if (numbers) numbers->finish();
+  report("%s: %s, %s, values %d to %d, shown to %g, %.2f ms with %s\n", output.path.c_str(),
+         size_text(size).c_str(), how.c_str(), counts.lowest(), counts.highest(), range,
+         1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 
 template void write_signed(const std::string&, const SignedOutput&, const std::string&,

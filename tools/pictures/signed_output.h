@@ -14,15 +14,17 @@ namespace tools {
 
 struct SignedOutput {
   std::string path;
-  double range = 0;  // 0: chosen from the values
+  std::string numbers;  // a file for the values themselves; empty: none
+  double range = 0;     // 0: chosen from the values
 };
 
 inline constexpr char kSignedFooter[] =
     "Orange is positive, blue negative, black zero; the palest colours stand for the range and\n"
     "all beyond it. Without --range it is the magnitude that one pixel in a hundred exceeds, for\n"
-    "which IN is read twice. Takes pictures larger than memory (`nuqi --help`).\n";
+    "which IN is read twice. --numbers writes the values themselves: into a .png of 16 bits as\n"
+    "value + 32768, or into a .pfm as floats. Takes pictures larger than memory (`nuqi --help`).\n";
 
-// Adds OUT and --range.
+// Adds OUT, --numbers and --range.
 void add_signed_output(CLI::App& command, SignedOutput& output);
 
 // Throws UserError where it could not be written for a reason known before the work.

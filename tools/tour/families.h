@@ -18,6 +18,7 @@ Section corners_section(const Scene& scene);
 Section distance_section(const Scene& scene);
 Section morphology_section(const Scene& scene);
 Section pyramid_section(const Scene& scene);
+Section match_section(const Scene& scene);
 Section fill_section(const Scene& scene);
 
 }  // namespace tools

@@ -32,6 +32,7 @@ constexpr Family kFamilies[] = {
     {"distance transforms", distance_section},
     {"erosion and dilation", morphology_section},
     {"Gaussian pyramid", pyramid_section},
+    {"template matching", match_section},
     {"flood fills", fill_section},
 };
 

@@ -76,17 +76,20 @@ inline void count_strengths(const std::int16_t* dx, const std::int16_t* dy, std:
   }
 }
 
-/// `high` lies just below the greatest strength that a share of the pixels reach, so that they are above it;
-/// `low` is 0.4 of that, amid the ratios of 2 to 3 that Canny advised.
-inline CannyThresholds thresholds_of(const Strengths& counts, std::int64_t pixels,
-                                     double share) noexcept {
-  const auto wanted = static_cast<double>(pixels) * share;
-  int strength = kStrongest;
-  std::int64_t above = counts[kStrongest];
-  while (strength > 0 && static_cast<double>(above) < wanted)
-    above += counts[static_cast<std::size_t>(--strength)];
-  const int high = std::max(strength - 1, 0);
-  return {std::floor(0.4F * static_cast<float>(high)), static_cast<float>(high)};
+/// The largest whole numbers that a share of the pixels exceed, of those that have any strength: one in ten
+/// `high`, one in four `low`.
+inline CannyThresholds thresholds_of(const Strengths& counts) noexcept {
+  std::int64_t any = 0;
+  for (std::size_t strength = 1; strength < counts.size(); ++strength) any += counts[strength];
+  const auto exceeded_by_one_in = [&](std::int64_t share) {
+    std::int64_t above = 0;
+    for (std::size_t strength = kStrongest; any > 0 && strength > 0; --strength) {
+      above += counts[strength];
+      if (above * share >= any) return static_cast<float>(strength - 1);
+    }
+    return 0.0F;
+  };
+  return {exceeded_by_one_in(4), exceeded_by_one_in(10)};
 }
 
 }  // namespace detail

@@ -167,7 +167,7 @@ NUQI_INLINE auto sum_eights(const V& a) {
 
 // As floats: GCC joins a selection that follows only with an operation of the same kind.
 template <Wide V>
-NUQI_INLINE V clear_sign(const V& a) {
+requires(sizeof(LaneOf<V>) == 4) NUQI_INLINE V clear_sign(const V& a) {
   if constexpr (sizeof(V) == 64)
     return (V)_mm512_and_ps((__m512)a, (__m512)(NativeAs<int32_t, V>{} + 0x7FFFFFFF));
   else

@@ -264,7 +264,8 @@ NUQI_INLINE auto sum_eights(const V& a) {
 
 template <class V>
 NUQI_INLINE V clear_sign(const V& a) {
-  return (V)((NativeAs<int32_t, V>)a & 0x7FFFFFFF);
+  using Bits = typename IntOf<sizeof(LaneOf<V>)>::Type;
+  return (V)((NativeAs<Bits, V>)a & ~(Bits{1} << (8 * sizeof(Bits) - 1)));
 }
 
 // Of doubles.

@@ -8,6 +8,14 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
+// sums + the products of two neighbours each.
+template <int N>
+NUQI_INLINE Vec<int32_t, N> add_dot_pairs(const Vec<int32_t, N>& sums, const Vec<int16_t, 2 * N>& a,
+                                          const Vec<int16_t, 2 * N>& b) {
+  return generate<Vec<int32_t, N>>(
+      [&](int i) NUQI_FORCED { return machine::add_dot_pairs(sums.r[i], a.r[i], b.r[i]); });
+}
+
 // sums + the even 16-bit lanes * x + the odd ones * y, of one register.
 template <class V, class Pairs>
 NUQI_INLINE V add_weighted_pairs(const V& sums, const Pairs& lanes, int16_t x, int16_t y) {

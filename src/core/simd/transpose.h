@@ -30,6 +30,21 @@ NUQI_INLINE void transpose_four(V& a, V& b, V& c, V& d) {
   d.r[0] = zip_units<unit, group, true>(q, s, lanes);
 }
 
+// Eight registers, seen as rows of eight lanes in every sixteen bytes, become the columns.
+template <int N>
+NUQI_INLINE void transpose_eight(Vec<int16_t, N> (&a)[8]) {
+  constexpr auto lanes = typename UpTo<N>::Type{};
+  // Each step moves the highest bit of a register's number behind the lane's, and that one's into it.
+  for_each<3>([&](int) NUQI_FORCED {
+    Vec<int16_t, N> b[8];
+    for_each<4>([&](int i) NUQI_FORCED {
+      b[2 * i].r[0] = zip_half<0>(a[i].r[0], a[i + 4].r[0], lanes);
+      b[2 * i + 1].r[0] = zip_half<1>(a[i].r[0], a[i + 4].r[0], lanes);
+    });
+    for_each<8>([&](int i) NUQI_FORCED { a[i] = b[i]; });
+  });
+}
+
 // As many registers as each has lanes. First within 16 bytes, where shuffles cost least on AVX2.
 template <int n>
 NUQI_INLINE void transpose_square(Vec<float, n> (&a)[n]) {

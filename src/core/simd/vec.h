@@ -135,9 +135,9 @@ NUQI_INLINE Vec<T, N> keep(const Mask<T, N>& mask, const Vec<T, N>& a) {
 }
 
 // Clears the sign, a NaN's too.
-template <int N>
-NUQI_INLINE Vec<float, N> abs(const Vec<float, N>& a) {
-  return generate<Vec<float, N>>([&](int i) NUQI_FORCED { return machine::clear_sign(a.r[i]); });
+template <class T, int N>
+requires kIsFloat<T> NUQI_INLINE Vec<T, N> abs(const Vec<T, N>& a) {
+  return generate<Vec<T, N>>([&](int i) NUQI_FORCED { return machine::clear_sign(a.r[i]); });
 }
 
 // The second operand where either is NaN, as the machines' instructions have it.

@@ -23,9 +23,11 @@ extern "C" {
  *             3. StatusBadSize: a step below its row's bytes, or a 32f step not a multiple of 4.
  *             StatusOk otherwise; a width or height of 0 touches no memory.
  */
+/** Thresholds: dst = value where src > level, 0 elsewhere; 8u. */
 NUQI_API StatusCode nuqiThreshold_8u_C1R(const uint8_t* src, int32_t srcStep, uint8_t* dst,
                                          int32_t dstStep, RoiSize roi, uint8_t level,
                                          uint8_t value);
+/** Thresholds: dst = value where src > level, +0.0 elsewhere; 32f. */
 NUQI_API StatusCode nuqiThreshold_32f_C1R(const float* src, int32_t srcStep, float* dst,
                                           int32_t dstStep, RoiSize roi, float level, float value);
 
