@@ -59,6 +59,22 @@ BinaryPicture column(RoiSize roi) {
   return picture;
 }
 
+// Teeth far apart that hang from the first row.
+BinaryPicture fringe(RoiSize roi) {
+  BinaryPicture picture(roi, 1);
+  for (int y = 1; y < roi.height; ++y)
+    for (int x = 0; x < roi.width; ++x) picture.at(x, y) = x % 64 == 0;
+  return picture;
+}
+
+// Steps of two pixels down a diagonal.
+BinaryPicture stairs(RoiSize roi) {
+  BinaryPicture picture(roi, 0);
+  for (int y = 0; y < roi.height; ++y)
+    for (int x : {y, y + 1}) picture.at(x % roi.width, y) = 1;
+  return picture;
+}
+
 BinaryPicture spot(RoiSize roi) {
   BinaryPicture picture(roi, 0);
   for (int i = 0; i < 10; ++i) picture.at(i % 4, i / 4) = 1;
@@ -87,6 +103,9 @@ constexpr Scene kScenes[] = {
     {"spiral", test::spiral},
     {"comb", test::comb},
     {"checkerboard", test::checkerboard},
+    {"legs", test::legs},
+    {"fringe", fringe},
+    {"stairs", stairs},
     {"column of 1", column<1>},
     {"column of 3", column<3>},
     {"spot of 10", spot},

@@ -11,7 +11,7 @@ template <class T>
 class Equality {
  public:
   static constexpr bool kLocal = true;
-  static constexpr int kEffort = 1 + kFillWordPixels * sizeof(T) / kRegBytes / 2;
+  static constexpr int kEffort = 2 + kFillWordPixels * sizeof(T) / kRegBytes / 2;
 
   NUQI_INLINE explicit Equality(const FillJob<T>& job)
       : image_(job.image),

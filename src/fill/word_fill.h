@@ -213,7 +213,7 @@ class Search {
       if (has_row(y - dy)) next_row(y, first, last, -dy);
       if (reached.count == 0) return;
       y += dy, first = reached.first, last = reached.last;
-      if (last - first > 4 * reached.count) break;
+      if (last - first > 4 * reached.count || state_.credit < 0) break;
       take_range(y, first, last);
     }
     for (int32_t k = first; k <= last; ++k)
