@@ -40,7 +40,7 @@ class Equality {
     const auto a = load<kFillWordPixels>(pixels, part);
     const auto seed = broadcast<T, kFillWordPixels>(seed_);
     if constexpr (sizeof(T) == 1) return bits_equal(a, seed);
-    return ~(bits_below(a, seed) | bits_below(seed, a));
+    return ~bits_apart(a, seed);
   }
 
   Image<T> image_;
