@@ -200,7 +200,7 @@ class Search {
   }
 
   // From words of a row that have been visited, through the rows above or below as long as many of their
-  // words are reached. The rows on the other side are left to the queue.
+  // words are reached and words pay. The rows on the other side are left waiting.
   NUQI_INLINE void sweep(int32_t y, int32_t first, int32_t last) {
     int dy = -1;
     for (bool started = false;;) {
