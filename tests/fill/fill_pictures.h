@@ -68,13 +68,6 @@ inline BinaryPicture legs(RoiSize roi) {
   return picture;
 }
 
-// A first pixel below which all rows are full: it is reached again from them.
-inline BinaryPicture tip(RoiSize roi) {
-  BinaryPicture picture(roi, 1);
-  for (int x = 1; x < roi.width; ++x) picture.at(x, 0) = 0;
-  return picture;
-}
-
 inline BinaryPicture checkerboard(RoiSize roi) {
   BinaryPicture picture(roi, 0);
   for (int y = 0; y < roi.height; ++y)
@@ -127,7 +120,6 @@ constexpr NamedPicture kWindingPictures[] = {
     {"comb", comb},
     {"serpent", serpent},
     {"legs", legs},
-    {"tip", tip},
     {"checkerboard", checkerboard},
     {"maze", maze},
     {"noise_41", [](RoiSize roi) { return noise(roi, 41); }},
