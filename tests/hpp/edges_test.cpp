@@ -7,17 +7,17 @@
 #include <cstdlib>
 #include <vector>
 
-#include "pictures.h"
+#include "support.h"
 
 namespace {
 
 using nuqi::EdgeOperator;
 using nuqi::Image;
 using nuqi::View;
-using pictures::noise;
-using pictures::roi_of;
-using pictures::same;
-using pictures::step;
+using nuqi::test::equal;
+using nuqi::test::random_image;
+using nuqi::test::roi_of;
+using nuqi::test::step;
 namespace detail = nuqi::detail;
 
 struct Derivatives {
@@ -103,7 +103,7 @@ class Reference {
 
 // Few levels: many ties, and derivatives in exact ratios.
 Image<std::uint8_t> steps(std::int64_t width, std::int64_t height, std::uint32_t seed) {
-  auto image = noise<std::uint8_t>(width, height, seed);
+  auto image = random_image<std::uint8_t>(width, height, seed);
   for (std::int64_t y = 0; y < height; ++y)
     for (std::int64_t x = 0; x < width; ++x) {
       image(x, y) = static_cast<std::uint8_t>(image(x, y) % 3 * 127);
@@ -115,14 +115,15 @@ Image<std::uint8_t> steps(std::int64_t width, std::int64_t height, std::uint32_t
 TEST(Canny, BreaksTiesAndNothingElse) {
   int more = 0;
   for (const EdgeOperator of : {EdgeOperator::sobel, EdgeOperator::scharr}) {
-    for (const auto& src : {noise<std::uint8_t>(70, 41), steps(64, 33, 1), steps(7, 50, 2)}) {
+    for (const auto& src :
+         {random_image<std::uint8_t>(70, 41), steps(64, 33, 1), steps(7, 50, 2)}) {
       const Derivatives d = derivatives_by_c(src, of);
       for (const float low : {0.0f, 1.5f, 380.0f, 1020.0f}) {
         for (const float high : {low, low * 2 + 10.75f, 9000.0f}) {
           Image<std::uint8_t> found(src.width(), src.height());
           nuqi::canny(src, found, low, high, of);
           const Reference expected(d, static_cast<int>(low), static_cast<int>(high));
-          EXPECT_TRUE(same(found, expected.edges())) << low << ", " << high;
+          EXPECT_TRUE(equal(found, expected.edges())) << low << ", " << high;
           const Image<std::uint8_t> plain = canny_by_c(d, low, high);
           for (std::int64_t y = 0; y < src.height(); ++y) {
             for (std::int64_t x = 0; x < src.width(); ++x) {
@@ -207,7 +208,7 @@ TEST(Canny, OneRowOrColumnIsAPicture) {
 
 // C walks each derivative by the other's step.
 TEST(Canny, StepsOfDerivativesMayDiffer) {
-  const auto src = noise<std::uint8_t>(50, 30);
+  const auto src = random_image<std::uint8_t>(50, 30);
   const Derivatives d = derivatives_by_c(src, EdgeOperator::sobel);
   Image<std::int16_t> wide(90, 30);
   const View<std::int16_t> dy = wide.roi(20, 0, 50, 30);
@@ -215,9 +216,9 @@ TEST(Canny, StepsOfDerivativesMayDiffer) {
   Image<std::uint8_t> found(50, 30);
   nuqi::Scratch scratch;
   nuqi::canny_from(d.dx, dy, found, 200, 500, scratch);
-  EXPECT_TRUE(same(found, canny_by_c(d, 200, 500)));
+  EXPECT_TRUE(equal(found, canny_by_c(d, 200, 500)));
   nuqi::canny_from(d.dx, d.dy, found, 100, 300, scratch);
-  EXPECT_TRUE(same(found, canny_by_c(d, 100, 300)));
+  EXPECT_TRUE(equal(found, canny_by_c(d, 100, 300)));
 
   EXPECT_EQ(nuqi::canny_from(d.dx, dy, found, 3, 2, std::nothrow), StatusUnsupported);
   EXPECT_EQ(nuqi::canny(src, found, -1, 2, EdgeOperator::sobel, std::nothrow), StatusUnsupported);
@@ -227,7 +228,7 @@ TEST(Canny, StepsOfDerivativesMayDiffer) {
 
 // The share is that of the pixels above the threshold; a flat picture has no edge.
 TEST(Canny, ThresholdsComeFromThePicture) {
-  const auto src = noise<std::uint8_t>(200, 100);
+  const auto src = random_image<std::uint8_t>(200, 100);
   const Derivatives d = derivatives_by_c(src, EdgeOperator::sobel);
   nuqi::Scratch scratch;
   for (const double share : {0.05, 0.1, 0.5}) {
@@ -244,7 +245,7 @@ TEST(Canny, ThresholdsComeFromThePicture) {
     EXPECT_EQ(found.low, std::floor(0.4f * found.high));
   }
   const auto none = edges_of(Image<std::uint8_t>(30, 30));
-  EXPECT_TRUE(same(none, Image<std::uint8_t>(30, 30)));
+  EXPECT_TRUE(equal(none, Image<std::uint8_t>(30, 30)));
 }
 
 }  // namespace

@@ -3,13 +3,13 @@
 
 #include <cstdint>
 
-#include "pictures.h"
+#include "support.h"
 
 namespace {
 
 using nuqi::Connectivity;
 using nuqi::Image;
-using pictures::status_of;
+using nuqi::test::status_of;
 
 // A staircase along the diagonal: 1, 2, 3 ... where neighbours touch at corners alone; 100 elsewhere.
 template <class T>

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "pictures.h"
+#include "support.h"
 
 namespace {
 
@@ -22,13 +22,13 @@ TEST(Limits, StepsBeyond32BitsAreRefused) {
   const auto src = far(a, 4, 4), dst = far(b, 4, 4);
   EXPECT_EQ(nuqi::canny(src, dst, 1, 2, nuqi::EdgeOperator::sobel, std::nothrow), StatusBadSize);
   EXPECT_EQ(nuqi::canny_from(far(dx, 4, 4), far(dy, 4, 4), dst, 1, 2, std::nothrow), StatusBadSize);
-  EXPECT_EQ(pictures::status_of([&] { (void)nuqi::canny_thresholds(src); }), StatusBadSize);
+  EXPECT_EQ(nuqi::test::status_of([&] { (void)nuqi::canny_thresholds(src); }), StatusBadSize);
   EXPECT_EQ(nuqi::pyramid_down(src, far(b, 2, 2), std::nothrow), StatusBadSize);
   EXPECT_EQ(nuqi::pyramid_up(src, far(b, 8, 8), std::nothrow), StatusBadSize);
   EXPECT_EQ(nuqi::match_template(src, View<std::uint8_t>(b, 2, 2), far(scores, 3, 3),
                                  nuqi::MatchMethod::corr, std::nothrow),
             StatusBadSize);
-  EXPECT_EQ(pictures::status_of([&] { nuqi::flood_fill(src, {0, 0}, 1); }), StatusBadSize);
+  EXPECT_EQ(nuqi::test::status_of([&] { nuqi::flood_fill(src, {0, 0}, 1); }), StatusBadSize);
 }
 
 }  // namespace

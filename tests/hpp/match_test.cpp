@@ -5,21 +5,21 @@
 #include <cstdint>
 #include <vector>
 
-#include "pictures.h"
+#include "support.h"
 
 namespace {
 
 using nuqi::Image;
 using nuqi::MatchMethod;
 using nuqi::View;
-using pictures::noise;
-using pictures::roi_of;
-using pictures::same;
-using pictures::status_of;
-using pictures::step;
+using nuqi::test::equal;
+using nuqi::test::random_image;
+using nuqi::test::roi_of;
+using nuqi::test::status_of;
+using nuqi::test::step;
 
 TEST(Match, MethodsAreThoseOfC) {
-  const auto src = noise<std::uint8_t>(40, 30);
+  const auto src = random_image<std::uint8_t>(40, 30);
   const auto tpl = src.roi(20, 9, 6, 5);
   Image<float> found(35, 26), expected(35, 26);
   std::vector<std::uint8_t> buffer(1 << 20);
@@ -29,7 +29,7 @@ TEST(Match, MethodsAreThoseOfC) {
     ASSERT_EQ(call(src.data(), step(src.step()), roi_of(src), tpl.data(), step(tpl.step()),
                    roi_of(tpl), expected.data(), step(expected.step()), buffer.data()),
               StatusOk);
-    EXPECT_TRUE(same(found, expected)) << static_cast<int>(method);
+    EXPECT_TRUE(equal(found, expected)) << static_cast<int>(method);
   };
   expect(MatchMethod::sq_diff, nuqiMatchTemplate_SqDiff_8u32f_C1R);
   EXPECT_EQ(found(20, 9), 0);
@@ -42,8 +42,8 @@ TEST(Match, MethodsAreThoseOfC) {
 }
 
 TEST(Match, FindsFloatsAndSignedBytes) {
-  const auto floats = noise<float>(33, 20);
-  const auto chars = noise<std::int8_t>(33, 20);
+  const auto floats = random_image<float>(33, 20);
+  const auto chars = random_image<std::int8_t>(33, 20);
   Image<float> scores(26, 14);
   nuqi::match_template(floats, floats.roi(3, 11, 8, 7), scores);
   EXPECT_NEAR(scores(3, 11), 1, 1e-4);
@@ -52,14 +52,15 @@ TEST(Match, FindsFloatsAndSignedBytes) {
 }
 
 TEST(Match, RefusesWhatCannotBeScored) {
-  const auto src = noise<std::uint8_t>(20, 10);
+  const auto src = random_image<std::uint8_t>(20, 10);
   Image<float> scores(15, 8);
   const auto status = [&](const auto& tpl, const auto& dst, MatchMethod method) {
     return nuqi::match_template(src, tpl, dst, method, std::nothrow);
   };
   EXPECT_EQ(status(src.roi(0, 0, 6, 3), scores.view(), MatchMethod::corr), StatusOk);
   EXPECT_EQ(status(src.roi(0, 0, 6, 4), scores.view(), MatchMethod::corr), StatusBadSize);
-  EXPECT_EQ(status(noise<std::uint8_t>(21, 3), scores.view(), MatchMethod::corr), StatusBadSize);
+  EXPECT_EQ(status(random_image<std::uint8_t>(21, 3), scores.view(), MatchMethod::corr),
+            StatusBadSize);
   EXPECT_EQ(status(src.roi(0, 0, 6, 3), scores.view(), static_cast<MatchMethod>(6)),
             StatusUnsupported);
   // C would keep the template's sum in 32 bits.

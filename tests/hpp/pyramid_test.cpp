@@ -5,19 +5,19 @@
 #include <string>
 #include <vector>
 
-#include "pictures.h"
+#include "support.h"
 
 namespace {
 
 using nuqi::Image;
-using pictures::noise;
-using pictures::roi_of;
-using pictures::same;
-using pictures::step;
+using nuqi::test::equal;
+using nuqi::test::random_image;
+using nuqi::test::roi_of;
+using nuqi::test::step;
 
 template <class T, int C, class Down, class Up>
 void expect_levels(const Down& down, const Up& up, nuqi::Scratch& scratch) {
-  const auto src = noise<T, C>(26, 18);
+  const auto src = random_image<T, C>(26, 18);
   Image<T, C> half(13, 9), expected(13, 9), twice(52, 36), expected_twice(52, 36);
   std::vector<std::uint8_t> buffer(1 << 16);
   ASSERT_EQ(down(src.data(), step(src.step()), expected.data(), step(expected.step()), roi_of(src),
@@ -27,9 +27,9 @@ void expect_levels(const Down& down, const Up& up, nuqi::Scratch& scratch) {
                roi_of(src), buffer.data()),
             StatusOk);
   nuqi::pyramid_down(src, half, scratch);
-  EXPECT_TRUE(same(half, expected));
+  EXPECT_TRUE(equal(half, expected));
   nuqi::pyramid_up(src, twice, scratch);
-  EXPECT_TRUE(same(twice, expected_twice));
+  EXPECT_TRUE(equal(twice, expected_twice));
 }
 
 TEST(Pyramid, LevelsAreThoseOfC) {

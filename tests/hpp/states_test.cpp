@@ -6,13 +6,13 @@
 #include <thread>
 #include <vector>
 
-#include "pictures.h"
+#include "support.h"
 
 namespace {
 
 using nuqi::Image;
-using pictures::noise;
-using pictures::same;
+using nuqi::test::equal;
+using nuqi::test::random_image;
 
 // Of this process, in memory now.
 std::int64_t resident_bytes() {
@@ -26,7 +26,7 @@ std::int64_t resident_bytes() {
 // together; those below make less than 1.3 MB.
 TEST(States, AMillionOfThemStayUnderThreeMegabytes) {
   constexpr int kStates = 1000000;
-  const auto src = noise<std::uint8_t>(4096, 1);
+  const auto src = random_image<std::uint8_t>(4096, 1);
   Image<std::int16_t> of_filter(4096, 1);
   Image<std::uint8_t> of_morphology(4096, 1);
   const nuqi::Element element = nuqi::Element::rectangle(3, 3);
@@ -56,7 +56,8 @@ TEST(States, AreAsWideAsTheNextPowerOfTwo) {
 
 // Objects at work have states of their own, whatever was given back before.
 TEST(States, NoTwoObjectsShareOne) {
-  const auto first = noise<std::uint8_t>(30, 12, 1), second = noise<std::uint8_t>(30, 12, 2);
+  const auto first = random_image<std::uint8_t>(30, 12, 1),
+             second = random_image<std::uint8_t>(30, 12, 2);
   Image<std::int16_t> expected(30, 12), found(30, 12), other(30, 12);
   nuqi::box_sum(first, expected, 5);
   nuqi::BoxSum a(5), b(5);
@@ -64,14 +65,14 @@ TEST(States, NoTwoObjectsShareOne) {
   const std::int64_t given = a.feed(first, found);
   b(second, other);
   a.finish(found.roi(0, given, 30, 12 - given));
-  EXPECT_TRUE(same(found, expected));
+  EXPECT_TRUE(equal(found, expected));
   nuqi::BoxSum moved = std::move(a);
   moved(first, other);
-  EXPECT_TRUE(same(other, expected));
+  EXPECT_TRUE(equal(other, expected));
 }
 
 TEST(States, ThreadsShareThePool) {
-  const auto src = noise<std::uint8_t>(100, 20);
+  const auto src = random_image<std::uint8_t>(100, 20);
   Image<std::int16_t> expected(100, 20);
   nuqi::laplace(src, expected, 5);
   std::vector<int> wrong(4);
@@ -81,7 +82,7 @@ TEST(States, ThreadsShareThePool) {
       Image<std::int16_t> dst(100, 20);
       for (int i = 0; i < 500; ++i) {
         nuqi::laplace(src, dst, 5);
-        wrong[t] += same(dst, expected) ? 0 : 1;
+        wrong[t] += equal(dst, expected) ? 0 : 1;
       }
     });
   }

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "pictures.h"
+#include "support.h"
 
 namespace {
 
@@ -14,11 +14,11 @@ using nuqi::Element;
 using nuqi::Extremum;
 using nuqi::Image;
 using nuqi::View;
-using pictures::noise;
-using pictures::roi_of;
-using pictures::same;
-using pictures::status_of;
-using pictures::step;
+using nuqi::test::equal;
+using nuqi::test::random_image;
+using nuqi::test::roi_of;
+using nuqi::test::status_of;
+using nuqi::test::step;
 
 // One call of a C function with a state of its own, made for the very width.
 template <class T, class D, class State, class Call, class Make>
@@ -60,32 +60,32 @@ TEST(Strips, FiltersGiveWhatCGives) {
     nuqi::Sobel sobel(1, size - 2, size);
     nuqi::Laplace laplace(size);
     for (const int width : {40, 1, 64, 65, 7, 300}) {
-      const auto bytes = noise<std::uint8_t>(width, 11);
-      const auto chars = noise<std::int8_t>(width, 9);
-      const auto floats = noise<float>(width, 10);
+      const auto bytes = random_image<std::uint8_t>(width, 11);
+      const auto chars = random_image<std::int8_t>(width, 9);
+      const auto floats = random_image<float>(width, 10);
       Image<std::int16_t> of_bytes(width, 11), of_chars(width, 9);
       Image<float> of_floats(width, 10);
 
       box(bytes, of_bytes);
-      EXPECT_TRUE(same(of_bytes, (box_by_c<std::uint8_t, std::int16_t>(bytes, size, kBytes,
-                                                                       nuqiBlur_8u16s_C1R))));
+      EXPECT_TRUE(equal(of_bytes, (box_by_c<std::uint8_t, std::int16_t>(bytes, size, kBytes,
+                                                                        nuqiBlur_8u16s_C1R))));
       box(chars, of_chars);
-      EXPECT_TRUE(same(of_chars, (box_by_c<std::int8_t, std::int16_t>(chars, size, kBytes,
-                                                                      nuqiBlur_8s16s_C1R))));
+      EXPECT_TRUE(equal(of_chars, (box_by_c<std::int8_t, std::int16_t>(chars, size, kBytes,
+                                                                       nuqiBlur_8s16s_C1R))));
       box(floats, of_floats);
       EXPECT_TRUE(
-          same(of_floats, (box_by_c<float, float>(floats, size, kFloats, nuqiBlur_32f_C1R))));
+          equal(of_floats, (box_by_c<float, float>(floats, size, kFloats, nuqiBlur_32f_C1R))));
 
       sobel(floats, of_floats);
       sobel(bytes, of_bytes);
-      EXPECT_TRUE(same(of_bytes, sobel_by_c(bytes, 1, size - 2, size)));
+      EXPECT_TRUE(equal(of_bytes, sobel_by_c(bytes, 1, size - 2, size)));
 
       laplace(bytes, of_bytes);
-      EXPECT_TRUE(same(of_bytes, (laplace_by_c<std::uint8_t, std::int16_t>(
-                                     bytes, size, kBytes, nuqiLaplace_8u16s_C1R))));
+      EXPECT_TRUE(equal(of_bytes, (laplace_by_c<std::uint8_t, std::int16_t>(
+                                      bytes, size, kBytes, nuqiLaplace_8u16s_C1R))));
       laplace(floats, of_floats);
-      EXPECT_TRUE(same(of_floats,
-                       (laplace_by_c<float, float>(floats, size, kFloats, nuqiLaplace_32f_C1R))));
+      EXPECT_TRUE(equal(of_floats,
+                        (laplace_by_c<float, float>(floats, size, kFloats, nuqiLaplace_32f_C1R))));
     }
   }
 }
@@ -125,7 +125,7 @@ void expect_strips(Filter& filter, const Image<T>& src) {
   for (std::uint32_t seed = 0; seed < 8; ++seed) {
     const auto found = in_strips<D>(
         filter, [&] { filter.begin(); }, src, seed);
-    ASSERT_TRUE(same(found, expected)) << "seed " << seed;
+    ASSERT_TRUE(equal(found, expected)) << "seed " << seed;
   }
 }
 
@@ -136,43 +136,43 @@ TEST(Strips, FiltersGiveTheSameInStrips) {
       nuqi::BoxSum box(size);
       nuqi::Sobel sobel(0, 1, size);
       nuqi::Laplace laplace(size);
-      expect_strips<std::int16_t>(box, noise<std::uint8_t>(33, height));
-      expect_strips<float>(box, noise<float>(33, height));
-      expect_strips<std::int16_t>(sobel, noise<std::int8_t>(33, height));
-      expect_strips<float>(laplace, noise<float>(33, height));
+      expect_strips<std::int16_t>(box, random_image<std::uint8_t>(33, height));
+      expect_strips<float>(box, random_image<float>(33, height));
+      expect_strips<std::int16_t>(sobel, random_image<std::int8_t>(33, height));
+      expect_strips<float>(laplace, random_image<float>(33, height));
     }
   }
 }
 
 TEST(Strips, MorphologyGivesTheSameInStrips) {
-  const auto shape = noise<std::uint8_t>(4, 5);
+  const auto shape = random_image<std::uint8_t>(4, 5);
   for (const Element& element :
        {Element::rectangle(3, 1), Element::rectangle(3, 6), Element::cross(5, 5).anchored(0, 4),
         Element::cross(3, 5).anchored(2, 0), Element::ellipse(5, 9), Element::arbitrary(shape)}) {
     nuqi::Morphology morphology(element);
     for (const int height : {1, 2, 5, 40}) {
-      const auto bytes = noise<std::uint8_t, 3>(17, height);
-      const auto floats = noise<float>(17, height);
+      const auto bytes = random_image<std::uint8_t, 3>(17, height);
+      const auto floats = random_image<float>(17, height);
       Image<std::uint8_t, 3> eroded(17, height);
       Image<float> dilated(17, height);
       morphology.erode(bytes, eroded);
       morphology.dilate(floats, dilated);
       for (std::uint32_t seed = 0; seed < 8; ++seed) {
-        ASSERT_TRUE(same(in_strips<std::uint8_t>(
-                             morphology, [&] { morphology.begin(Extremum::least); }, bytes, seed),
-                         eroded));
+        ASSERT_TRUE(equal(in_strips<std::uint8_t>(
+                              morphology, [&] { morphology.begin(Extremum::least); }, bytes, seed),
+                          eroded));
         ASSERT_TRUE(
-            same(in_strips<float>(
-                     morphology, [&] { morphology.begin(Extremum::greatest); }, floats, seed),
-                 dilated));
+            equal(in_strips<float>(
+                      morphology, [&] { morphology.begin(Extremum::greatest); }, floats, seed),
+                  dilated));
       }
     }
   }
 }
 
 TEST(Strips, RefuseWhatDoesNotFit) {
-  const auto src = noise<std::uint8_t>(20, 10);
-  const auto narrow = noise<std::uint8_t>(19, 10);
+  const auto src = random_image<std::uint8_t>(20, 10);
+  const auto narrow = random_image<std::uint8_t>(19, 10);
   Image<std::int16_t> dst(20, 10), low(20, 5);
   Image<float> floats(20, 10);
   nuqi::Sobel sobel(1, 0);
@@ -207,7 +207,7 @@ TEST(Strips, RefuseWhatDoesNotFit) {
 // Rows further apart than 2^31 bytes: C takes them one by one only.
 TEST(Strips, RowsMayLieFarApart) {
   if (sizeof(void*) < 8) GTEST_SKIP() << "not enough addresses";
-  constexpr std::ptrdiff_t kApart = (std::ptrdiff_t{1} << 31) + 4096;
+  constexpr auto kApart = static_cast<std::ptrdiff_t>((std::int64_t{1} << 31) + 4096);
   constexpr std::int64_t kRows = 9;
   const auto room = static_cast<std::size_t>(2 * kRows * kApart);
   void* const memory = mmap(nullptr, room, PROT_READ | PROT_WRITE,
@@ -216,26 +216,26 @@ TEST(Strips, RowsMayLieFarApart) {
   auto* const bytes = static_cast<unsigned char*>(memory);
   for (const std::int64_t rows : {std::int64_t{2}, kRows}) {
     const View<std::uint8_t> src(bytes, 30, rows, kApart);
-    const auto tight = noise<std::uint8_t>(30, rows);
+    const auto tight = random_image<std::uint8_t>(30, rows);
     for (std::int64_t y = 0; y < rows; ++y) std::copy_n(tight.row(y), 30, src.row(y));
     const View<std::int16_t> dst(reinterpret_cast<std::int16_t*>(bytes + kRows * kApart), 30, rows,
                                  kApart);
     Image<std::int16_t> expected(30, rows);
     nuqi::laplace(tight, expected, 7);
     nuqi::laplace(src, dst, 7);
-    EXPECT_TRUE(same(dst, expected));
+    EXPECT_TRUE(equal(dst, expected));
 
     const View<std::uint8_t> eroded(bytes + kRows * kApart, 30, rows, kApart);
     Image<std::uint8_t> expected_eroded(30, rows);
     nuqi::erode(tight, expected_eroded, Element::ellipse(3, 7));
     nuqi::erode(src, eroded, Element::ellipse(3, 7));
-    EXPECT_TRUE(same(eroded, expected_eroded));
+    EXPECT_TRUE(equal(eroded, expected_eroded));
   }
   munmap(memory, room);
 }
 
 TEST(Morphology, ShapesGiveWhatCGives) {
-  const auto src = noise<float>(37, 20);
+  const auto src = random_image<float>(37, 20);
   const std::vector<std::int32_t> mask = {1, 0, 0, 0, 1, 1};
   const View<const std::int32_t> pixels(mask.data(), 3, 2);
   const Image<std::uint8_t> bytes = [&] {
@@ -252,9 +252,9 @@ TEST(Morphology, ShapesGiveWhatCGives) {
     };
     Image<float> dst(37, 20);
     nuqi::erode(src, dst, element);
-    EXPECT_TRUE(same(dst, (by_c<float, float, MorphState>(src, eroded, make))));
+    EXPECT_TRUE(equal(dst, (by_c<float, float, MorphState>(src, eroded, make))));
     nuqi::dilate(src, dst, element);
-    EXPECT_TRUE(same(dst, (by_c<float, float, MorphState>(src, dilated, make))));
+    EXPECT_TRUE(equal(dst, (by_c<float, float, MorphState>(src, dilated, make))));
   };
   expect(Element::rectangle(4, 3).anchored(0, 2), 0, nuqiErodeStrip_Rect_32f_C1R,
          nuqiDilateStrip_Rect_32f_C1R);
@@ -266,7 +266,7 @@ TEST(Morphology, ShapesGiveWhatCGives) {
 
 // Four channels go each on its own.
 TEST(Morphology, TakesFourChannels) {
-  const auto src = noise<std::uint8_t, 4>(9, 8);
+  const auto src = random_image<std::uint8_t, 4>(9, 8);
   Image<std::uint8_t, 4> dst(9, 8);
   nuqi::dilate(src, dst, Element::rectangle(2, 1).anchored(0, 0));
   for (int y = 0; y < 8; ++y)
@@ -305,7 +305,7 @@ TEST(Morphology, OpeningsAreIdempotent) {
   Image<std::uint8_t> shape(3, 2);
   shape(0, 0) = shape(1, 0) = shape(2, 1) = 1;
   const Element element = Element::arbitrary(shape).anchored(0, 1);
-  const auto src = noise<std::uint8_t>(40, 30);
+  const auto src = random_image<std::uint8_t>(40, 30);
   const auto open = [&](const Image<std::uint8_t>& image) {
     Image<std::uint8_t> eroded(40, 30), opened(40, 30);
     nuqi::erode(image, eroded, element);
@@ -315,7 +315,7 @@ TEST(Morphology, OpeningsAreIdempotent) {
   const auto once = open(src);
   const auto twice = open(once);
   const auto inner = [](const Image<std::uint8_t>& image) { return image.roi(6, 6, 28, 18); };
-  EXPECT_TRUE(same(inner(once), inner(twice)));
+  EXPECT_TRUE(equal(inner(once), inner(twice)));
   for (int y = 6; y < 24; ++y)
     for (int x = 6; x < 34; ++x) EXPECT_LE(once(x, y), src(x, y));
 }

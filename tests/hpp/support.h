@@ -13,7 +13,7 @@ namespace nuqi::test {
 
 /// Bytes over their whole range, floats from -100 to 100.
 template <class T, int Channels = 1>
-Image<T, Channels> random_image(std::int64_t width, std::int64_t height, unsigned seed) {
+Image<T, Channels> random_image(std::int64_t width, std::int64_t height, unsigned seed = 1) {
   std::minstd_rand random(seed);
   Image<T, Channels> image(width, height);
   for (std::int64_t y = 0; y < height; ++y) {
@@ -48,6 +48,13 @@ bool equal(const A& a, const B& b) {
     if (std::memcmp(first.row(y), second.row(y), static_cast<std::size_t>(first.row_bytes())) != 0)
       return false;
   return true;
+}
+
+/// A step and a size as C functions take them.
+inline std::int32_t step(std::ptrdiff_t bytes) { return static_cast<std::int32_t>(bytes); }
+template <class AnyImage>
+RoiSize roi_of(const AnyImage& image) {
+  return {static_cast<std::int32_t>(image.width()), static_cast<std::int32_t>(image.height())};
 }
 
 /// The status that a call throws, or StatusOk.

@@ -42,7 +42,7 @@ inline constexpr int kStrongest = 8160;
 ///     bound: to a where b < a * tan 22.5, to b where b >= a * tan 67.5. Between the bounds it goes to the
 ///     smaller one: (4 * b + 3) / (4 * a) is at most 1.75 for b <= a, a >= 1, which is below tan 67.5, and
 ///     the other way round 4 * b / (4 * a + 3) is above 1 for b > a. The two tests are those that
-///     nuqiCanny_16s8u_C1R makes. A derivative of 0 grows only where both are 0, or stays 0: signs stay, too.
+///     the C function makes. A derivative of 0 grows only where both are 0, or stays 0: signs stay, too.
 ///   - Nothing overflows: 4 * 4080 + 3 and 4 * 8160 + 3 = 32643 are below 32767, where strengths end.
 inline void break_ties(std::int16_t* dx, std::int16_t* dy, std::int64_t width,
                        std::int64_t y) noexcept {

@@ -6,7 +6,6 @@
 #include <nuqi/hpp/checks.hpp>
 #include <nuqi/hpp/derivatives.hpp>
 #include <nuqi/hpp/edge_strengths.hpp>
-#include <nuqi/hpp/overloads.hpp>
 #include <nuqi/hpp/scratch.hpp>
 
 #include <cstddef>
@@ -33,7 +32,7 @@ Plane<T> take_plane(unsigned char*& memory, std::int64_t width, std::int64_t hei
   return plane;
 }
 
-/// The bytes that nuqiCanny_16s8u_C1R works in, or 0 where the image is too large for it.
+/// The bytes that the C function works in, or 0 where the image is too large for it.
 inline std::size_t canny_bytes(RoiSize roi) noexcept {
   std::int32_t size = 0;
   return nuqiCannyGetSize(roi, &size) == StatusOk ? static_cast<std::size_t>(size) : 0;
@@ -121,18 +120,13 @@ DerivativesOfPicture derivatives_of(Plane<const T> src, EdgeOperator edge_operat
     taken = twice;
   }
   found.rest = memory;
-  const Part<const T> from = whole(taken);
-  const Part<std::int16_t> dx = whole(found.dx), dy = whole(found.dy);
-  const RoiSize roi = roi_of(taken);
-  if (edge_operator == EdgeOperator::sobel) {
-    found.outcome = find<T, 1>(kSobel3x3Dx)(from.data, from.step, dx.data, dx.step, roi);
-    if (found.outcome.failed()) return found;
-    found.outcome = find<T, 1>(kSobel3x3Dy)(from.data, from.step, dy.data, dy.step, 0, roi);
-  } else {
-    found.outcome = find<T, 1>(kScharrDx)(from.data, from.step, dx.data, dx.step, roi, 0);
-    if (found.outcome.failed()) return found;
-    found.outcome = find<T, 1>(kScharrDy)(from.data, from.step, dy.data, dy.step, 0, roi, 0);
-  }
+  const auto derive = [&](Derivative which, Plane<std::int16_t> to) {
+    return edge_operator == EdgeOperator::sobel
+               ? detail::sobel3x3(taken, which, to, RowOrder::top_down)
+               : detail::scharr(taken, which, to, 0, RowOrder::top_down);
+  };
+  found.outcome = derive(Derivative::dx, found.dx);
+  if (!found.outcome.failed()) found.outcome = derive(Derivative::dy, found.dy);
   return found;
 }
 
@@ -177,7 +171,7 @@ StrengthsOfPicture strengths_of(Plane<const T> src, EdgeOperator edge_operator,
 
 }  // namespace detail
 
-/// Canny's edges of a pair of derivative images, as nuqiCanny_16s8u_C1R finds them: 255 on edges, 0 elsewhere.
+/// Canny's edges of a pair of derivative images, as the C function finds them: 255 on edges, 0 elsewhere.
 /// dx, dy: int16_t; dst: uint8_t, all of one size, dst apart from both. Thresholds 0 <= low <= high are
 /// truncated. Neighbours across an edge that are equally strong suppress each other: see canny(). Throws Error.
 template <class Dx, class Dy, class Output>

@@ -105,7 +105,7 @@ class Element {
   /// Width and height.
   [[nodiscard]] RoiSize size() const noexcept { return size_; }
   [[nodiscard]] PixelPoint anchor() const noexcept { return anchor_; }
-  /// As nuqiMorphologyInitAlloc numbers them: 0 rectangle, 1 cross, 100 arbitrary.
+  /// As C functions number them: 0 rectangle, 1 cross, 100 arbitrary.
   [[nodiscard]] std::int32_t shape() const noexcept { return shape_; }
   /// Of an arbitrary element: row by row, not 0 inside. Else empty.
   [[nodiscard]] const std::vector<std::int32_t>& mask() const noexcept { return mask_; }

@@ -99,10 +99,11 @@ class StripFilter {
   static constexpr std::int32_t kTag = 16 * kDataType<T> + C;
 
   template <class Body>
-  static Outcome guarded(const Body& body) noexcept {
+  Outcome guarded(const Body& body) noexcept {
     try {
       return body();
     } catch (...) {
+      rows_.end();  // a strip may have been taken in part
       return kNoMemory;
     }
   }
