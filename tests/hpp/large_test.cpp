@@ -62,6 +62,9 @@ TEST(Large, StepsMayExceed31Bits) {
   EXPECT_EQ(found.min_at.x, 0);
   image(0, 0) = 22;
   EXPECT_EQ(nuqi::min_max(image, Mask(mask)).min_at.y, 1);
+  mask(0, 0) = 0;
+  EXPECT_EQ(nuqi::min_max(image, Mask(mask)).min, 21) << "a band without pixels has no 0";
+  mask(0, 0) = 1;
 
   nuqi::Image<std::uint8_t> dst(70, 3);
   nuqi::abs_diff(image, mask, dst);

@@ -116,7 +116,7 @@ template <class Call, class Output, class... Inputs>
 /// Runs an operation on single pixels: checks the views, calls call(RoiSize, Part of each input..., Part of out).
 template <class Call, class Output, class... Inputs>
 [[gnu::always_inline]] inline Outcome write_apart(Call call, Output out, Inputs... inputs) {
-  if (ready(out, inputs...) && (far_apart(out, inputs) && ...)) {
+  if (ready(out, inputs...) && (far_apart_alike(out, inputs) && ...)) {
     return call(roi_of(out), whole(inputs)..., whole(out));
   }
   return write_slowly(false, call, out, inputs...);
@@ -124,7 +124,7 @@ template <class Call, class Output, class... Inputs>
 /// The same where the output may be one of the inputs.
 template <class Call, class Output, class... Inputs>
 [[gnu::always_inline]] inline Outcome write_in_place(Call call, Output out, Inputs... inputs) {
-  if (ready(out, inputs...) && ((far_apart(out, inputs) || identical(out, inputs)) && ...)) {
+  if (ready(out, inputs...) && ((far_apart_alike(out, inputs) || identical(out, inputs)) && ...)) {
     return call(roi_of(out), whole(inputs)..., whole(out));
   }
   return write_slowly(true, call, out, inputs...);

@@ -144,6 +144,12 @@ template <class A, class B>
          end_of(b) <= reinterpret_cast<std::uintptr_t>(a.data());
 }
 
+/// The same of two views of one size, which spares half of the arithmetic.
+template <class A, class B>
+[[gnu::always_inline]] inline bool far_apart_alike(A a, B b) noexcept {
+  return far_apart(a, B(B::unchecked, b.data(), a.width(), a.height(), b.step()));
+}
+
 /// Whether two images, neither empty, share a byte.
 template <class A, class B>
 bool overlap(A a, B b) noexcept {

@@ -72,6 +72,16 @@ struct Moments {
   }
 };
 
+/// The same of one band, where products of its sums are exact in 64 bits.
+inline MeanStd small_moments(std::int64_t pixels, MeanStd found) noexcept {
+  const auto n = static_cast<double>(pixels);
+  const double variance = found.deviation > 0 ? found.deviation * found.deviation : 0;
+  const std::int64_t sum = rounded(found.mean * n);
+  const std::int64_t squares = rounded((variance + found.mean * found.mean) * n);
+  return {static_cast<double>(sum) / n,
+          std::sqrt(static_cast<double>(squares * pixels - sum * sum)) / n};
+}
+
 /// Means and squared distances of floats, combined over bands.
 struct FloatMoments {
   double count = 0;
@@ -100,7 +110,8 @@ inline MeanStd without_noise(MeanStd found) noexcept {
 
 /// Mean and deviation over the views: an image and, where there is one, its mask.
 template <class Image, class... MaskView>
-MeanStd moments(const char* name, int channel, Image image, MaskView... mask) {
+[[gnu::always_inline]] inline MeanStd moments(const char* name, int channel, Image image,
+                                              MaskView... mask) {
   constexpr bool kMasked = sizeof...(mask) > 0;
   constexpr bool kFloats = std::is_same_v<typename Image::element, float>;
   MeanStd found = {0, 0};
@@ -116,6 +127,12 @@ MeanStd moments(const char* name, int channel, Image image, MaskView... mask) {
     if (fits(image, mask...) && image.size() <= kPixelsOfFloats) {
       require(call(roi_of(image), whole(image), whole(mask)...), name, image, mask...);
       return without_noise(found);
+    }
+  }
+  if constexpr (!kFloats && !kMasked) {
+    if (fits(image) && image.size() <= kPixelsOfMoments) {
+      require(call(roi_of(image), whole(image)), name, image);
+      return small_moments(image.size(), found);
     }
   }
   std::conditional_t<kFloats, FloatMoments, Moments> all;
@@ -135,7 +152,8 @@ MeanStd moments(const char* name, int channel, Image image, MaskView... mask) {
 
 /// Where one call's sum does not wrap, C's masked mean is right as it is.
 template <class Image>
-double masked_mean(const char* name, int channel, Image image, View<const std::uint8_t> mask) {
+[[gnu::always_inline]] inline double masked_mean(const char* name, int channel, Image image,
+                                                 View<const std::uint8_t> mask) {
   constexpr bool kFloats = std::is_same_v<typename Image::element, float>;
   if constexpr (kHolds<typename Image::element, Image::channels(), decltype(kMeanMasked)>) {
     if (fits(image, mask) && image.size() <= (kFloats ? kPixelsOfFloats : kPixelsOfMoments)) {

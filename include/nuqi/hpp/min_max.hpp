@@ -53,27 +53,16 @@ bool first_is_zero(const T* pixel, MaskPart... mask) noexcept {
   return *pixel == T{0} && ((*mask.data != 0) && ...);
 }
 
-template <class Image, class... MaskView>
-MinMax<typename Image::element> min_max(int channel, Image image, MaskView... mask) {
+template <class Image, class Function, class... MaskView>
+[[gnu::noinline, gnu::cold]] MinMax<typename Image::element> min_max_of_bands(Function* function,
+                                                                              int channel,
+                                                                              Image image,
+                                                                              MaskView... mask) {
   using T = typename Image::element;
-  auto* const function = [] {
-    if constexpr (sizeof...(MaskView) > 0) {
-      return find<T, Image::channels()>(kMinMaxMasked);
-    } else {
-      return find<T, Image::channels()>(kMinMax);
-    }
-  }();
   FoundInBand band;
   const auto call = reading<Image::channels()>(function, channel, &band.min, &band.max,
                                                &band.min_at, &band.max_at);
   MinMax<T> all = {T{0}, T{0}, {0, 0}, {0, 0}};
-  if (fits(image, mask...)) {
-    require(call(roi_of(image), whole(image), whole(mask)...), "min_max", image, mask...);
-    return {static_cast<T>(band.min),
-            static_cast<T>(band.max),
-            {band.min_at.x, band.min_at.y},
-            {band.max_at.x, band.max_at.y}};
-  }
   bool found = false;
   // Bands come as the pixels are read, so that the first of equal ones stays.
   std::int64_t x = 0;
@@ -100,6 +89,28 @@ MinMax<typename Image::element> min_max(int channel, Image image, MaskView... ma
   };
   require(in_bands(kUnlimited, add, image, mask...), "min_max", image, mask...);
   return all;
+}
+
+template <class Image, class... MaskView>
+[[gnu::always_inline]] inline MinMax<typename Image::element> min_max(int channel, Image image,
+                                                                      MaskView... mask) {
+  using T = typename Image::element;
+  auto* const function = [] {
+    if constexpr (sizeof...(MaskView) > 0) {
+      return find<T, Image::channels()>(kMinMaxMasked);
+    } else {
+      return find<T, Image::channels()>(kMinMax);
+    }
+  }();
+  if (!fits(image, mask...)) return min_max_of_bands(function, channel, image, mask...);
+  FoundInBand found;
+  const auto call = reading<Image::channels()>(function, channel, &found.min, &found.max,
+                                               &found.min_at, &found.max_at);
+  require(call(roi_of(image), whole(image), whole(mask)...), "min_max", image, mask...);
+  return {static_cast<T>(found.min),
+          static_cast<T>(found.max),
+          {found.min_at.x, found.min_at.y},
+          {found.max_at.x, found.max_at.y}};
 }
 
 }  // namespace detail

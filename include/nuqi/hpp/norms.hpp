@@ -141,7 +141,8 @@ template <class Measure, bool kMasked, class Function, class First, class... Oth
 
 /// By one call where that is right, else band by band.
 template <class Measure, bool kMasked, class Function, class First, class... Others>
-double norm(const char* name, Function* function, int channel, First first, Others... others) {
+[[gnu::always_inline]] inline double norm(const char* name, Function* function, int channel,
+                                          First first, Others... others) {
   if (fits(first, others...) &&
       first.size() <= kPixelsOfNorm<Measure, typename First::element, kMasked>) {
     double value = 0;
@@ -154,7 +155,8 @@ double norm(const char* name, Function* function, int channel, First first, Othe
 }
 
 template <class Measure, bool kMasked, class First, class... Mask>
-double norm_rel(const char* name, int channel, First a, First b, Mask... mask) {
+[[gnu::always_inline]] inline double norm_rel(const char* name, int channel, First a, First b,
+                                              Mask... mask) {
   auto* const function = find<typename First::element, First::channels()>(Measure::kRel);
   if (fits(a, b, mask...) && a.size() <= kPixelsOfNorm<Measure, typename First::element, kMasked>) {
     return norm<Measure, kMasked>(name, function, channel, a, b, mask...);
@@ -170,14 +172,16 @@ double norm_rel(const char* name, int channel, First a, First b, Mask... mask) {
 /// Checks, then value(channel, views of the images..., mask, if any). Where is_zero(result), it may be that of an empty
 /// mask, and the mask is looked at.
 template <class Value, class IsZero, class Src, class... Arguments>
-auto read_one(const char* name, Value value, IsZero is_zero, const Src& src,
-              const Arguments&... selection) {
+[[gnu::always_inline]] inline auto read_one(const char* name, Value value, IsZero is_zero,
+                                            const Src& src, const Arguments&... selection) {
   expect_selection<kChannelsOf<const Src>, Arguments...>();
   const auto image = as_input(src);
   const int channel = channel_of(selection...);
   if constexpr (Selection<Arguments...>::kMasked) {
     const auto mask = mask_of(selection...);
-    require(check_reading(channel, image, mask), name, src, selection...);
+    if (!ready(image, mask) || check_channel(channel, image.channels()).failed()) {
+      require(check_reading(channel, image, mask), name, src, selection...);
+    }
     const auto result = value(channel, image, mask);
     if (is_zero(result) && count_of(mask) == 0) refuse(kNothingSelected, name, src, selection...);
     return result;
@@ -187,8 +191,8 @@ auto read_one(const char* name, Value value, IsZero is_zero, const Src& src,
   }
 }
 template <class Value, class A, class B, class... Arguments>
-double read_two(const char* name, Value value, const A& a, const B& b,
-                const Arguments&... selection) {
+[[gnu::always_inline]] inline double read_two(const char* name, Value value, const A& a, const B& b,
+                                              const Arguments&... selection) {
   expect_alike<const A, const B>();
   expect_selection<kChannelsOf<const A>, Arguments...>();
   const auto first = as_input(a);
@@ -207,7 +211,8 @@ double read_two(const char* name, Value value, const A& a, const B& b,
 }
 
 template <class Measure, class Src, class... Arguments>
-double norm_of(const char* name, const Src& src, const Arguments&... selection) {
+[[gnu::always_inline]] inline double norm_of(const char* name, const Src& src,
+                                             const Arguments&... selection) {
   auto* const function = find_for<Src>(Measure::kNorm);
   const auto value = [=](int channel, auto image, auto... mask) {
     return norm<Measure, (sizeof...(mask) > 0)>(name, function, channel, image, mask...);
@@ -216,7 +221,8 @@ double norm_of(const char* name, const Src& src, const Arguments&... selection) 
       name, value, [](double result) { return result == 0; }, src, selection...);
 }
 template <class Measure, class A, class B, class... Arguments>
-double norm_diff_of(const char* name, const A& a, const B& b, const Arguments&... selection) {
+[[gnu::always_inline]] inline double norm_diff_of(const char* name, const A& a, const B& b,
+                                                  const Arguments&... selection) {
   auto* const function = find_for<A>(Measure::kDiff);
   const auto value = [=](int channel, auto x, auto y, auto... mask) {
     return norm<Measure, (sizeof...(mask) > 0)>(name, function, channel, x, y, mask...);
@@ -224,7 +230,8 @@ double norm_diff_of(const char* name, const A& a, const B& b, const Arguments&..
   return read_two(name, value, a, b, selection...);
 }
 template <class Measure, class A, class B, class... Arguments>
-double norm_rel_of(const char* name, const A& a, const B& b, const Arguments&... selection) {
+[[gnu::always_inline]] inline double norm_rel_of(const char* name, const A& a, const B& b,
+                                                 const Arguments&... selection) {
   const auto value = [=](int channel, auto x, auto y, auto... mask) {
     return norm_rel<Measure, (sizeof...(mask) > 0)>(name, channel, x, y, mask...);
   };
