@@ -65,11 +65,11 @@ std::string shown_size(const Scene& scene) {
 }
 
 void make_tour(const Options& options) {
+  const Scene scene = options.picture.empty() ? built_in_scene() : scene_of_file(options.picture);
   // A folder that cannot be written shows before the work.
   const std::filesystem::path folder = options.out, path = folder / "index.html";
   make_folder((folder / "pictures").string());
   OutputFile file(path.string());
-  const Scene scene = options.picture.empty() ? built_in_scene() : scene_of_file(options.picture);
   std::vector<Section> sections;
   {
     Progress progress("families", int(std::size(kFamilies)));
