@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that a purpose needs and this machine lacks: tour, test, bench or ci.
+# Installs the Debian packages that a purpose needs and this machine lacks: tour, test, bench, python,
+# python-bench (what the package is compared with, and what draws its gallery) or ci.
 # Removes nothing, except for `ci`: its cross compilers and gcc-multilib exclude each other.
 set -euo pipefail
 
@@ -7,16 +8,21 @@ library=(cmake g++ make)
 tools=(libcli11-dev libpng-dev libjpeg-dev)
 tests=(libgtest-dev libeigen3-dev)
 bench=(libbenchmark-dev clang)
+python=(python3-dev pybind11-dev python3-numpy python3-setuptools python3-wheel python3-pip python3-venv)
+python_tests=(python3-pytest python3-hypothesis python3-numpydoc mypy)
+python_bench=(python3-pytest-benchmark python3-skimage python3-scipy python3-pil python3-matplotlib)
 ci=("${bench[@]}" clang-format clang-tidy libclang-rt-14-dev googletest pkg-config
     g++-i686-linux-gnu g++-aarch64-linux-gnu qemu-user-static binutils)
 
 guard=(--no-remove)
 case "${1:-}" in
   tour) wanted=("${library[@]}" "${tools[@]}") ;;
-  test) wanted=("${library[@]}" "${tools[@]}" "${tests[@]}") ;;
+  test) wanted=("${library[@]}" "${tools[@]}" "${tests[@]}" "${python[@]}" "${python_tests[@]}") ;;
   bench) wanted=("${library[@]}" "${bench[@]}") ;;
-  ci) wanted=("${library[@]}" "${tools[@]}" "${tests[@]}" "${ci[@]}") guard=() ;;
-  *) echo "usage: $0 tour|test|bench|ci" >&2; exit 2 ;;
+  python) wanted=("${library[@]}" "${python[@]}" "${python_tests[@]}") ;;
+  python-bench) wanted=("${library[@]}" "${python[@]}" "${python_bench[@]}") ;;
+  ci) wanted=("${library[@]}" "${tools[@]}" "${tests[@]}" "${ci[@]}" "${python[@]}" "${python_tests[@]}") guard=() ;;
+  *) echo "usage: $0 tour|test|bench|python|python-bench|ci" >&2; exit 2 ;;
 esac
 
 missing=()

@@ -59,6 +59,22 @@ BinaryPicture column(RoiSize roi) {
   return picture;
 }
 
+// Teeth far apart that hang from the first row.
+BinaryPicture fringe(RoiSize roi) {
+  BinaryPicture picture(roi, 1);
+  for (int y = 1; y < roi.height; ++y)
+    for (int x = 0; x < roi.width; ++x) picture.at(x, y) = x % 64 == 0;
+  return picture;
+}
+
+// Steps of two pixels down a diagonal.
+BinaryPicture stairs(RoiSize roi) {
+  BinaryPicture picture(roi, 0);
+  for (int y = 0; y < roi.height; ++y)
+    for (int x : {y, y + 1}) picture.at(x % roi.width, y) = 1;
+  return picture;
+}
+
 BinaryPicture spot(RoiSize roi) {
   BinaryPicture picture(roi, 0);
   for (int i = 0; i < 10; ++i) picture.at(i % 4, i / 4) = 1;
@@ -75,30 +91,41 @@ T shading(int x, int y, test::Random& random) {
 struct Scene {
   const char* name;
   BinaryPicture (*make)(RoiSize);  // null: shading
-  bool large = false;              // 24 megapixels, whatever the size that is asked for
+  RoiSize of = {0, 0};             // the image's own width and height, where they are not 0
+  bool gradient = false;           // for these fills, too
 };
+constexpr RoiSize kLarge = {6000, 4000};
+RoiSize size_of(const Scene& scene, RoiSize asked) {
+  return {scene.of.width ? scene.of.width : asked.width,
+          scene.of.height ? scene.of.height : asked.height};
+}
 constexpr Scene kScenes[] = {
     {"full", [](RoiSize roi) { return BinaryPicture(roi, 1); }},
     {"islands", islands},
     {"text", text},
     {"noise .6", noise<60>},
     {"noise .75", noise<75>},
-    {"maze", test::maze},
+    {"maze", test::maze, {0, 0}, true},
     {"spiral", test::spiral},
     {"comb", test::comb},
     {"checkerboard", test::checkerboard},
-    {"column of 1", column<1>},
+    {"legs", test::legs},
+    {"fringe", fringe},
+    {"stairs", stairs},
+    {"column of 1", column<1>, {0, 0}, true},
     {"column of 3", column<3>},
     {"spot of 10", spot},
-    {"spot of 10 of 24 million", spot, true},
+    {"spot of 10 of 24 million", spot, kLarge},
+    {"full, 5 wide", [](RoiSize roi) { return BinaryPicture(roi, 1); }, {5, 0}, true},
+    {"maze, 5 wide", test::maze, {5, 0}},
+    {"full, 16 wide", [](RoiSize roi) { return BinaryPicture(roi, 1); }, {16, 0}},
 };
 constexpr Scene kShading = {"shading", nullptr};
-constexpr RoiSize kLarge = {6000, 4000};
 
 // A picture, a copy of it, and a buffer.
 template <class T>
 struct Canvas {
-  Canvas(const Scene& scene, RoiSize roi)
+  Canvas(const Scene& scene, RoiSize roi, int contrast)
       : roi(roi),
         image(static_cast<size_t>(roi.width) * roi.height),
         original(static_cast<size_t>(roi.width) * roi.height) {
@@ -112,7 +139,7 @@ struct Canvas {
     for (int y = 0; y < roi.height; ++y)
       for (int x = 0; x < roi.width; ++x, ++i)
         original.get()[i] =
-            scene.make ? static_cast<T>(picture.pixels[i]) : shading<T>(x, y, random);
+            scene.make ? static_cast<T>(picture.pixels[i] * contrast) : shading<T>(x, y, random);
     std::copy(original.get(), original.get() + i, image.get());
   }
 
@@ -126,9 +153,9 @@ struct Canvas {
 template <class T>
 Canvas<T>& canvas(const test::FillMember<T>& member, const Scene& scene, RoiSize size) {
   static std::map<std::string, std::unique_ptr<Canvas<T>>> made;
-  const RoiSize roi = scene.large ? kLarge : size;
-  auto& entry = made[member.name + std::string(scene.name) + std::to_string(roi.width)];
-  if (!entry) entry = std::make_unique<Canvas<T>>(scene, roi);
+  const RoiSize roi = size_of(scene, size);
+  auto& entry = made[member.name + std::string(scene.name) + std::to_string(size.width)];
+  if (!entry) entry = std::make_unique<Canvas<T>>(scene, roi, member.gradient ? 100 : 1);
   return *entry;
 }
 
@@ -167,7 +194,7 @@ void register_fill(const test::FillMember<T>& member, const Scene& scene, int lo
   if (lower != upper) name += ", unequal deltas";
   name += ")";
   for (RoiSize roi : kSizes) {
-    if (roi.width < 64 || (scene.large && roi.width != 640)) continue;
+    if (roi.width < 64 || (scene.of.height != 0 && roi.width != 640)) continue;
     register_limit<Streams<sizeof(T)>, Streams<>, Streams<sizeof(T)>>(name, roi);
     register_function(name, roi, run(member, scene, lower, upper, member.call));
     const auto plain = [&](const char* compiler, auto fill) {
@@ -188,6 +215,8 @@ void register_fills() {
     if (member.gradient) {
       register_fill(member, kShading, 2, 2);
       register_fill(member, kShading, 2, 3);
+      for (const Scene& scene : kScenes)
+        if (scene.gradient) register_fill(member, scene, 2, 2);
     } else {
       for (const Scene& scene : kScenes) register_fill(member, scene, 0, 0);
     }

@@ -55,8 +55,13 @@ NUQI_INLINE void paint(float* at, uint64_t pixels, float value, Part part) {
   uint8_t masks[kFillWordPixels];
   store(masks, bytes_of_bits(pixels));
   for (int i = 0; i < kFillWordPixels; i += 16) {
-    if ((pixels >> i & 0xFFFF) == 0) continue;  // nor are there lanes where the part ends before
+    const uint64_t some = pixels >> i & 0xFFFF;
+    if (some == 0) continue;  // nor are there lanes where the part ends before
     const auto here = part_from<16>(part, i);
+    if (some == 0xFFFF) {
+      store(at + i, broadcast(value));
+      continue;
+    }
     store(at + i, choose(load(masks + i), broadcast(value), load(at + i, here)), here);
   }
 }

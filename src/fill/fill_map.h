@@ -172,6 +172,7 @@ class WordField {
       return kNoSpan;
     }
     extent_.add_span(y, span.left, span.right);
+    turns_ += span.right - span.left + 1;
     close(span);
     return span;
   }
@@ -198,6 +199,8 @@ class WordField {
   // Where a region begins that is not thin; y is negative without one.
   NUQI_INLINE FillPlace wide() const { return wide_; }
   NUQI_INLINE const Extent& extent() const { return extent_; }
+  // Pixels that were not taken straight on.
+  NUQI_INLINE int32_t turns() const { return turns_; }
 
  private:
   static constexpr int32_t kLongestSpan = 16;
@@ -240,6 +243,7 @@ class WordField {
   FillWord* const words_;
   Extent extent_;
   FillPlace wide_ = {-1, 0};
+  int32_t turns_ = 0;
 };
 
 // Walks from a pixel that has been reached. The word in which the region is no longer thin, one of whose
@@ -249,8 +253,8 @@ NUQI_NOINLINE FillPlace walk_from(const Rule& rule, const FillJob<T>& job, FillS
                                   PixelPoint from) {
   WordField<Rule, T> field(rule, job, state);
   walk<diagonal>(field, field.take(from.x, from.y));
-  const int64_t walked = field.extent().area - state.extent.area;
-  const int32_t credit = state.credit + int32_t(walked / 8);
+  // What winds in a narrow space is more for words of a local rule, which are compared but once.
+  const int32_t credit = state.credit + (Rule::kLocal ? field.turns() : field.turns() / 8);
   state.credit = credit < 8 * Rule::kEffort ? credit : 8 * Rule::kEffort;
   state.extent = field.extent();
   return field.wide();

@@ -11,7 +11,7 @@ template <class T>
 class Equality {
  public:
   static constexpr bool kLocal = true;
-  static constexpr int kEffort = 1 + kFillWordPixels * sizeof(T) / kRegBytes / 2;
+  static constexpr int kEffort = 2 + kFillWordPixels * sizeof(T) / kRegBytes / 2;
 
   NUQI_INLINE explicit Equality(const FillJob<T>& job)
       : image_(job.image),
@@ -40,7 +40,7 @@ class Equality {
     const auto a = load<kFillWordPixels>(pixels, part);
     const auto seed = broadcast<T, kFillWordPixels>(seed_);
     if constexpr (sizeof(T) == 1) return bits_equal(a, seed);
-    return ~(bits_below(a, seed) | bits_below(seed, a));
+    return ~bits_apart(a, seed);
   }
 
   Image<T> image_;

@@ -200,7 +200,7 @@ class Search {
   }
 
   // From words of a row that have been visited, through the rows above or below as long as many of their
-  // words are reached. The rows on the other side are left to the queue.
+  // words are reached and words pay. The rows on the other side are left waiting.
   NUQI_INLINE void sweep(int32_t y, int32_t first, int32_t last) {
     int dy = -1;
     for (bool started = false;;) {
@@ -213,7 +213,7 @@ class Search {
       if (has_row(y - dy)) next_row(y, first, last, -dy);
       if (reached.count == 0) return;
       y += dy, first = reached.first, last = reached.last;
-      if (last - first > 4 * reached.count) break;
+      if (last - first > 4 * reached.count || state_.credit < 0) break;
       take_range(y, first, last);
     }
     for (int32_t k = first; k <= last; ++k)

@@ -109,6 +109,15 @@ TEST_P(FloodFill, WideRegions) {
   });
 }
 
+// The seed is the only pixel of its word, and is reached again from a wide row.
+TEST_P(FloodFill, SeedAloneInItsWord) {
+  for_each_flood_fill([&]<class T>(const FillMember<T>& member) {
+    const auto painter = [](int x, int y) { return static_cast<T>(y > 0 || x == 64 ? 200 : 7); };
+    FillFixture<T> fixture(member, Case{{65, 3}}, painter);
+    fixture.expect_agreement({64, 0}, 99, 5, 3);
+  });
+}
+
 // All binary pictures of 4x4 pixels, alone and around the border of two words of 64 pixels.
 TEST_P(FloodFill, EveryPictureOf4x4) {
   for_each_flood_fill([&]<class T>(const FillMember<T>& member) {

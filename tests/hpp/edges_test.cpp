@@ -242,7 +242,8 @@ TEST(Canny, ThresholdsComeFromThePicture) {
         }
       return count;
     };
-    const nuqi::CannyThresholds found = nuqi::canny_thresholds(src, of, scratch);
+    const nuqi::CannyThresholds found = nuqi::canny_thresholds(src, of, 0.1, scratch);
+    EXPECT_EQ(nuqi::canny_thresholds(src, of, 0.5, scratch).low, 0);
     EXPECT_GE(10 * above(found.high), above(0));
     EXPECT_LT(10 * above(found.high + 1), above(0));
     EXPECT_GE(4 * above(found.low), above(0));

@@ -14,6 +14,7 @@
 #include "pictures/file.h"
 #include "pictures/template_match.h"
 #include "progress.h"
+#include "report.h"
 
 namespace tools {
 namespace {
@@ -88,6 +89,7 @@ Picture one_above_other(const Picture& above, const Picture& below) {
 
 void find_template(const Options& options) {
   check_ending(options.out);
+  check_outputs_differ({options.out, options.csv});
   const Measure& measure = measure_named(options.measure);
   const Picture picture = read_picture(options.in);
   const Plane<uint8_t> tpl = grey_of(read_picture(options.tpl));
@@ -105,10 +107,10 @@ void find_template(const Options& options) {
                                         in_middle_of(picture.size, colours(scores), tpl.size));
   write_picture(options.out, with_scale(sheet, scale, colours));
   if (!options.csv.empty()) write_csv(options.csv, places);
-  std::printf("%s: %s in %s, %zu place%s, the best at %d,%d with %s %.6g, %.2f ms with %s\n",
-              options.out.c_str(), size_text(tpl.size).c_str(), size_text(picture.size).c_str(),
-              places.size(), places.size() == 1 ? "" : "s", places[0].x, places[0].y, measure.name,
-              double(places[0].value), 1e3 * seconds, nuqi::name_of(nuqi::isa()));
+  report("%s: %s in %s, %zu place%s, the best at %d,%d with %s %.6g, %.2f ms with %s\n",
+         options.out.c_str(), size_text(tpl.size).c_str(), size_text(picture.size).c_str(),
+         places.size(), places.size() == 1 ? "" : "s", places[0].x, places[0].y, measure.name,
+         double(places[0].value), 1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

@@ -89,6 +89,7 @@ Plane<uint8_t> with_two_rows(Plane<uint8_t> plane);
 
 using Bytes = std::vector<uint8_t>;
 Bytes encode_png(const Picture& picture, const std::string& name);
+Bytes encode_jpeg(const Picture& picture, const std::string& name);
 
 // Both throw UserError: where rows are too long for any command, and where a whole picture is larger than every
 // command can take.

@@ -54,6 +54,16 @@ struct Memory {
   size_t length = 0;
 };
 
+template <class Writer>
+Bytes encoded(const Picture& picture, const Writer& writer_to) {
+  Memory memory;
+  File file(open_memstream(&memory.bytes, &memory.length));
+  if (!file) throw std::bad_alloc();
+  write_rows(*writer_to(file.get()), picture);
+  file.reset();
+  return Bytes(memory.bytes, memory.bytes + memory.length);
+}
+
 }  // namespace
 
 bool ends_with(const std::string& path, const std::string& ending) {
@@ -84,12 +94,15 @@ void write_picture(const std::string& path, const Picture& picture) {
 }
 
 Bytes encode_png(const Picture& picture, const std::string& name) {
-  Memory memory;
-  File file(open_memstream(&memory.bytes, &memory.length));
-  if (!file) throw std::bad_alloc();
-  write_rows(*write_png(file.get(), name, picture.size, picture.channels), picture);
-  file.reset();
-  return Bytes(memory.bytes, memory.bytes + memory.length);
+  return encoded(picture, [&](std::FILE* file) {
+    return write_png(file, name, picture.size, picture.channels);
+  });
+}
+
+Bytes encode_jpeg(const Picture& picture, const std::string& name) {
+  return encoded(picture, [&](std::FILE* file) {
+    return write_jpeg(file, name, picture.size, picture.channels);
+  });
 }
 
 }  // namespace tools

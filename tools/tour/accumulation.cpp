@@ -3,6 +3,7 @@
 
 #include "tour/colours.h"
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -13,6 +14,20 @@ constexpr char kText[] =
     "Running sums over 24 frames of a still camera: the picture, two balls that cross it in "
     "opposite directions, and fresh noise in each frame. Sums, sums of squares and weighted sums "
     "are what models of a background are made of. Each call adds one frame.";
+
+const std::vector<Declaration> kDeclarations = {
+    {"frame", "static uint8_t frame[height * width];  /* the next one */"},
+    {"last", "static uint8_t last[height * width];  /* the one before */"},
+    {"mask", "static uint8_t mask[height * width];  /* not 0: taken */"},
+    {"step", "int32_t step = width;"},
+    {"sum", "static float sum[height * width];  /* keeps its sums from call to call */"},
+    {"squares", "static float squares[height * width];"},
+    {"products", "static float products[height * width];"},
+    {"masked", "static float masked[height * width];"},
+    {"trail", "static float trail[height * width];  /* at first the first frame */"},
+    {"window", "static float window[height * width];  /* at first the first frame */"},
+    {"acc_step", "int32_t acc_step = 4 * width;"},
+};
 
 // The times of one call over the frames, and its text.
 struct Timeline {
@@ -35,10 +50,11 @@ struct Sums {
         product_sum(size),
         masked_sum(size),
         trail(size),
-        window(size) {}
+        window(size),
+        plain_sum(size) {}
 
-  Plane<float> sum, square_sum, product_sum, masked_sum, trail, window;
-  Timeline add, add_square, add_product, add_masked, add_weighted, add_window;
+  Plane<float> sum, square_sum, product_sum, masked_sum, trail, window, plain_sum;
+  Timeline add, add_square, add_product, add_masked, add_weighted, add_window, plain;
 };
 
 void add_frame(Sums& sums, const Plane<uint8_t>& now, const Plane<uint8_t>& previous,
@@ -50,6 +66,7 @@ void add_frame(Sums& sums, const Plane<uint8_t>& now, const Plane<uint8_t>& prev
   float *products = sums.product_sum.data(), *masked = sums.masked_sum.data();
   float *trail = sums.trail.data(), *window = sums.window.data();
   NUQI_ON_FRAME(sums.add, nuqiAdd_8u32f_C1IR(frame, step, sum, acc_step, roi));
+  sums.plain.seconds.push_back(seconds_of([&] { plain::add(now, sums.plain_sum); }));
   NUQI_ON_FRAME(sums.add_square, nuqiAddSquare_8u32f_C1IR(frame, step, squares, acc_step, roi));
   NUQI_ON_FRAME(sums.add_product,
                 nuqiAddProduct_8u32f_C1IR(frame, step, last, step, products, acc_step, roi));
@@ -92,7 +109,10 @@ void add_after(Section& section, const Sums& sums) {
                      picture_of(mean_of(sums.sum)));
   after.back()
       .note("The sum of the frames, divided by 24. What moves fades and the noise averages out.")
-      .with(sums.add.call());
+      .with(sums.add.call())
+      .calls.back()
+      .plain_seconds = median_of(sums.plain.seconds);
+  plain::require_same(sums.plain_sum.values, sums.sum.values, "nuqiAdd_8u32f_C1IR");
 
   const Plane<float> variance = beyond_mean_square(sums.square_sum, sums.sum);
   const double range = usual_range(variance);
@@ -140,7 +160,7 @@ void add_after(Section& section, const Sums& sums) {
 }  // namespace
 
 Section accumulation_section(const Scene& scene) {
-  Section section{"accumulation", "Accumulation", kText, {}, {}};
+  Section section{"accumulation", "Accumulation", kText, {}, {}, {}, kDeclarations};
   const Plane<uint8_t> mask = ellipse_mask(scene.grey.size);
   Sums sums(scene.grey.size);
   Plane<uint8_t> previous = frame_of(scene, kFrames - 1, kFrames);

@@ -10,6 +10,27 @@ constexpr char kText[] =
     "strongest across an edge stays. An edge starts where the strength is above "
     "<code>high</code> and goes on while it is above <code>low</code>.";
 
+const std::vector<std::string> kCautions = {
+    "Of two neighbours of equal strength across an edge both are dropped: the outline between two "
+    "flat colours, as of a white square on black, vanishes. Break the ties: multiply the "
+    "derivatives by four, move the larger one <code>x % 2 + 2 * (y % 2)</code> further from zero, "
+    "and take four times the thresholds plus three: exactly the same strengths pass. <code>nuqi "
+    "edges</code> does so.",
+};
+
+const std::vector<Declaration> kDeclarations = {
+    {"src", "static uint8_t src[height * width];  /* grey levels */"},
+    {"src_step", "int32_t src_step = width;"},
+    {"dx", "static int16_t dx[height * width];\nint32_t dx_step = 2 * width;"},
+    {"dy", "static int16_t dy[height * width];\nint32_t dy_step = 2 * width;"},
+    {"dst", "static uint8_t dst[height * width];  /* 255 on edges, 0 elsewhere */"},
+    {"dst_step", "int32_t dst_step = width;"},
+    {"buffer",
+     "int32_t bytes = 0;\n"
+     "nuqiCannyGetSize(roi, &bytes);\n"
+     "void* buffer = malloc((size_t)bytes);"},
+};
+
 struct Gradient {
   Plane<int16_t> dx_plane, dy_plane;
   std::vector<Call> calls;
@@ -82,7 +103,7 @@ std::string code(const char* name, int value) {
 }  // namespace
 
 Section canny_section(const Scene& scene) {
-  Section section{"canny", "Canny edges", kText, {}, {}};
+  Section section{"canny", "Canny edges", kText, {}, {}, kCautions, kDeclarations};
   section.before.emplace_back("The picture in grey", "The picture in grey levels",
                               picture_of(scene.grey));
   const RoiSize roi = scene.grey.size;

@@ -17,6 +17,25 @@ constexpr char kText[] =
     "Grey levels run from 0 to 255: of floats in 0 to 1 the vectors would be zero nearly "
     "everywhere.";
 
+const std::vector<Declaration> kDeclarations = {
+    {"src", "static float src[height * width];  /* 0 to 255 */"},
+    {"dst", "static float dst[height * width];"},
+    {"src_step", "int32_t src_step = 4 * width;"},
+    {"dst_step", "int32_t dst_step = 4 * width;"},
+    {"buffer",
+     "int32_t bytes = 0;\n"
+     "nuqiMinEigenValGetSize(width, 3, 5, &bytes);\n"
+     "void* buffer = malloc((size_t)bytes);"},
+    {"levels", "static uint8_t levels[height * width];\nint32_t step = width;"},
+    {"vectors",
+     "static float vectors[height * width * 6];  /* two values, x, y and x, y of their vectors */\n"
+     "int32_t vectors_step = 24 * width;"},
+    {"room",
+     "int32_t bytes = 0;\n"
+     "nuqiEigenValsVecsGetSize(width, 3, 5, &bytes);\n"
+     "void* room = malloc((size_t)bytes);"},
+};
+
 constexpr Ink kAcross = {255, 170, 60}, kAlong = {90, 180, 255};
 constexpr int kCell = 16;  // pixels a side, with one pair of strokes
 
@@ -49,17 +68,17 @@ struct Vectors {
 
 Vectors vectors_of(const Plane<uint8_t>& grey) {
   const RoiSize roi = grey.size;
-  Vectors vectors{std::vector<float>(6 * grey.values.size()), {}};
-  const uint8_t* src = grey.data();
-  float* dst = vectors.values.data();
-  const int32_t src_step = grey.step(), dst_step = 24 * roi.width;
+  Vectors result{std::vector<float>(6 * grey.values.size()), {}};
+  const uint8_t* levels = grey.data();
+  float* vectors = result.values.data();
+  const int32_t step = grey.step(), vectors_step = 24 * roi.width;
   int32_t size = 0;
   require_ok(nuqiEigenValsVecsGetSize(roi.width, 3, 5, &size), "nuqiEigenValsVecsGetSize");
   std::vector<uint8_t> memory(static_cast<size_t>(size));
-  void* buffer = memory.data();
-  vectors.call =
-      NUQI_TIMED(nuqiEigenValsVecs_8u32f_C1R(src, src_step, dst, dst_step, roi, 3, 5, buffer));
-  return vectors;
+  void* room = memory.data();
+  result.call =
+      NUQI_TIMED(nuqiEigenValsVecs_8u32f_C1R(levels, step, vectors, vectors_step, roi, 3, 5, room));
+  return result;
 }
 
 // A line through a point, `length` pixels to either side.
@@ -98,7 +117,7 @@ Picture strokes_over(const Plane<uint8_t>& grey, const std::vector<float>& value
 }  // namespace
 
 Section corners_section(const Scene& scene) {
-  Section section{"corners", "Corners", kText, {}, {}};
+  Section section{"corners", "Corners", kText, {}, {}, {}, kDeclarations};
   section.before.emplace_back("The picture in grey", "The picture in grey levels",
                               picture_of(scene.grey));
   const Strength strength = strength_of(scene.grey);

@@ -18,6 +18,14 @@ constexpr char kText[] =
     "be "
     "4096.";
 
+const std::vector<Declaration> kDeclarations = {
+    {"edges", "static uint8_t edges[height * width];  /* 0 where distances start */"},
+    {"step", "int32_t step = width;"},
+    {"dst", "static float dst[height * width];"},
+    {"dst_step", "int32_t dst_step = 4 * width;"},
+    {"weights", "float weights[3];"},
+};
+
 // 0 on edges, 255 elsewhere.
 Plane<uint8_t> edge_map(const Plane<uint8_t>& grey) {
   const RoiSize roi = grey.size;
@@ -67,13 +75,16 @@ Measured measure(const Plane<uint8_t>& map, int32_t type) {
     measured.call =
         NUQI_TIMED(nuqiDistanceTransform_3x3_8u32f_C1R(edges, step, dst, dst_step, roi, weights));
   }
+  measured.call =
+      std::move(measured.call)
+          .made_by("nuqiGetDistanceTransformMask(" + std::to_string(type) + ", weights)");
   return measured;
 }
 
 }  // namespace
 
 Section distance_section(const Scene& scene) {
-  Section section{"distance", "Distance transforms", kText, {}, {}};
+  Section section{"distance", "Distance transforms", kText, {}, {}, {}, kDeclarations};
   const Plane<uint8_t> edges = edge_map(scene.grey);
   section.before.emplace_back("The edges", "Canny's edges, black on white", picture_of(edges));
   std::vector<Measured> all;

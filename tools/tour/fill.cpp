@@ -12,6 +12,16 @@ constexpr char kText[] =
     "The connected region of a pixel, painted in place: all pixels that equal it, or all that are "
     "reached from neighbour to neighbour in small steps, however far a gradual change leads.";
 
+const std::vector<Declaration> kDeclarations = {
+    {"image", "static uint8_t image[height * width];\nint32_t step = width;"},
+    {"seed", "PixelPoint seed = {width / 2, 0};"},
+    {"region", "FillRegion region;"},
+    {"buffer",
+     "int32_t bytes = 0;\n"
+     "nuqiFloodFillGetSize_Grad(roi, &bytes);\n"
+     "void* buffer = malloc((size_t)(uint32_t)bytes);"},
+};
+
 std::vector<uint8_t> buffer_for(RoiSize size) {
   int32_t bytes = 0;
   require_ok(nuqiFloodFillGetSize_Grad(size, &bytes), "nuqiFloodFillGetSize_Grad");
@@ -65,7 +75,7 @@ Figure regions_figure(const Scene& scene) {
 }  // namespace
 
 Section fill_section(const Scene& scene) {
-  Section section{"fills", "Flood fills", kText, {}, {}};
+  Section section{"fills", "Flood fills", kText, {}, {}, {}, kDeclarations};
   section.before.emplace_back("The picture in grey", "The picture in grey levels",
                               picture_of(scene.grey));
   section.after.push_back(gradient_figure(scene));

@@ -3,6 +3,7 @@
 
 #include "tour/colours.h"
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -27,6 +28,20 @@ FilterState state_of(const Make& make) {
   return FilterState(state);
 }
 
+const std::vector<std::string> kCautions = {
+    "Releasing a filter's state frees nothing: <code>nuqiConvolFree</code> ends its use and leaves "
+    "its memory until the program ends. Make one state for a width and an aperture, keep it, and "
+    "use it for all pictures.",
+};
+
+const std::vector<Declaration> kDeclarations = {
+    {"src", "static uint8_t src[height * width];  /* grey levels */"},
+    {"dst", "static int16_t dst[height * width];"},
+    {"src_step", "int32_t src_step = width;"},
+    {"dst_step", "int32_t dst_step = 2 * width;"},
+    {"state", "ConvolState* state = NULL;  /* keep it for all pictures of this width */"},
+};
+
 // What all figures of the section are made of.
 struct Bench {
   Section& section;
@@ -42,7 +57,12 @@ void add_blur(Bench& bench, int size) {
   const FilterState owner = state_of(
       [&](ConvolState** made) { return nuqiBlurInitAlloc(roi.width, kOfBytes, size, made); });
   ConvolState* state = owner.get();
-  Call call = NUQI_TIMED(nuqiBlur_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0));
+  const Plane<uint8_t> padded = plain::padded(bench.grey, size / 2);
+  Plane<int16_t> plain_sums(bench.grey.size);
+  Call call = NUQI_TIMED(nuqiBlur_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0))
+                  .made_by("nuqiBlurInitAlloc(width, 1, " + std::to_string(size) + ", &state)")
+                  .against([&] { plain::blur(padded, size, plain_sums); });
+  plain::require_same(plain_sums.values, bench.result.values, "nuqiBlur_8u16s_C1R");
   Plane<float> mean(bench.grey.size);
   for (size_t i = 0; i < mean.values.size(); ++i) {
     mean.values[i] = float(bench.result.values[i]) / float(size * size);
@@ -72,7 +92,9 @@ void add_sobel(Bench& bench, int size, int x_order, int y_order, const char* tit
     return nuqiSobelInitAlloc(roi.width, kOfBytes, size, 0, x_order, y_order, made);
   });
   ConvolState* state = owner.get();
-  Call call = NUQI_TIMED(nuqiSobel_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0));
+  Call call = NUQI_TIMED(nuqiSobel_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0))
+                  .made_by("nuqiSobelInitAlloc(width, 1, " + std::to_string(size) + ", 0, " +
+                           std::to_string(x_order) + ", " + std::to_string(y_order) + ", &state)");
   add_signed(bench, title, note, std::move(call));
 }
 
@@ -84,14 +106,15 @@ void add_laplace(Bench& bench, int size, const char* note) {
   const FilterState owner = state_of(
       [&](ConvolState** made) { return nuqiLaplaceInitAlloc(roi.width, kOfBytes, size, made); });
   ConvolState* state = owner.get();
-  Call call = NUQI_TIMED(nuqiLaplace_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0));
+  Call call = NUQI_TIMED(nuqiLaplace_8u16s_C1R(src, src_step, dst, dst_step, &roi, state, 0))
+                  .made_by("nuqiLaplaceInitAlloc(width, 1, " + std::to_string(size) + ", &state)");
   add_signed(bench, "Laplace, aperture " + std::to_string(size), note, std::move(call));
 }
 
 }  // namespace
 
 Section filters_section(const Scene& scene) {
-  Section section{"filters", "Blur, Sobel, Laplace", kText, {}, {}};
+  Section section{"filters", "Blur, Sobel, Laplace", kText, {}, {}, kCautions, kDeclarations};
   section.before.emplace_back("The picture in grey", "The picture in grey levels",
                               picture_of(scene.grey));
   Bench bench{section, scene.grey};

@@ -6,6 +6,7 @@
 #include "pictures/template_match.h"
 #include "tour/families.h"
 #include "tour/landscape.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -16,8 +17,6 @@ constexpr char kText[] =
     "the picture is bright. Less the means, and divided by the deviations, as "
     "<code>CoeffNormed</code> does it, brightness and contrast do not count.";
 
-// Of larger pictures the section shows the upper left part: the work grows with the piece, too.
-constexpr RoiSize kMost{1600, 1200};
 constexpr int32_t kMostPiece = 48;
 
 Plane<uint8_t> part_of(const Plane<uint8_t>& plane, PixelPoint at, RoiSize size) {
@@ -93,6 +92,11 @@ void add_scores(Section& section, const Plane<uint8_t>& grey, const Plane<uint8_
   for (const Measure& measure : kMeasures) {
     Plane<float> scores;
     Call call = timed_match(grey, piece, measure, scores);
+    if (measure.match == nuqiMatchTemplate_Corr_8u32f_C1R) {
+      Plane<float> sums(scores.size);
+      call = std::move(call).against([&] { plain::sum_of_products(grey, piece, sums); });
+      plain::require_same(sums.values, scores.values, measure.function);
+    }
     const Scale scale = score_scale(scores, measure);
     const Colouring colours = score_colours(measure, scale);
     const Peak best = best_places(scores, measure, piece.size, 1).front();
@@ -153,11 +157,23 @@ Plane<uint8_t> duller(Plane<uint8_t> grey) {
 
 Section match_section(const Scene& scene) {
   Section section{"match", "Template matching", kText, {}, {}};
-  const Plane<uint8_t> grey = part_of(scene.grey, {0, 0},
-                                      {std::min(scene.grey.size.width, kMost.width),
-                                       std::min(scene.grey.size.height, kMost.height)});
+  const Plane<uint8_t>& grey = scene.grey;
   const RoiSize size{std::clamp(grey.size.width / 8, 1, kMostPiece),
                      std::clamp(grey.size.height / 8, 1, kMostPiece)};
+  section.declarations = {
+      {"src", "static uint8_t src[height * width];  /* grey levels */\nint32_t step = width;"},
+      {"tpl_roi", "RoiSize tpl_roi = {" + std::to_string(size.width) + ", " +
+                      std::to_string(size.height) + "};"},
+      {"tpl", "static uint8_t tpl[" + std::to_string(size.width * size.height) + "];"},
+      {"tpl_step", "int32_t tpl_step = tpl_roi.width;"},
+      {"dst", "static float dst[height * width];  /* more than is written */"},
+      {"dst_step", "int32_t dst_step = 4 * (width - tpl_roi.width + 1);"},
+      {"buffer",
+       "int32_t bytes = 0;\n"
+       "nuqiMatchTemplateGetBufSize_CoeffNormed(roi, tpl_roi, 1, &bytes);  /* no less than others "
+       "*/\n"
+       "void* buffer = malloc((size_t)bytes);"},
+  };
   const PixelPoint place = piece_place(grey, size);
   const Plane<uint8_t> piece = part_of(grey, place, size);
   section.before.emplace_back("The picture in grey", "The picture with a box around the piece",

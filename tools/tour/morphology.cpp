@@ -3,6 +3,7 @@
 #include <nuqi/nuqi.hpp>
 
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -16,6 +17,43 @@ constexpr char kText[] =
 
 using nuqi::Element;
 using nuqi::Extremum;
+
+const std::vector<std::string> kCautions = {
+    "Releasing a state frees nothing: <code>nuqiMorphologyFree</code> ends its use and leaves its "
+    "memory until the program ends. Make one state for a width and an element, keep it, and use it "
+    "for all pictures.",
+};
+
+std::string mask_name(int32_t side) { return "ellipse" + std::to_string(side); }
+
+std::vector<Declaration> declarations() {
+  std::vector<Declaration> all = {
+      {"src", "static uint8_t src[height * width];\nint32_t src_step = width;"},
+      {"dst", "static uint8_t dst[height * width];\nint32_t dst_step = width;"},
+      {"state", "MorphState* state = NULL;  /* keep it for all pictures of this width */"},
+  };
+  for (const int32_t side : {7, 9}) {
+    std::string numbers;
+    const Element element = Element::ellipse(side, side);
+    for (const int32_t inside : element.mask())
+      numbers += (numbers.empty() ? "" : ", ") + std::to_string(inside);
+    all.push_back(
+        {mask_name(side), "static const int32_t " + mask_name(side) + "[] = {" + numbers + "};"});
+  }
+  return all;
+}
+
+// The call that makes an element's state.
+std::string making_of(const Element& element, int32_t shape) {
+  const auto pair = [](const char* type, int32_t a, int32_t b) {
+    return std::string("(") + type + "){" + std::to_string(a) + ", " + std::to_string(b) + "}, ";
+  };
+  const bool masked = !element.mask().empty();
+  return "nuqiMorphologyInitAlloc(width, 1, 1, " +
+         pair("RoiSize", element.size().width, element.size().height) +
+         pair("PixelPoint", element.anchor().x, element.anchor().y) + std::to_string(shape) + ", " +
+         (masked ? mask_name(element.size().width) : "NULL") + ", &state)";
+}
 
 struct Step {
   Plane<uint8_t> result;
@@ -53,15 +91,28 @@ Step apply_shape(Extremum extremum, const Element& element, int32_t shape,
   const std::string text =
       std::string(call.name) + "(src, src_step, dst, dst_step, &roi, state, 0)";
   step.call = timed_call(text.c_str(), [&] {
-    RoiSize roi = grey.size;
-    return call.function(grey.data(), grey.step(), step.result.data(), step.result.step(), &roi,
-                         state, 0);
-  });
+                RoiSize roi = grey.size;
+                return call.function(grey.data(), grey.step(), step.result.data(),
+                                     step.result.step(), &roi, state, 0);
+              }).made_by(making_of(element, shape));
   nuqiMorphologyFree(state);
   return step;
 }
 Step apply(Extremum extremum, const Element& element, const Plane<uint8_t>& grey) {
   return apply_shape(extremum, element, element.shape(), grey);
+}
+
+// The one step that is compared with a plain loop.
+Figure erosion(const std::string& title, const std::string& note, int32_t side,
+               const Plane<uint8_t>& grey) {
+  const Plane<uint8_t> padded = plain::padded(grey, side / 2);
+  Plane<uint8_t> least(grey.size);
+  Step step = apply(Extremum::least, Element::rectangle(side, side), grey);
+  step.call = std::move(step.call).against([&] { plain::erosion(padded, side, least); });
+  plain::require_same(least.values, step.result.values, "nuqiErodeStrip_Rect_8u_C1R");
+  Figure figure(title, "The picture after: " + title, picture_of(step.result));
+  figure.note(note).with(std::move(step.call));
+  return figure;
 }
 
 Figure one_step(const std::string& title, const std::string& note, Step step) {
@@ -149,14 +200,13 @@ Section morphology_section(const Scene& scene) {
   const Plane<uint8_t>& grey = scene.grey;
   Plane<uint8_t> edges(grey.size);
   nuqi::canny(grey, edges, 100, 200);
-  Section section{"morphology", "Erosion and dilation", kText, {}, {}};
+  Section section{"morphology", "Erosion and dilation", kText, {}, {}, kCautions, declarations()};
   section.before.emplace_back("The picture in grey", "The picture in grey levels",
                               picture_of(grey));
   section.before.emplace_back("Its edges", "The picture's edges, white on black", picture_of(edges),
                               Shrink::brightest);
   const auto add = [&](Figure figure) { section.after.push_back(std::move(figure)); };
-  add(one_step("Erosion, rectangle 9 × 9", "Dark spreads, in squares.",
-               apply(Extremum::least, Element::rectangle(9, 9), grey)));
+  add(erosion("Erosion, rectangle 9 × 9", "Dark spreads, in squares.", 9, grey));
   add(one_step("Dilation, rectangle 9 × 9", "Bright spreads.",
                apply(Extremum::greatest, Element::rectangle(9, 9), grey)));
   add(one_step("Erosion, cross 9 × 9", "Along the row and the column of each pixel.",

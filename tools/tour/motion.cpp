@@ -4,6 +4,7 @@
 #include "pictures/motion_picture.h"
 #include "tour/colours.h"
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -17,13 +18,31 @@ constexpr char kText[] =
     "history keeps when that was, and forgets it after 15 frames. Its gradient points where the "
     "motion goes.";
 
+const std::vector<Declaration> kDeclarations = {
+    {"src1", "static uint8_t src1[height * width], src2[height * width];  /* two frames */"},
+    {"dst", "static uint8_t dst[height * width];"},
+    {"silhouette", "static uint8_t silhouette[height * width];  /* not 0: moves */"},
+    {"step", "int32_t step = width;"},
+    {"history", "static float history[height * width];  /* kept from frame to frame */"},
+    {"history_step", "int32_t history_step = 4 * width;"},
+    {"now", "float now = 20, duration = 15;  /* in frames */"},
+    {"dx", "static float dx[height * width];"},
+    {"dy", "static float dy[height * width];"},
+    {"angle", "static float angle[height * width];  /* degrees */"},
+    {"count", "int32_t count = width * height;"},
+};
+
 void add_difference(Section& section, const Plane<uint8_t>& previous, const Plane<uint8_t>& now) {
   const RoiSize roi = now.size;
   Plane<uint8_t> difference(roi);
   const uint8_t *src1 = previous.data(), *src2 = now.data();
   uint8_t* dst = difference.data();
   const int32_t step = now.step();
-  Call call = NUQI_TIMED(nuqiAbsDiff_8u_C1R(src1, step, src2, step, dst, step, roi));
+  Plane<uint8_t> plain_difference(roi);
+  Call call = NUQI_TIMED(nuqiAbsDiff_8u_C1R(src1, step, src2, step, dst, step, roi)).against([&] {
+    plain::difference(previous, now, plain_difference);
+  });
+  plain::require_same(plain_difference.values, difference.values, "nuqiAbsDiff_8u_C1R");
   Plane<float> shown(roi);
   std::copy(difference.values.begin(), difference.values.end(), shown.values.begin());
   const double range = usual_range(shown);
@@ -84,9 +103,9 @@ void add_direction(Section& section, Motion& motion) {
   motion.dx = motion.dy = motion.angle = Plane<float>(roi);
   const float* history = motion.history.data();
   float *dx = motion.dx.data(), *dy = motion.dy.data(), *angle = motion.angle.data();
-  const int32_t step = motion.history.step();
-  Call across = NUQI_TIMED(nuqiSobel3x3_Dx_32f_C1R(history, step, dx, step, roi));
-  Call down = NUQI_TIMED(nuqiSobel3x3_Dy_32f_C1R(history, step, dy, step, 0, roi));
+  const int32_t history_step = motion.history.step();
+  Call across = NUQI_TIMED(nuqiSobel3x3_Dx_32f_C1R(history, history_step, dx, history_step, roi));
+  Call down = NUQI_TIMED(nuqiSobel3x3_Dy_32f_C1R(history, history_step, dy, history_step, 0, roi));
   keep_steps(motion.history, motion.dx, motion.dy);
   spread(motion.dx);
   spread(motion.dy);
@@ -95,7 +114,11 @@ void add_direction(Section& section, Motion& motion) {
   Call direction = NUQI_TIMED(nuqibFastArctan_32f(dy, dx, angle, count));
   Figure figure("Direction of motion", "The ways of the balls in the colours of their directions",
                 motion_picture(motion));
-  figure.note("The angle of the history's gradient, blurred where it is 0 between its steps.")
+  figure
+      .note(
+          "The angle of the history's gradient, blurred where it is 0 between its steps. "
+          "Red went to the right, yellow-green down, cyan to the left, violet up; the brighter, "
+          "the later; grey where no direction is known.")
       .with(direction_legend())
       .with(std::move(across))
       .with(std::move(down))
@@ -106,7 +129,7 @@ void add_direction(Section& section, Motion& motion) {
 }  // namespace
 
 Section motion_section(const Scene& scene) {
-  Section section{"motion", "Motion", kText, {}, {}};
+  Section section{"motion", "Motion", kText, {}, {}, {}, kDeclarations};
   const Plane<uint8_t> previous = frame_of(scene, kLast - 1, kFrames);
   Motion motion;
   motion.frame = frame_of(scene, kLast, kFrames);

@@ -1,77 +1,18 @@
-// The tour's page: what a family shows, and the self-contained HTML made of it.
+// The tour's page: what a family shows, and the HTML made of it.
 #include "tour/page.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 
+#include "tour/machine.h"
 #include "tour/style.h"
 
 namespace tools {
 namespace {
 
-constexpr int kMostRuns = 25;
-constexpr double kMostSeconds = 0.4;    // per call, for all runs
-constexpr int32_t kMostPixels = 800;    // along a side of a picture on the page
-constexpr int32_t kMagnifyBelow = 200;  // pixels of smaller pictures are shown as squares
-
-std::string escaped(const std::string& text) {
-  std::string html;
-  for (const char c : text) {
-    switch (c) {
-      case '&': html += "&amp;"; break;
-      case '<': html += "&lt;"; break;
-      case '>': html += "&gt;"; break;
-      case '"': html += "&quot;"; break;
-      default: html += c;
-    }
-  }
-  return html;
-}
-
-std::string base64(const Bytes& bytes) {
-  static constexpr char kDigits[] =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  text.reserve(bytes.size() * 4 / 3 + 4);
-  for (size_t i = 0; i < bytes.size(); i += 3) {
-    const size_t count = std::min<size_t>(3, bytes.size() - i);
-    uint32_t bits = uint32_t{bytes[i]} << 16;
-    if (count > 1) bits |= uint32_t{bytes[i + 1]} << 8;
-    if (count > 2) bits |= bytes[i + 2];
-    for (size_t digit = 0; digit < 4; ++digit) {
-      text += digit <= count ? kDigits[bits >> (18 - 6 * digit) & 63] : '=';
-    }
-  }
-  return text;
-}
-
-// Each pixel stands for a square of `factor` pixels, cut at the right and lower edges.
-Picture shrunk(const Picture& picture, Shrink how) {
-  const RoiSize from = picture.size;
-  const int32_t factor = (std::max(from.width, from.height) + kMostPixels - 1) / kMostPixels;
-  if (factor <= 1) return picture;
-  Picture small({(from.width + factor - 1) / factor, (from.height + factor - 1) / factor},
-                picture.channels);
-  const size_t channels = size_t(picture.channels);
-  uint8_t* out = small.pixels.data();
-  for (int32_t y = 0; y < from.height; y += factor) {
-    for (int32_t x = 0; x < from.width; x += factor) {
-      for (size_t c = 0; c < channels; ++c) {
-        uint32_t sum = 0, count = 0, brightest = 0;
-        for (int32_t v = y; v < std::min(y + factor, from.height); ++v) {
-          for (int32_t u = x; u < std::min(x + factor, from.width); ++u, ++count) {
-            const uint32_t value =
-                picture.pixels[(size_t(v) * size_t(from.width) + size_t(u)) * channels + c];
-            sum += value;
-            brightest = std::max(brightest, value);
-          }
-        }
-        *out++ = uint8_t(how == Shrink::mean ? (sum + count / 2) / count : brightest);
-      }
-    }
-  }
-  return small;
-}
+constexpr int kMostRuns = 15;
+constexpr double kMostSeconds = 0.1;  // per call, for all runs
 
 std::string formatted(const char* format, double value) {
   char text[64];
@@ -86,18 +27,33 @@ std::string time_text(double seconds) {
   return formatted(us < 1e5 ? "%.2f ms" : "%.0f ms", us / 1e3);
 }
 
-// The function's name stands out from its arguments.
-std::string code_html(const std::string& text) {
-  const size_t open = std::min(text.find('('), text.size());
-  return "<b>" + escaped(text.substr(0, open)) + "</b>" + escaped(text.substr(open));
+std::string factor_text(double factor) {
+  return formatted(factor < 100 ? "%.3g × as fast as" : "%.0f × as fast as", factor);
 }
 
-std::string call_html(const Call& call, RoiSize size, const std::string& isa) {
-  const double pixels = double(size.width) * double(size.height);
-  return "<div class=\"call\"><pre><code>" + code_html(call.text) + "</code></pre>\n<p><strong>" +
-         time_text(call.seconds) + "</strong> <span>median of " + std::to_string(call.runs) +
-         "</span> <span>" + formatted("%.3f", call.seconds * 1e9 / pixels) +
-         " ns/pixel</span> <span>" + isa + "</span></p></div>\n";
+// The functions' names stand out from their arguments.
+std::string code_html(const std::string& text) {
+  const size_t line = std::min(text.find('\n'), text.size());
+  const size_t open = std::min(text.find('('), line);
+  const std::string first =
+      "<b>" + escaped(text.substr(0, open)) + "</b>" + escaped(text.substr(open, line - open));
+  return line == text.size() ? first : first + "\n" + code_html(text.substr(line + 1));
+}
+
+std::string span_html(const std::string& text) { return " <span>" + text + "</span>"; }
+
+std::string call_html(const Call& call, const Figure& figure, const Section& section,
+                      const std::string& isa) {
+  const double pixels = double(figure.size.width) * double(figure.size.height);
+  std::string html = "<div class=\"call\"><pre><code>" + code_html(call.text) +
+                     "</code></pre>\n<p><strong>" + time_text(call.seconds) + "</strong>";
+  if (call.plain_seconds > 0)
+    html += span_html(factor_text(call.plain_seconds / call.seconds) + " a plain loop");
+  html += span_html("median of " + std::to_string(call.runs)) +
+          span_html(formatted("%.3f ns/pixel", call.seconds * 1e9 / pixels)) + span_html(isa);
+  return html + "</p>\n<details><summary>Whole program</summary><pre><code>" +
+         escaped(program_of(call.text, section.declarations, figure.size)) +
+         "</code></pre></details></div>\n";
 }
 
 std::string legend_html(const Legend& legend) {
@@ -106,50 +62,108 @@ std::string legend_html(const Legend& legend) {
          "</span><span>" + legend.high + "</span></p></div>\n";
 }
 
-std::string image_html(const Picture& shown, const std::string& alt) {
-  const RoiSize size = shown.size;
-  const bool magnify = std::max(size.width, size.height) < kMagnifyBelow;
-  return "<img src=\"data:image/png;base64," + base64(encode_png(shown, alt)) + "\" width=\"" +
-         std::to_string(size.width) + "\" height=\"" + std::to_string(size.height) + "\" alt=\"" +
-         escaped(alt) + "\"" + (magnify ? " class=\"magnified\"" : "") + ">\n";
-}
-
-std::string figure_html(const Figure& figure, const char* stage, const std::string& isa) {
-  std::string html = "<figure>\n" + image_html(figure.shown, figure.alt) +
-                     "<figcaption>\n<h3><small>" + stage + "</small> " + escaped(figure.title) +
-                     "</h3>\n";
-  if (!figure.caption.empty()) html += "<p>" + figure.caption + "</p>\n";
-  for (const Legend& legend : figure.legends) html += legend_html(legend);
-  for (const Call& call : figure.calls) html += call_html(call, figure.size, isa);
-  return html + "</figcaption>\n</figure>\n";
-}
-
-std::string section_html(const Section& section, const std::string& isa) {
-  std::string html = "<section id=\"" + section.id + "\">\n<h2>" + escaped(section.title) +
-                     "</h2>\n<p class=\"lead\">" + section.text +
-                     "</p>\n<div class=\"compare\">\n<div class=\"before\">\n";
-  for (const Figure& figure : section.before) html += figure_html(figure, "before", isa);
-  html += "</div>\n<div class=\"after\">\n";
-  for (const Figure& figure : section.after) html += figure_html(figure, "after", isa);
-  return html + "</div>\n</div>\n</section>\n";
-}
-
-std::string header_html(const PageFacts& facts, const std::vector<Section>& sections) {
+std::string header_html(const PageFacts& facts, const std::vector<Section>& sections,
+                        PagePictures& pictures) {
   const auto fact = [](const char* name, const std::string& value) {
     return std::string("<div><dt>") + name + "</dt><dd>" + escaped(value) + "</dd></div>\n";
   };
   std::string html =
       "<header>\n<div>\n<h1>nuqi <span>tour</span></h1>\n"
       "<p class=\"lead\">Computer-vision primitives at work on one picture: before beside after, "
-      "with the call that made each picture and the time it took.</p>\n<dl>\n" +
-      fact("Picture", facts.name) + fact("Size", size_text(facts.picture.size)) +
-      fact("Instruction set", facts.isa) + fact("Version", facts.version) + "</dl>\n</div>\n" +
-      image_html(shrunk(facts.picture, Shrink::mean), "The picture: " + facts.name) +
+      "with the call that made each picture, the time it took, and a program to paste. Pictures "
+      "open whole.</p>\n<dl>\n" +
+      fact("Picture", facts.name) + fact("Size", facts.size) + fact("Processor", processor_name()) +
+      fact("Instruction set", facts.isa) + fact("Compiler", compiler_name()) +
+      fact("Version", facts.version) + fact("Date", today()) + "</dl>\n</div>\n" +
+      pictures.html(facts.picture, "The picture: " + facts.name, "picture") +
       "</header>\n<nav aria-label=\"Contents\">\n<ul>\n";
   for (const Section& section : sections) {
     html += "<li><a href=\"#" + section.id + "\">" + escaped(section.title) + "</a></li>\n";
   }
   return html + "</ul>\n</nav>\n";
+}
+
+// One page in the making.
+class PageWriter {
+ public:
+  explicit PageWriter(const PageFacts& facts) : facts_(facts) {}
+
+  Page page_of(const std::vector<Section>& sections) {
+    pictures_.count(facts_.picture);
+    for (const Section& section : sections)
+      for (const auto* figures : {&section.before, &section.after})
+        for (const Figure& figure : *figures) pictures_.count(figure.shown);
+    std::string body = header_html(facts_, sections, pictures_) + "<main id=\"main\">\n";
+    for (const Section& section : sections) body += section_html(section);
+    return {head_html() + body + kFoot, pictures_.files()};
+  }
+
+ private:
+  static constexpr char kFoot[] =
+      "</main>\n<footer><p>Times are medians of processor time on the machine that made this page, "
+      "for whole "
+      "pictures; a plain loop is one as anybody would write it, in C++, made by the same compiler "
+      "as this program and with the same options, which computes the same numbers. A call on one "
+      "instruction set gives the same bits as on any other.</p></footer>\n</body>\n</html>\n";
+
+  std::string head_html() const {
+    return std::string(
+               "<!doctype html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+               "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+               "<title>nuqi tour</title>\n<link rel=\"icon\" href=\"data:,\">\n<style>\n") +
+           kTourStyle + pictures_.style() +
+           "</style>\n</head>\n<body>\n<a class=\"skip\" href=\"#main\">Skip to the pictures</a>\n";
+  }
+
+  std::string section_html(const Section& section) {
+    std::string html = "<section id=\"" + section.id + "\">\n<h2>" + escaped(section.title) +
+                       "</h2>\n<p class=\"lead\">" + section.text + "</p>\n";
+    for (const std::string& caution : section.cautions)
+      html += "<p class=\"caution\" role=\"note\"><b>Mind:</b> " + caution + "</p>\n";
+    return html + "<div class=\"compare\">\n" + figures_html(section, section.before, "before") +
+           figures_html(section, section.after, "after") + "</div>\n</section>\n";
+  }
+
+  std::string figures_html(const Section& section, const std::vector<Figure>& figures,
+                           const std::string& stage) {
+    std::string html = "<div class=\"" + stage + "\">\n";
+    for (size_t i = 0; i < figures.size(); ++i) {
+      const Figure& figure = figures[i];
+      html += "<figure>\n" +
+              pictures_.html(figure.shown, figure.alt,
+                             section.id + "-" + stage + "-" + std::to_string(i + 1)) +
+              "<figcaption>\n<h3><small>" + stage + "</small> " + escaped(figure.title) + "</h3>\n";
+      if (!figure.caption.empty()) html += "<p>" + figure.caption + "</p>\n";
+      for (const Legend& legend : figure.legends) html += legend_html(legend);
+      for (const Call& call : figure.calls) html += call_html(call, figure, section, facts_.isa);
+      html += "</figcaption>\n</figure>\n";
+    }
+    return html + "</div>\n";
+  }
+
+  const PageFacts& facts_;
+  PagePictures pictures_;
+};
+
+// Of this thread alone: what else the machine does counts little.
+double processor_seconds() {
+  timespec now{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+  return double(now.tv_sec) + 1e-9 * double(now.tv_nsec);
+}
+
+// The times of several runs, fewer where they are slow.
+template <class Run>
+std::vector<double> times_of(const Run& run) {
+  std::vector<double> seconds;
+  double total = 0;
+  while (seconds.size() < kMostRuns && (seconds.empty() || total < kMostSeconds)) {
+    const double start = processor_seconds();
+    run();
+    seconds.push_back(processor_seconds() - start);
+    total += seconds.back();
+  }
+  return seconds;
 }
 
 }  // namespace
@@ -161,19 +175,24 @@ double median_of(std::vector<double> values) {
 }
 
 Call timed_call(const char* text, const std::function<StatusCode()>& run) {
-  std::vector<double> seconds;
-  double total = 0;
-  while (seconds.size() < kMostRuns && (seconds.empty() || total < kMostSeconds)) {
-    seconds.push_back(seconds_of([&] { require_ok(run(), text); }));
-    total += seconds.back();
-  }
+  const std::vector<double> seconds = times_of([&] { require_ok(run(), text); });
   return {text, median_of(seconds), int(seconds.size())};
+}
+
+Call Call::made_by(const std::string& line) && {
+  text = line + ";\n" + text;
+  return std::move(*this);
+}
+
+Call Call::against(const std::function<void()>& plain_loop) && {
+  plain_seconds = median_of(times_of(plain_loop));
+  return std::move(*this);
 }
 
 Figure::Figure(std::string name, std::string description, const Picture& picture, Shrink how)
     : title(std::move(name)),
       alt(std::move(description)),
-      shown(shrunk(picture, how)),
+      shown(picture, alt, how),
       size(picture.size) {}
 
 Figure& Figure::with(Call call) {
@@ -191,22 +210,8 @@ Figure& Figure::note(std::string text) {
   return *this;
 }
 
-std::string page_html(const PageFacts& facts, const std::vector<Section>& sections) {
-  std::string html =
-      std::string(
-          "<!doctype html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-          "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-          "<title>nuqi tour</title>\n<link rel=\"icon\" href=\"data:,\">\n<style>\n") +
-      kTourStyle +
-      "</style>\n</head>\n<body>\n<a class=\"skip\" href=\"#main\">Skip to the pictures</a>\n" +
-      header_html(facts, sections) + "<main id=\"main\">\n";
-  for (const Section& section : sections) html += section_html(section, facts.isa);
-  return html +
-         "</main>\n<footer><p>Times are medians on the machine that made this page, for the whole "
-         "picture; the pictures shown are at most " +
-         std::to_string(kMostPixels) +
-         " pixels along a side. A call on one instruction set gives the same bits as on any "
-         "other.</p></footer>\n</body>\n</html>\n";
+Page page_of(const PageFacts& facts, const std::vector<Section>& sections) {
+  return PageWriter(facts).page_of(sections);
 }
 
 }  // namespace tools

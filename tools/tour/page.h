@@ -1,4 +1,4 @@
-// The tour's page: what a family shows, and the self-contained HTML made of it.
+// The tour's page: what a family shows, and the HTML made of it.
 #pragma once
 
 #include <functional>
@@ -8,14 +8,21 @@
 #include "clock.h"
 #include "failure.h"
 #include "pictures/picture.h"
+#include "tour/page_picture.h"
+#include "tour/snippet.h"
 
 namespace tools {
 
-// A call that was made: its text, its median time and the number of runs.
+// A call that was made: its text, after lines that make what it uses, its median time and the number of
+// runs; and how long a plain loop takes, where one was measured.
 struct Call {
   std::string text;
   double seconds = 0;
   int runs = 0;
+  double plain_seconds = 0;
+
+  Call made_by(const std::string& line) &&;  // what makes its state
+  Call against(const std::function<void()>& plain_loop) &&;
 };
 
 // Runs the call several times, fewer where it is slow. Throws unless it succeeds.
@@ -25,9 +32,6 @@ double median_of(std::vector<double> values);
 
 // The page shows the very text that was compiled.
 #define NUQI_TIMED(call) ::tools::timed_call(#call, [&] { return call; })
-
-// How a picture too wide for the page is made smaller: thin bright lines survive only `brightest`.
-enum class Shrink { mean, brightest };
 
 struct Legend {
   std::string gradient;  // CSS colours, from the lowest value to the highest
@@ -42,8 +46,8 @@ struct Figure {
   Figure& note(std::string text);  // a sentence; may hold HTML
 
   std::string title, alt;
-  Picture shown;
-  RoiSize size;  // of the picture before it was shrunk
+  PagePicture shown;
+  RoiSize size;  // that the times are for
   std::vector<Call> calls;
   std::vector<Legend> legends;  // none or one
   std::string caption;
@@ -53,14 +57,21 @@ struct Figure {
 struct Section {
   std::string id, title, text;  // text may hold HTML
   std::vector<Figure> before, after;
+  std::vector<std::string> cautions = {};      // what surprises, and its remedy; may hold HTML
+  std::vector<Declaration> declarations = {};  // of the names in its calls
 };
 
 struct PageFacts {
   std::string name;  // the picture's file, or what the built-in scene is called
-  Picture picture;
+  std::string size;  // its size, and that at which it is shown
+  PagePicture picture;
   std::string isa, version;
 };
 
-std::string page_html(const PageFacts& facts, const std::vector<Section>& sections);
+struct Page {
+  std::string html;
+  std::vector<PageFile> files;  // beside it
+};
+Page page_of(const PageFacts& facts, const std::vector<Section>& sections);
 
 }  // namespace tools

@@ -12,6 +12,24 @@ constexpr char kText[] =
     "next one, brought up to its size again, lacks, is its Laplacian level: with these and the "
     "smallest picture the whole is rebuilt, to the last bit.";
 
+const std::vector<Declaration> kDeclarations = {
+    {"src", "static uint8_t src[height * width * 3];\nint32_t src_step = 3 * width;"},
+    {"dst", "static uint8_t dst[height * width * 3 / 4];\nint32_t dst_step = 3 * width / 2;"},
+    {"small_roi", "RoiSize small_roi = {(width + 1) / 2, (height + 1) / 2};"},
+    {"small", "static uint8_t small[(height + 1) / 2 * ((width + 1) / 2) * 3];"},
+    {"large", "static uint8_t large[(height + 1) * (width + 1) * 3];"},
+    {"small_step", "int32_t small_step = 3 * small_roi.width;"},
+    {"large_step", "int32_t large_step = 6 * small_roi.width;"},
+    {"buffer",
+     "int32_t bytes = 0;\n"
+     "nuqiPyrDownGetBufSize_Gauss5x5(width, 1, 3, &bytes);\n"
+     "void* buffer = malloc((size_t)bytes);"},
+    {"room",
+     "int32_t bytes = 0;\n"
+     "nuqiPyrUpGetBufSize_Gauss5x5(small_roi.width, 1, 3, &bytes);\n"
+     "void* room = malloc((size_t)bytes);"},
+};
+
 // The first step down, and the first up, once more with a clock.
 Call down_call(const Picture& level) {
   const Picture even = made_even(level);
@@ -28,22 +46,24 @@ Call down_call(const Picture& level) {
   return NUQI_TIMED(nuqiPyrDown_Gauss5x5_8u_C3R(src, src_step, dst, dst_step, roi, buffer));
 }
 Call up_call(const Picture& level) {
-  const RoiSize roi = level.size;
-  Picture result({2 * roi.width, 2 * roi.height}, 3);
-  const uint8_t* src = level.pixels.data();
-  uint8_t* dst = result.pixels.data();
-  const int32_t src_step = 3 * roi.width, dst_step = 6 * roi.width;
+  const RoiSize small_roi = level.size;
+  Picture result({2 * small_roi.width, 2 * small_roi.height}, 3);
+  const uint8_t* small = level.pixels.data();
+  uint8_t* large = result.pixels.data();
+  const int32_t small_step = 3 * small_roi.width, large_step = 6 * small_roi.width;
   int32_t size = 0;
-  require_ok(nuqiPyrUpGetBufSize_Gauss5x5(roi.width, 1, 3, &size), "nuqiPyrUpGetBufSize_Gauss5x5");
-  std::vector<uint8_t> room(static_cast<size_t>(size));
-  uint8_t* buffer = room.data();
-  return NUQI_TIMED(nuqiPyrUp_Gauss5x5_8u_C3R(src, src_step, dst, dst_step, roi, buffer));
+  require_ok(nuqiPyrUpGetBufSize_Gauss5x5(small_roi.width, 1, 3, &size),
+             "nuqiPyrUpGetBufSize_Gauss5x5");
+  std::vector<uint8_t> memory(static_cast<size_t>(size));
+  uint8_t* room = memory.data();
+  return NUQI_TIMED(
+      nuqiPyrUp_Gauss5x5_8u_C3R(small, small_step, large, large_step, small_roi, room));
 }
 
 }  // namespace
 
 Section pyramid_section(const Scene& scene) {
-  Section section{"pyramid", "Gaussian pyramid", kText, {}, {}};
+  Section section{"pyramid", "Gaussian pyramid", kText, {}, {}, {}, kDeclarations};
   section.before.emplace_back("The picture", "The picture in colour", scene.colour);
   const int count = std::min(5, most_levels(scene.colour.size));
   const std::vector<Picture> levels = levels_of(scene.colour, count);

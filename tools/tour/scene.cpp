@@ -5,12 +5,17 @@
 #include <cmath>
 
 #include "tour/landscape.h"
+#include "tour/page_picture.h"
 
 namespace tools {
 namespace {
 
+constexpr int32_t kLongestSide = 1024;
+
 Scene scene_of(std::string name, Picture picture) {
   Scene scene;
+  scene.file_size = picture.size;
+  picture = shrunk(picture, kLongestSide, Shrink::mean);
   scene.name = std::move(name);
   scene.grey = with_two_rows(grey_of(picture));
   scene.colour = std::move(picture);

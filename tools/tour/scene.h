@@ -9,10 +9,12 @@ namespace tools {
 
 struct Scene {
   std::string name;
+  RoiSize file_size{0, 0};  // larger than the pictures where they were made smaller
   Picture colour;
   Plane<uint8_t> grey;  // two rows at least
 };
 
+// At most 1024 pixels a side: the page shows no more, and all families together take a while.
 Scene scene_of_file(const std::string& path);
 Scene built_in_scene();
 

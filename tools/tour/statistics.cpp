@@ -5,6 +5,7 @@
 #include "pictures/plot.h"
 #include "tour/colours.h"
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -13,18 +14,35 @@ constexpr char kText[] =
     "One pass over a picture, and its mean and deviation, its darkest and its brightest pixel, its "
     "distance from another picture or its histogram are known: for all pixels or those of a mask.";
 
-// Sums of bytes have 32 bits: of larger pictures the section shows the upper left part.
-constexpr int32_t kMostSide = 2800;
+const std::vector<std::string> kCautions = {
+    "Sums of bytes have 32 bits and wrap from 2<sup>31</sup> on, which takes 8.4 million white "
+    "pixels: means and L1 norms are wrong then, and the status is 0. Take such pictures in stripes "
+    "of fewer rows and add up what these give.",
+    "The last boundary of a histogram is exclusive: with the boundaries 0, 1 &hellip; 255 level "
+    "255 is never counted. What the bins lack of <code>width &times; height</code> are those "
+    "pixels; of 16-bit and float pictures, choose a last boundary above all values.",
+};
 
-Plane<uint8_t> part_of(const Plane<uint8_t>& plane) {
-  Plane<uint8_t> part(
-      {std::min(plane.size.width, kMostSide), std::min(plane.size.height, kMostSide)});
-  for (int32_t y = 0; y < part.size.height; ++y) {
-    const auto row = plane.values.begin() + ptrdiff_t(y) * plane.size.width;
-    std::copy(row, row + part.size.width, part.values.begin() + ptrdiff_t(y) * part.size.width);
-  }
-  return part;
-}
+const std::vector<Declaration> kDeclarations = {
+    {"src", "static uint8_t src[height * width];  /* grey levels */"},
+    {"src1", "static uint8_t src1[height * width], src2[height * width];"},
+    {"mask", "static uint8_t mask[height * width];  /* not 0: taken */"},
+    {"step", "int32_t step = width;"},
+    {"mean", "double mean, deviation;"},
+    {"low_at", "float low, high;\nPixelPoint low_at, high_at;"},
+    {"largest", "double largest;"},
+    {"sum", "double sum;"},
+    {"relative", "double relative;"},
+    {"levels", "uint8_t levels[256];\nfor (int i = 0; i < 256; ++i) levels[i] = (uint8_t)i;"},
+    {"histogram", "int32_t histogram[256];"},
+    {"pairs", "static uint8_t pairs[height * width * 2];\nint32_t pairs_step = 2 * width;"},
+    {"boundaries",
+     "int32_t boundaries[81 + 61];  /* of 80 bins, and of 60 */\n"
+     "for (int i = 0; i <= 80; ++i) boundaries[i] = i * 256 / 80;\n"
+     "for (int i = 0; i <= 60; ++i) boundaries[81 + i] = i * 256 / 60;"},
+    {"counts", "static int32_t counts[81 * 61];\nint32_t counts_step = 80 * sizeof(int32_t);"},
+    {"bins", "int32_t bins[2] = {80, 60};"},
+};
 
 template <class... Values>
 std::string text_of(const char* format, Values... values) {
@@ -128,9 +146,12 @@ void add_histogram(Section& section, const Plane<uint8_t>& grey) {
   uint8_t levels[256];
   for (int i = 0; i < 256; ++i) levels[i] = uint8_t(i);
   int32_t histogram[256];
-  Call call = NUQI_TIMED(nuqiCalcHist_8u_C1R(src, step, roi, histogram, 256, levels));
-  // The last bin would end at 256, which is no byte.
-  histogram[255] = int32_t(std::count(grey.values.begin(), grey.values.end(), 255));
+  std::vector<int32_t> counts;
+  Call call = NUQI_TIMED(nuqiCalcHist_8u_C1R(src, step, roi, histogram, 256, levels)).against([&] {
+    plain::histogram(grey, counts);
+  });
+  histogram[255] = counts[255];  // the last bin would end at 256, which is no byte
+  plain::require_same(counts, {histogram, histogram + 256}, "nuqiCalcHist_8u_C1R");
   Plot plot(255, *std::max_element(histogram, histogram + 256));
   plot.bars({histogram, histogram + 256}, kGreyInk);
   Figure figure("Histogram", "One bar for each of 256 grey levels", plot.picture());
@@ -143,25 +164,26 @@ void add_histogram(Section& section, const Plane<uint8_t>& grey) {
 void add_joint_histogram(Section& section, const Picture& colour) {
   constexpr int32_t kColumns = 80, kRows = 60, kCell = 8;
   const RoiSize roi = colour.size;
-  std::vector<uint8_t> pairs(2 * size_t(roi.width) * size_t(roi.height));
-  for (size_t i = 0; i < pairs.size() / 2; ++i) {
-    pairs[2 * i] = colour.pixels[3 * i];
-    pairs[2 * i + 1] = colour.pixels[3 * i + 2];
+  std::vector<uint8_t> values(2 * size_t(roi.width) * size_t(roi.height));
+  for (size_t i = 0; i < values.size() / 2; ++i) {
+    values[2 * i] = colour.pixels[3 * i];
+    values[2 * i + 1] = colour.pixels[3 * i + 2];
   }
-  std::vector<int32_t> boundaries;
-  for (int32_t i = 0; i <= kColumns; ++i) boundaries.push_back(i * 256 / kColumns);
-  for (int32_t i = 0; i <= kRows; ++i) boundaries.push_back(i * 256 / kRows);
-  std::vector<int32_t> counts((kColumns + 1) * (kRows + 1));  // all of them are cleared
-  const uint8_t* src = pairs.data();
-  int32_t* histogram = counts.data();
-  const int32_t* levels = boundaries.data();
-  const int32_t bins[2] = {kColumns, kRows}, step = 2 * roi.width;
-  const int32_t row = kColumns * int32_t(sizeof(int32_t));
-  Call call = NUQI_TIMED(nuqiCalcHist_8u_C2R(src, step, roi, histogram, row, bins, levels));
+  std::vector<int32_t> edges;
+  for (int32_t i = 0; i <= kColumns; ++i) edges.push_back(i * 256 / kColumns);
+  for (int32_t i = 0; i <= kRows; ++i) edges.push_back(i * 256 / kRows);
+  std::vector<int32_t> cells((kColumns + 1) * (kRows + 1));  // all of them are cleared
+  const uint8_t* pairs = values.data();
+  int32_t* counts = cells.data();
+  const int32_t* boundaries = edges.data();
+  const int32_t bins[2] = {kColumns, kRows}, pairs_step = 2 * roi.width;
+  const int32_t counts_step = kColumns * int32_t(sizeof(int32_t));
+  Call call = NUQI_TIMED(
+      nuqiCalcHist_8u_C2R(pairs, pairs_step, roi, counts, counts_step, bins, boundaries));
   Plane<float> shown({kColumns * kCell, kRows * kCell});
   for (size_t i = 0; i < shown.values.size(); ++i) {
     const size_t x = i % (kColumns * kCell) / kCell, y = i / (kColumns * kCell) / kCell;
-    shown.values[i] = float(counts[(kRows - 1 - y) * kColumns + x]);
+    shown.values[i] = float(cells[(kRows - 1 - y) * kColumns + x]);
   }
   const double range = usual_range(shown);
   Figure figure("Joint histogram", "A cloud of pairs of red and blue", heat_colours(shown, range));
@@ -175,13 +197,13 @@ void add_joint_histogram(Section& section, const Picture& colour) {
 }  // namespace
 
 Section statistics_section(const Scene& scene) {
-  Section section{"statistics", "Statistics", kText, {}, {}};
-  const Plane<uint8_t> grey = part_of(scene.grey);
+  Section section{"statistics", "Statistics", kText, {}, {}, kCautions, kDeclarations};
+  const Plane<uint8_t>& grey = scene.grey;
   section.before.emplace_back("The picture in grey", "The picture in grey levels",
                               picture_of(grey));
   add_means(section, grey);
   add_extrema(section, grey);
-  add_norms(section, grey, part_of(frame_of(scene, 0, 24)));
+  add_norms(section, grey, frame_of(scene, 0, 24));
   add_histogram(section, grey);
   add_joint_histogram(section, scene.colour);
   return section;

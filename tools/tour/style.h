@@ -7,12 +7,12 @@ constexpr char kTourStyle[] = R"css(
 :root {
   color-scheme: light dark;
   --page: #f6f7f9; --card: #ffffff; --ink: #16191f; --soft: #5a6270; --line: #dfe3e9;
-  --accent: #0b6bcb; --code: #f0f3f7; --after: #0a7d55;
+  --accent: #0b6bcb; --code: #f0f3f7; --after: #0a7d55; --mind: #c77700;
 }
 @media (prefers-color-scheme: dark) {
   :root {
     --page: #0e1116; --card: #171b22; --ink: #e8ebf0; --soft: #9aa4b2; --line: #2a303a;
-    --accent: #6cb6ff; --code: #10141a; --after: #4cc38a;
+    --accent: #6cb6ff; --code: #10141a; --after: #4cc38a; --mind: #f2a93b;
   }
 }
 * { box-sizing: border-box; }
@@ -24,9 +24,9 @@ body {
 header, main, footer, nav ul { max-width: 92rem; margin: 0 auto; padding: 0 clamp(1rem, 4vw, 3rem); }
 header { display: flex; flex-wrap: wrap; gap: 0 3rem; align-items: center; padding-bottom: 1.5rem; }
 header > div { flex: 1 1 22rem; }
-header > img { flex: 1 1 22rem; min-width: 0; max-width: 32rem; border-radius: 0.8rem;
-               margin-top: clamp(0rem, 4vw, 2rem); }
-@media (max-width: 50rem) { header > img { max-width: 100%; } }
+header > a { flex: 1 1 22rem; min-width: 0; max-width: 32rem; border-radius: 0.8rem; overflow: hidden;
+             margin-top: clamp(0rem, 4vw, 2rem); }
+@media (max-width: 50rem) { header > a { max-width: 100%; } }
 h1 { font-size: clamp(2.2rem, 6vw, 3.4rem); line-height: 1.1; letter-spacing: -0.03em;
      margin: clamp(1.5rem, 5vw, 3.5rem) 0 0.5rem; }
 h1 span { color: var(--soft); font-weight: 300; }
@@ -52,8 +52,8 @@ nav a { display: block; padding: 0.8rem 0; white-space: nowrap; text-decoration:
 nav a:hover { text-decoration: underline; text-underline-offset: 0.3em; }
 section { padding: clamp(2rem, 5vw, 3.5rem) 0 0; }
 .compare { display: grid; gap: 1.2rem; grid-template-columns: 1fr; align-items: start; }
-.after, .before { display: grid; gap: 1.2rem;
-                  grid-template-columns: repeat(auto-fill, minmax(min(100%, 22rem), 1fr)); }
+.after, .before { display: grid; gap: 1.2rem; align-items: start;
+                  grid-template-columns: repeat(auto-fit, minmax(min(100%, 20rem), 1fr)); }
 @media (min-width: 62rem) {
   .compare { grid-template-columns: minmax(17rem, 1fr) 2.2fr; }
   .before { grid-template-columns: 1fr; position: sticky; top: 4.2rem; }
@@ -61,6 +61,8 @@ section { padding: clamp(2rem, 5vw, 3.5rem) 0 0; }
 figure { margin: 0; background: var(--card); border: 1px solid var(--line); border-radius: 0.8rem;
          overflow: hidden; min-width: 0; }
 img { display: block; width: 100%; height: auto; max-height: 36rem; object-fit: contain; }
+.whole { display: block; cursor: zoom-in; }
+.shared { display: block; width: 100%; max-height: 36rem; background: center / contain no-repeat; }
 .magnified { image-rendering: pixelated; }
 figcaption { padding: 0.85rem 1rem 1rem; }
 figcaption > p { margin: 0.35rem 0 0; font-size: 0.9rem; color: var(--soft); }
@@ -74,6 +76,12 @@ pre b { color: var(--accent); font-weight: 600; }
           font-size: 0.82rem; color: var(--soft); font-variant-numeric: tabular-nums; }
 .call strong { font-size: 1.05rem; color: var(--ink); }
 .call span:not(:last-child)::after { content: "·"; margin-left: 0.6rem; }
+summary { cursor: pointer; font-size: 0.82rem; color: var(--accent); margin-top: 0.3rem; }
+details pre { margin-top: 0.4rem; white-space: pre; overflow-x: auto; overflow-wrap: normal; }
+.caution { max-width: 46rem; margin: 0 0 0.8rem; padding: 0.5rem 0.9rem; font-size: 0.9rem;
+           background: var(--card); border: 1px solid var(--line); border-radius: 0.5rem;
+           border-left: 0.3rem solid var(--mind); }
+.caution code { font-size: 0.9em; }
 .legend { margin-top: 0.6rem; }
 .legend div { height: 0.55rem; border-radius: 0.3rem; border: 1px solid var(--line); }
 .legend p { display: flex; justify-content: space-between; margin: 0.15rem 0 0; font-size: 0.78rem;

@@ -10,6 +10,7 @@
 #include "failure.h"
 #include "pictures/file.h"
 #include "progress.h"
+#include "report.h"
 #include "tour/families.h"
 
 namespace tools {
@@ -37,8 +38,10 @@ constexpr Family kFamilies[] = {
 };
 
 constexpr char kFooter[] =
-    "Writes DIR/index.html, a page that needs no other file and no network: the pictures before\n"
-    "and after each family's work, the calls that made them and their times.\n";
+    "Writes DIR/index.html, a page that needs no network: the pictures before and after each\n"
+    "family's work, the calls that made them, their times and programs to paste. The pictures in\n"
+    "the page are small; DIR/pictures holds them whole, and the page opens them from there. A\n"
+    "picture of more than 1024 pixels a side is made smaller first.\n";
 
 struct Options {
   std::string picture;
@@ -56,9 +59,17 @@ std::string version_text() {
          std::to_string(NUQI_VERSION_PATCH);
 }
 
+std::string shown_size(const Scene& scene) {
+  const std::string shown = size_text(scene.grey.size), file = size_text(scene.file_size);
+  return scene.colour.size.width == scene.file_size.width ? file : file + ", shown at " + shown;
+}
+
 void make_tour(const Options& options) {
   const Scene scene = options.picture.empty() ? built_in_scene() : scene_of_file(options.picture);
-  make_folder(options.out);
+  // A folder that cannot be written shows before the work.
+  const std::filesystem::path folder = options.out, path = folder / "index.html";
+  make_folder((folder / "pictures").string());
+  OutputFile file(path.string());
   std::vector<Section> sections;
   {
     Progress progress("families", int(std::size(kFamilies)));
@@ -67,12 +78,17 @@ void make_tour(const Options& options) {
       progress.advance(family.name);
     }
   }
-  const PageFacts facts{scene.name, scene.colour, nuqi::name_of(nuqi::isa()), version_text()};
-  const std::string html = page_html(facts, sections);
-  const std::filesystem::path page = std::filesystem::path(options.out) / "index.html";
-  write_file(page.string(), html.data(), html.size());
-  std::printf("The tour is ready: open %s in a browser.\n",
-              std::filesystem::absolute(page).lexically_normal().c_str());
+  const PageFacts facts{scene.name, shown_size(scene),
+                        PagePicture(scene.colour, scene.name, Shrink::mean),
+                        nuqi::name_of(nuqi::isa()), version_text()};
+  const Page page = page_of(facts, sections);
+  for (const PageFile& picture : page.files)
+    write_file((folder / picture.name).string(), picture.bytes.data(), picture.bytes.size());
+  if (std::fwrite(page.html.data(), 1, page.html.size(), file.stream()) != page.html.size())
+    fail_on_file(path.string(), "written");
+  file.commit();
+  report("The tour is ready: open %s in a browser.\n",
+         std::filesystem::absolute(path).lexically_normal().c_str());
 }
 
 }  // namespace

@@ -76,20 +76,22 @@ inline void count_strengths(const std::int16_t* dx, const std::int16_t* dy, std:
   }
 }
 
-/// The largest whole numbers that a share of the pixels exceed, of those that have any strength: one in ten
-/// `high`, one in four `low`.
-inline CannyThresholds thresholds_of(const Strengths& counts) noexcept {
+/// The largest whole numbers that a share of the pixels exceed, of those that have any strength: `share` exceed
+/// `high`, 2.5 times as many `low`.
+inline CannyThresholds thresholds_of(const Strengths& counts, double share) noexcept {
   std::int64_t any = 0;
   for (std::size_t strength = 1; strength < counts.size(); ++strength) any += counts[strength];
-  const auto exceeded_by_one_in = [&](std::int64_t share) {
+  const auto exceeded_by = [&](double part) {
     std::int64_t above = 0;
     for (std::size_t strength = kStrongest; any > 0 && strength > 0; --strength) {
       above += counts[strength];
-      if (above * share >= any) return static_cast<float>(strength - 1);
+      if (static_cast<double>(above) >= part * static_cast<double>(any)) {
+        return static_cast<float>(strength - 1);
+      }
     }
     return 0.0F;
   };
-  return {exceeded_by_one_in(4), exceeded_by_one_in(10)};
+  return {exceeded_by(2.5 * share), exceeded_by(share)};
 }
 
 }  // namespace detail

@@ -232,28 +232,29 @@ template <class Source, class Output>
   return canny(src, std::forward<Output>(dst), low, high, edge_operator, scratch, tag);
 }
 
-/// Thresholds from the picture itself: of the pixels that have any strength, one in ten exceeds `high` and one in
-/// four `low`. Both are 0 for a flat picture. Throws Error.
+/// Thresholds from the picture itself: of the pixels that have any strength, `share`, 0 to 1, exceed `high` and 2.5
+/// times as many `low`, or all. Both are 0 for a flat picture. Throws Error.
 template <class Source>
 [[nodiscard]] CannyThresholds canny_thresholds(const Source& src, EdgeOperator edge_operator,
-                                               Scratch& scratch) {
+                                               double share, Scratch& scratch) {
   const detail::StrengthsOfPicture of =
       detail::strengths_of(detail::as_input(src), edge_operator, scratch);
   detail::require(of.outcome, "canny_thresholds", src);
-  return detail::thresholds_of(of.counts);
+  return detail::thresholds_of(of.counts, share);
 }
 template <class Source>
 [[nodiscard]] CannyThresholds canny_thresholds(const Source& src,
-                                               EdgeOperator edge_operator = EdgeOperator::sobel) {
+                                               EdgeOperator edge_operator = EdgeOperator::sobel,
+                                               double share = 0.1) {
   Scratch scratch;
-  return canny_thresholds(src, edge_operator, scratch);
+  return canny_thresholds(src, edge_operator, share, scratch);
 }
 
 /// The edges of a picture with thresholds from the picture itself. Returns them.
 template <class Source, class Output>
 CannyThresholds canny(const Source& src, Output&& dst, EdgeOperator edge_operator,
                       Scratch& scratch) {
-  const CannyThresholds found = canny_thresholds(src, edge_operator, scratch);
+  const CannyThresholds found = canny_thresholds(src, edge_operator, 0.1, scratch);
   canny(src, std::forward<Output>(dst), found.low, found.high, edge_operator, scratch);
   return found;
 }

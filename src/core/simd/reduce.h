@@ -24,6 +24,17 @@ NUQI_INLINE uint64_t bits_equal(const Vec<T, N>& a, const Vec<T, N>& b) {
   });
   return bits;
 }
+// A bit for each lane where a is below or above b: with a NaN neither holds.
+template <class T, int N>
+NUQI_INLINE uint64_t bits_apart(const Vec<T, N>& a, const Vec<T, N>& b) {
+  uint64_t bits = 0;
+  for_each<Vec<T, N>::kRegs>([&](int i) NUQI_FORCED {
+    using Predicate = decltype(machine::below(a.r[i], b.r[i]));
+    const Predicate apart = machine::below(a.r[i], b.r[i]) | machine::below(b.r[i], a.r[i]);
+    bits |= machine::bits(apart) << i * Vec<T, N>::kLanesPerReg;
+  });
+  return bits;
+}
 
 // Whether any bit is set.
 template <class T, int N>

@@ -1,0 +1,16 @@
+// nuqi.StatusError, from C++.
+#pragma once
+
+#define PY_SSIZE_T_CLEAN
+#include <Python.h>
+
+#include <nuqi/hpp/error.hpp>
+#include <string>
+
+namespace nuqi::python {
+
+// Raise nuqi.StatusError; return null, as functions that Python calls do then.
+PyObject* raise_status(StatusCode status, const char* function, const std::string& sentence);
+PyObject* raise_error(const Error& error);
+
+}  // namespace nuqi::python

@@ -1,0 +1,266 @@
+"""Accumulation, absolute difference, channels."""
+
+from __future__ import annotations
+
+from typing import Optional, Sequence, Union
+
+import numpy as np
+
+from nuqi import _native
+from nuqi._types import Array
+
+
+def accumulate(image: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+    """
+    Add an image to an accumulator, in place.
+
+    Parameters
+    ----------
+    image : (h, w) array of uint8, int8 or float32
+        The image.
+    accumulator : (h, w) array of float32
+        What it is added to, in single precision. It must not overlap the image.
+    mask : (h, w) array of bool or uint8, optional
+        True selects a pixel, the other way round than in `numpy.ma`. Others keep their value (-0 becomes +0).
+
+    Returns
+    -------
+    (h, w) array of float32
+        The accumulator.
+
+    Raises
+    ------
+    StatusError
+        The sizes differ, an array is empty, or the accumulator overlaps another.
+    TypeError
+        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    Examples
+    --------
+    >>> sums = np.zeros((2, 2), np.float32)
+    >>> nuqi.accumulate(np.array([[1, 2], [3, 4]], np.uint8), sums)
+    array([[1., 2.],
+           [3., 4.]], dtype=float32)
+    """
+    _native.accumulate(image, accumulator, mask)
+    return accumulator
+
+
+def accumulate_square(image: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+    """
+    Add the squares of an image to an accumulator, in place.
+
+    Parameters
+    ----------
+    image : (h, w) array of uint8, int8 or float32
+        The image.
+    accumulator : (h, w) array of float32
+        What they are added to. The square and the sum are rounded to single precision each.
+    mask : (h, w) array of bool or uint8, optional
+        True selects a pixel, the other way round than in `numpy.ma`.
+
+    Returns
+    -------
+    (h, w) array of float32
+        The accumulator.
+
+    Raises
+    ------
+    StatusError
+        As for `accumulate`.
+    TypeError
+        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    Examples
+    --------
+    >>> sums = np.zeros((1, 3), np.float32)
+    >>> nuqi.accumulate_square(np.array([[1, 2, 3]], np.uint8), sums)
+    array([[1., 4., 9.]], dtype=float32)
+    """
+    _native.accumulate_square(image, accumulator, mask)
+    return accumulator
+
+
+def accumulate_product(a: Array, b: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+    """
+    Add the product of two images to an accumulator, in place.
+
+    Parameters
+    ----------
+    a : (h, w) array of uint8, int8 or float32
+        One image.
+    b : (h, w) array of the same type
+        The other one.
+    accumulator : (h, w) array of float32
+        What it is added to. The product and the sum are rounded to single precision each.
+    mask : (h, w) array of bool or uint8, optional
+        True selects a pixel, the other way round than in `numpy.ma`.
+
+    Returns
+    -------
+    (h, w) array of float32
+        The accumulator.
+
+    Raises
+    ------
+    StatusError
+        As for `accumulate`.
+    TypeError
+        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    Examples
+    --------
+    >>> sums = np.ones((1, 2), np.float32)
+    >>> nuqi.accumulate_product(np.array([[2, 3]], np.uint8), np.array([[4, 5]], np.uint8), sums)
+    array([[ 9., 16.]], dtype=float32)
+    """
+    _native.accumulate_product(a, b, accumulator, mask)
+    return accumulator
+
+
+def accumulate_weighted(image: Array, accumulator: Array, *, alpha: float, mask: Optional[Array] = None) -> Array:
+    """
+    Move an accumulator towards an image by a share of their difference, in place.
+
+    Parameters
+    ----------
+    image : (h, w) array of uint8, int8 or float32
+        The image.
+    accumulator : (h, w) array of float32
+        The running average: ``accumulator += alpha * (image - accumulator)`` in single precision.
+    alpha : float
+        The share, mostly from 0 to 1.
+    mask : (h, w) array of bool or uint8, optional
+        True selects a pixel, the other way round than in `numpy.ma`. For others alpha is 0.
+
+    Returns
+    -------
+    (h, w) array of float32
+        The accumulator.
+
+    Raises
+    ------
+    StatusError
+        As for `accumulate`.
+    TypeError
+        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    Examples
+    --------
+    >>> average = np.full((1, 2), 100, np.float32)
+    >>> nuqi.accumulate_weighted(np.array([[200, 0]], np.uint8), average, alpha=0.25)
+    array([[125.,  75.]], dtype=float32)
+    """
+    _native.accumulate_weighted(image, accumulator, mask, alpha)
+    return accumulator
+
+
+def abs_diff(a: Array, b: Union[Array, float], *, out: Optional[Array] = None) -> Array:
+    """
+    Compute the absolute difference of two images, or of an image and a number.
+
+    Parameters
+    ----------
+    a : (h, w) array of uint8 or float32
+        One image.
+    b : (h, w) array of the same type, or number
+        The other one. A number is limited to 0 to 255 for uint8, and is an integer there.
+    out : (h, w) array of the same type, optional
+        Where the result goes; may be `a` or `b`.
+
+    Returns
+    -------
+    (h, w) array of the same type
+        The result: bytes do not wrap around.
+
+    Raises
+    ------
+    StatusError
+        The sizes differ, an array is empty, or `out` overlaps a source without being it.
+    TypeError
+        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    Examples
+    --------
+    >>> nuqi.abs_diff(np.array([[10, 200]], np.uint8), np.array([[30, 190]], np.uint8))
+    array([[20, 10]], dtype=uint8)
+    """
+    if out is None:
+        out = np.empty_like(a, order="C", subok=False)
+    _native.abs_diff(a, b, out)
+    return out
+
+
+def split(image: Array, *, out: Optional[Sequence[Array]] = None) -> tuple[Array, ...]:
+    """
+    Copy the channels of an image to planes.
+
+    Parameters
+    ----------
+    image : (h, w, 3) or (h, w, 4) array of uint8 or float32
+        The image.
+    out : sequence of (h, w) arrays of the same type, optional
+        Where the planes go: as many as there are channels, apart from each other and from the image.
+
+    Returns
+    -------
+    tuple of (h, w) arrays
+        The planes.
+
+    Raises
+    ------
+    StatusError
+        The sizes differ, the image is empty, or `out` overlaps it or itself.
+    TypeError
+        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    Examples
+    --------
+    >>> red, green, blue = nuqi.split(np.array([[[1, 2, 3], [4, 5, 6]]], np.uint8))
+    >>> green
+    array([[2, 5]], dtype=uint8)
+    """
+    if out is None:
+        shape = np.shape(image)
+        out = tuple(np.empty((shape[-1], *shape[:-1]), np.asanyarray(image).dtype)) if len(shape) == 3 else ()
+    planes = tuple(out)
+    _native.split(image, planes)
+    return planes
+
+
+def join(planes: Sequence[Array], *, out: Optional[Array] = None) -> Array:
+    """
+    Make planes the channels of one image.
+
+    Parameters
+    ----------
+    planes : sequence of three or four (h, w) arrays of uint8 or float32
+        The planes.
+    out : (h, w, 3) or (h, w, 4) array of the same type, optional
+        Where the image goes; it must not overlap a plane.
+
+    Returns
+    -------
+    (h, w, 3) or (h, w, 4) array of the same type
+        The image.
+
+    Raises
+    ------
+    StatusError
+        The sizes differ, a plane is empty, or `out` overlaps one.
+    TypeError
+        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    Examples
+    --------
+    >>> plane = np.array([[1, 2]], np.uint8)
+    >>> nuqi.join([plane, plane + 10, plane + 20])
+    array([[[ 1, 11, 21],
+            [ 2, 12, 22]]], dtype=uint8)
+    """
+    planes = tuple(planes)
+    if out is None:
+        first = np.asanyarray(planes[0])
+        out = np.empty((*first.shape, len(planes)), first.dtype)
+    _native.join(planes, out)
+    return out

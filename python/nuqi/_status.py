@@ -1,0 +1,52 @@
+"""What calls fail with."""
+
+import enum
+
+
+class Status(enum.IntEnum):
+    """The statuses of nuqi.h."""
+
+    Ok = 0
+    NothingToDo = 1
+    Unsupported = -5
+    BadSize = -9939
+    NullPtr = -9941
+    NoMemory = -9942
+    DivByZero = -9943
+    BadArg = -9944
+    BadDataType = -9945
+    BadStep = -9947
+    BadContext = -9950
+    BadCoi = -9985
+    BadChannels = -9986
+
+
+class StatusError(ValueError):
+    """A call that failed.
+
+    It is a `ValueError`, too.
+
+    Parameters
+    ----------
+    status : int
+        One of `Status`.
+    function : str
+        The name of the function that refused.
+    text : str
+        What was wrong, in a sentence.
+
+    Attributes
+    ----------
+    status : Status
+        One of the statuses of nuqi.h.
+    function : str
+        The name of the function that refused.
+    """
+
+    def __init__(self, status: int, function: str, text: str) -> None:
+        super().__init__(int(status), function, text)
+        self.status = Status(status)
+        self.function = function
+
+    def __str__(self) -> str:
+        return str(self.args[2])
