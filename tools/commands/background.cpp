@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <nuqi/hpp/arith.hpp>
 #include <string>
 #include <vector>
 
@@ -50,12 +51,8 @@ class EqualMoments : public Moments {
       : block_(roi), block_square_(roi), sum_(block_.values.size()), square_(sum_.size()) {}
 
   void add(const Plane<uint8_t>& frame) override {
-    require_ok(
-        nuqiAdd_8u32f_C1IR(frame.data(), frame.step(), block_.data(), block_.step(), frame.size),
-        "nuqiAdd_8u32f_C1IR");
-    require_ok(nuqiAddSquare_8u32f_C1IR(frame.data(), frame.step(), block_square_.data(),
-                                        block_square_.step(), frame.size),
-               "nuqiAddSquare_8u32f_C1IR");
+    nuqi::accumulate(frame, block_);
+    nuqi::accumulate_square(frame, block_square_);
     if (++count_ % kBlock == 0) close_block();
   }
   double mean(size_t i) const override { return (sum_[i] + double(block_.values[i])) / count_; }
@@ -88,16 +85,10 @@ class ExponentialMoments : public Moments {
   void add(const Plane<uint8_t>& frame) override {
     const float alpha = first_ ? 1.0f : alpha_;  // from zero, weight 1 gives the frame itself
     first_ = false;
-    require_ok(nuqiAddWeighted_8u32f_C1IR(frame.data(), frame.step(), mean_.data(), mean_.step(),
-                                          frame.size, alpha),
-               "nuqiAddWeighted_8u32f_C1IR");
+    nuqi::accumulate_weighted(frame, mean_, alpha);
     std::fill(square_.values.begin(), square_.values.end(), 0.0f);
-    require_ok(nuqiAddSquare_8u32f_C1IR(frame.data(), frame.step(), square_.data(), square_.step(),
-                                        frame.size),
-               "nuqiAddSquare_8u32f_C1IR");
-    require_ok(nuqiAddWeighted_32f_C1IR(square_.data(), square_.step(), mean_square_.data(),
-                                        mean_square_.step(), frame.size, alpha),
-               "nuqiAddWeighted_32f_C1IR");
+    nuqi::accumulate_square(frame, square_);
+    nuqi::accumulate_weighted(square_, mean_square_, alpha);
   }
   double mean(size_t i) const override { return double(mean_.values[i]); }
   double mean_square(size_t i) const override { return double(mean_square_.values[i]); }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <nuqi/hpp/arith.hpp>
 #include <string>
 
 #include "commands/commands.h"
-#include "failure.h"
 #include "pictures/row_reader.h"
 #include "report.h"
 
@@ -24,10 +24,11 @@ struct Options {
 // Channels differ each by itself, so that a row of n colours is one of 3n bytes.
 Picture difference(const Picture& a, const Picture& b) {
   Picture result(a.size, a.channels);
-  const RoiSize bytes{a.size.width * a.channels, a.size.height};
-  require_ok(nuqiAbsDiff_8u_C1R(a.pixels.data(), bytes.width, b.pixels.data(), bytes.width,
-                                result.pixels.data(), bytes.width, bytes),
-             "nuqiAbsDiff_8u_C1R");
+  const auto bytes_of = [](auto& picture) {
+    return nuqi::View(picture.pixels.data(), int64_t{picture.size.width} * picture.channels,
+                      picture.size.height);
+  };
+  nuqi::abs_diff(bytes_of(a), bytes_of(b), bytes_of(result));
   return result;
 }
 

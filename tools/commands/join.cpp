@@ -2,10 +2,10 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
+#include <nuqi/hpp/channels.hpp>
 #include <string>
 
 #include "commands/commands.h"
-#include "failure.h"
 #include "pictures/picture.h"
 #include "report.h"
 
@@ -26,13 +26,11 @@ void join(const Options& options) {
     channels[c] = read_grey(options.in[c]);
     check_same_size(options.in[c], channels[c].size, options.in[0], channels[0].size);
   }
-  const RoiSize roi = channels[0].size;
-  Picture picture(roi, 3);
-  const uint8_t* const planes[3] = {channels[0].data(), channels[1].data(), channels[2].data()};
-  require_ok(nuqiCopy_8u_P3C3R(planes, roi.width, picture.pixels.data(), 3 * roi.width, roi),
-             "nuqiCopy_8u_P3C3R");
+  Picture picture(channels[0].size, 3);
+  nuqi::join(channels[0], channels[1], channels[2], view_of(picture).as<3>());
   write_picture(options.out, picture);
-  report("%s: %s, joined of three channels\n", options.out.c_str(), size_text(roi).c_str());
+  report("%s: %s, joined of three channels\n", options.out.c_str(),
+         size_text(picture.size).c_str());
 }
 
 }  // namespace

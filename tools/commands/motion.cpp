@@ -5,6 +5,9 @@
 #include <cstdio>
 #include <memory>
 #include <numeric>
+#include <nuqi/hpp/arith.hpp>
+#include <nuqi/hpp/derivatives.hpp>
+#include <nuqi/hpp/motion.hpp>
 #include <string>
 #include <vector>
 
@@ -33,17 +36,11 @@ struct Options {
 };
 
 void add_frame(Motion& motion, Plane<uint8_t> frame, int threshold) {
-  const RoiSize roi = frame.size;
-  Plane<uint8_t> difference(roi);
-  require_ok(nuqiAbsDiff_8u_C1R(motion.frame.data(), motion.frame.step(), frame.data(),
-                                frame.step(), difference.data(), difference.step(), roi),
-             "nuqiAbsDiff_8u_C1R");
+  Plane<uint8_t> difference(frame.size);
+  nuqi::abs_diff(motion.frame, frame, difference);
   const Plane<uint8_t> silhouette = silhouette_of(difference, threshold);
   motion.now += 1;
-  require_ok(nuqiUpdateMotionHistory_8u32f_C1IR(silhouette.data(), silhouette.step(),
-                                                motion.history.data(), motion.history.step(), roi,
-                                                motion.now, motion.duration),
-             "nuqiUpdateMotionHistory_8u32f_C1IR");
+  nuqi::motion_history(silhouette, motion.history, motion.now, motion.duration);
   motion.frame = std::move(frame);
 }
 
@@ -71,14 +68,9 @@ Motion history_of(const Options& options, RoiSize& size) {
 // The direction of the whole, in degrees; below 0 where there is none.
 float find_directions(Motion& motion) {
   const Plane<float>& history = motion.history;
-  const RoiSize roi = history.size;
-  motion.dx = motion.dy = motion.angle = Plane<float>(roi);
-  require_ok(nuqiSobel3x3_Dx_32f_C1R(history.data(), history.step(), motion.dx.data(),
-                                     motion.dx.step(), roi),
-             "nuqiSobel3x3_Dx_32f_C1R");
-  require_ok(nuqiSobel3x3_Dy_32f_C1R(history.data(), history.step(), motion.dy.data(),
-                                     motion.dy.step(), 0, roi),
-             "nuqiSobel3x3_Dy_32f_C1R");
+  motion.dx = motion.dy = motion.angle = Plane<float>(history.size);
+  nuqi::sobel3x3(history, nuqi::Derivative::dx, motion.dx);
+  nuqi::sobel3x3(history, nuqi::Derivative::dy, motion.dy);
   keep_steps(history, motion.dx, motion.dy);
   const auto sum = [](const Plane<float>& plane) {
     return float(std::accumulate(plane.values.begin(), plane.values.end(), 0.0));
@@ -86,14 +78,12 @@ float find_directions(Motion& motion) {
   const float x = sum(motion.dx), y = sum(motion.dy);
   float whole = -1;
   if (x != 0 || y != 0) {
-    require_ok(nuqibFastArctan_32f(&y, &x, &whole, 1), "nuqibFastArctan_32f");
+    nuqi::arctan(nuqi::View(&y, 1, 1), nuqi::View(&x, 1, 1), nuqi::View(&whole, 1, 1));
     whole = std::max(whole, 0.0f);
   }
   spread(motion.dx);
   spread(motion.dy);
-  require_ok(nuqibFastArctan_32f(motion.dy.data(), motion.dx.data(), motion.angle.data(),
-                                 int32_t(motion.angle.values.size())),
-             "nuqibFastArctan_32f");
+  nuqi::arctan(motion.dy, motion.dx, motion.angle);
   return whole;
 }
 

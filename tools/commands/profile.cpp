@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <nuqi/hpp/motion.hpp>
 #include <string>
 #include <vector>
 
@@ -42,11 +43,9 @@ PixelPoint position_of(PixelPoint a, PixelPoint b, int32_t k) {
 }
 
 Picture samples_of(const Picture& picture, PixelPoint start, PixelPoint end) {
-  const int32_t count = length_between(start, end);
-  Picture samples({count, 1}, 3);
-  const StatusCode sampled = nuqiSampleLine_8u_C3R(picture.pixels.data(), 3 * picture.size.width,
-                                                   picture.size, samples.pixels.data(), start, end);
-  if (sampled != count) require_ok(sampled, "nuqiSampleLine_8u_C3R");
+  Picture samples;
+  samples.size = {length_between(start, end), 1};
+  samples.pixels = nuqi::sample_line(view_of(picture).as<3>(), start, end);
   return samples;
 }
 

@@ -2,10 +2,10 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
+#include <nuqi/hpp/channels.hpp>
 #include <string>
 
 #include "commands/commands.h"
-#include "failure.h"
 #include "pictures/file.h"
 #include "pictures/picture.h"
 #include "report.h"
@@ -27,9 +27,7 @@ void split(const Options& options) {
   const Picture picture = read_picture(options.in);
   const RoiSize roi = picture.size;
   Plane<uint8_t> channels[3] = {Plane<uint8_t>(roi), Plane<uint8_t>(roi), Plane<uint8_t>(roi)};
-  uint8_t* const planes[3] = {channels[0].data(), channels[1].data(), channels[2].data()};
-  require_ok(nuqiCopy_8u_C3P3R(picture.pixels.data(), 3 * roi.width, planes, roi.width, roi),
-             "nuqiCopy_8u_C3P3R");
+  nuqi::split(view_of(picture).as<3>(), channels[0], channels[1], channels[2]);
   for (int c = 0; c < 3; ++c) write_picture(options.out[c], picture_of(channels[c]));
   report("%s, %s, %s: %s, red, green and blue\n", options.out[0].c_str(), options.out[1].c_str(),
          options.out[2].c_str(), size_text(roi).c_str());

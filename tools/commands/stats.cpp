@@ -2,8 +2,10 @@
 #include "commands/stats.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <nuqi/hpp/channels.hpp>
 #include <string>
 
 #include "commands/commands.h"
@@ -21,39 +23,35 @@ constexpr char kFooter[] =
     "also those of the difference of both, and that relative to OTHER's. Minimum and maximum name\n"
     "the first pixel that has them, row by row from the top. The histogram ends the output.\n"
     "\n"
-    "The library's own calls have limits that do not show here. nuqiMean_* and nuqiNorm_L1_* of\n"
-    "bytes sum in 32 bits, which 24 megapixels of 200 exceed, and still succeed: here pictures "
-    "are\n"
-    "taken in tiles of 2048x2048 pixels that are joined in double precision. The deviation of a\n"
-    "constant picture can be NaN: here it is 0. The last level of nuqiCalcHist_8u_C1R is "
-    "exclusive,\n"
-    "and a byte cannot say 256, so that it never counts 255: here the last bin has what the "
-    "others\n"
-    "leave.\n";
+    "The C functions have limits that do not show here. nuqiMean_* and nuqiNorm_L1_* of bytes sum\n"
+    "in 32 bits, which 24 megapixels of 200 exceed, and still succeed: here sums are exact. The\n"
+    "deviation of a constant picture can be NaN: here it is 0. The last level of\n"
+    "nuqiCalcHist_8u_C1R is exclusive, and a byte cannot say 256, so that it never counts 255:\n"
+    "here the last bin has what the others leave.\n";
 
 struct Options {
   std::string in, other, mask, histogram;
   int channel = 0, bins = 16;
 };
 
-Levels levels_of(const Picture& picture, int channel) {
-  return {channel == 0 ? picture_of(grey_of(picture)) : picture, channel};
-}
-
 Levels read_levels(const Options& options, const std::string& path) {
-  return levels_of(read_picture(path), options.channel);
+  if (options.channel == 0) return {read_grey(path), 0};
+  const Picture picture = read_picture(path);
+  Levels levels{Plane<uint8_t>(picture.size), options.channel};
+  nuqi::split(view_of(picture).as<3>(), options.channel - 1, levels.plane);
+  return levels;
 }
 
 Selection selection_of(const Options& options, const Levels& in) {
   Selection selection;
   if (options.mask.empty()) {
-    selection.mask = Plane<uint8_t>(in.size());
-    std::fill(selection.mask.values.begin(), selection.mask.values.end(), 255);
+    selection.plane = Plane<uint8_t>(in.plane.size);
+    std::fill(selection.plane.values.begin(), selection.plane.values.end(), 255);
   } else {
-    selection.mask = read_grey(options.mask);
-    check_same_size(options.mask, selection.mask.size, options.in, in.size());
+    selection.plane = read_grey(options.mask);
+    check_same_size(options.mask, selection.plane.size, options.in, in.plane.size);
   }
-  const auto& values = selection.mask.values;
+  const auto& values = selection.plane.values;
   selection.count = int64_t(values.size()) - std::count(values.begin(), values.end(), 0);
   if (selection.count == 0) throw UserError(options.mask + ": selects no pixel");
   return selection;
@@ -69,11 +67,11 @@ void print_stats(const Options& options) {
   Levels other;
   if (!options.other.empty()) {
     other = read_levels(options, options.other);
-    check_same_size(options.other, other.size(), options.in, in.size());
+    check_same_size(options.other, other.plane.size, options.in, in.plane.size);
   }
   const Selection selection = selection_of(options, in);
   std::printf("%-*s%s, %s, %s\n", kNameWidth, "picture", options.in.c_str(),
-              size_text(in.size()).c_str(), kChannels[options.channel]);
+              size_text(in.plane.size).c_str(), kChannels[options.channel]);
   std::printf("%-*s%lld\n", kNameWidth, "pixels", static_cast<long long>(selection.count));
   print_means(in, selection);
   print_extrema(in, selection);

@@ -1,31 +1,19 @@
 // nuqi stats: minimum and maximum, and where they are first.
 #include <cstdio>
+#include <nuqi/hpp/min_max.hpp>
 
 #include "commands/stats.h"
-#include "failure.h"
 
 namespace tools {
 
 void print_extrema(const Levels& levels, const Selection& selection) {
-  const RoiSize roi = levels.size();
-  const int32_t step = levels.step(), mask_step = selection.mask.step();
-  const uint8_t *src = levels.at(0, 0), *mask = selection.at(0, 0);
-  float low = 0, high = 0;
-  PixelPoint low_at{}, high_at{};
-  if (levels.channel == 0) {
-    require_ok(
-        nuqiMinMaxIndx_8u_C1MR(src, step, mask, mask_step, roi, &low, &high, &low_at, &high_at),
-        "nuqiMinMaxIndx_8u_C1MR");
-  } else {
-    require_ok(nuqiMinMaxIndx_8u_C3CMR(src, step, mask, mask_step, roi, levels.channel, &low, &high,
-                                       &low_at, &high_at),
-               "nuqiMinMaxIndx_8u_C3CMR");
-  }
-  const auto print = [](const char* name, float value, PixelPoint at) {
-    std::printf("%-*s%.0f at %d,%d\n", kNameWidth, name, double(value), at.x, at.y);
+  const auto found = nuqi::min_max(levels.plane, selection.mask());
+  const auto print = [](const char* name, int value, const auto& at) {
+    std::printf("%-*s%d at %lld,%lld\n", kNameWidth, name, value, static_cast<long long>(at.x),
+                static_cast<long long>(at.y));
   };
-  print("minimum", low, low_at);
-  print("maximum", high, high_at);
+  print("minimum", found.min, found.min_at);
+  print("maximum", found.max, found.max_at);
 }
 
 }  // namespace tools

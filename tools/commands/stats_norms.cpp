@@ -1,60 +1,27 @@
 // nuqi stats: norms of one picture, of the difference of two, and of that relative to the second.
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
+#include <nuqi/hpp/norms.hpp>
+#include <string>
 
 #include "commands/stats.h"
-#include "failure.h"
 
 namespace tools {
 namespace {
 
 struct Norms {
-  double largest = 0, sum = 0, squares = 0;
-
-  void add(double tile_inf, double tile_l1, double tile_l2) {
-    largest = std::max(largest, tile_inf);
-    sum += tile_l1;
-    squares += tile_l2 * tile_l2;
-  }
+  double inf, l1, l2;
 };
 
 Norms norms_of(const Levels& levels, const Selection& selection) {
-  Norms norms;
-  const int32_t step = levels.step(), mask_step = selection.mask.step(), channel = levels.channel;
-  for_tiles(levels.size(), [&](int32_t x, int32_t y, RoiSize roi) {
-    const uint8_t *src = levels.at(x, y), *mask = selection.at(x, y);
-    double inf = 0, l1 = 0, l2 = 0;
-    const auto measure = [&](auto one, auto third, const char* name, double* norm) {
-      require_ok(channel == 0 ? one(src, step, mask, mask_step, roi, norm)
-                              : third(src, step, mask, mask_step, roi, channel, norm),
-                 name);
-    };
-    measure(nuqiNorm_Inf_8u_C1MR, nuqiNorm_Inf_8u_C3CMR, "nuqiNorm_Inf_8u", &inf);
-    measure(nuqiNorm_L1_8u_C1MR, nuqiNorm_L1_8u_C3CMR, "nuqiNorm_L1_8u", &l1);
-    measure(nuqiNorm_L2_8u_C1MR, nuqiNorm_L2_8u_C3CMR, "nuqiNorm_L2_8u", &l2);
-    norms.add(inf, l1, l2);
-  });
-  return norms;
+  const auto& plane = levels.plane;
+  const nuqi::Mask mask = selection.mask();
+  return {nuqi::norm_inf(plane, mask), nuqi::norm_l1(plane, mask), nuqi::norm_l2(plane, mask)};
 }
 
 Norms norms_between(const Levels& a, const Levels& b, const Selection& selection) {
-  Norms norms;
-  const int32_t step = a.step(), mask_step = selection.mask.step(), channel = a.channel;
-  for_tiles(a.size(), [&](int32_t x, int32_t y, RoiSize roi) {
-    const uint8_t *src1 = a.at(x, y), *src2 = b.at(x, y), *mask = selection.at(x, y);
-    double inf = 0, l1 = 0, l2 = 0;
-    const auto measure = [&](auto one, auto third, const char* name, double* norm) {
-      require_ok(channel == 0 ? one(src1, step, src2, step, mask, mask_step, roi, norm)
-                              : third(src1, step, src2, step, mask, mask_step, roi, channel, norm),
-                 name);
-    };
-    measure(nuqiNormDiff_Inf_8u_C1MR, nuqiNormDiff_Inf_8u_C3CMR, "nuqiNormDiff_Inf_8u", &inf);
-    measure(nuqiNormDiff_L1_8u_C1MR, nuqiNormDiff_L1_8u_C3CMR, "nuqiNormDiff_L1_8u", &l1);
-    measure(nuqiNormDiff_L2_8u_C1MR, nuqiNormDiff_L2_8u_C3CMR, "nuqiNormDiff_L2_8u", &l2);
-    norms.add(inf, l1, l2);
-  });
-  return norms;
+  const nuqi::Mask mask = selection.mask();
+  return {nuqi::norm_diff_inf(a.plane, b.plane, mask), nuqi::norm_diff_l1(a.plane, b.plane, mask),
+          nuqi::norm_diff_l2(a.plane, b.plane, mask)};
 }
 
 void print(const char* name, const Norms& norms) {
@@ -63,12 +30,12 @@ void print(const char* name, const Norms& norms) {
     std::printf(format, value);
     std::printf("\n");
   };
-  line("Inf", "%.0f", norms.largest);
-  line("L1", "%.0f", norms.sum);
-  line("L2", "%.4f", std::sqrt(norms.squares));
+  line("Inf", "%.0f", norms.inf);
+  line("L1", "%.0f", norms.l1);
+  line("L2", "%.4f", norms.l2);
 }
 
-// The library's relative norms are those of one tile: here all tiles' norms are joined first.
+// Of two pictures that are both black, 0.
 double quotient(double difference, double reference) {
   return difference == 0 ? 0 : difference / reference;
 }
@@ -83,11 +50,12 @@ void print_distance(const Levels& levels, const Levels& other, const Selection& 
   const Norms difference = norms_between(levels, other, selection);
   const Norms reference = norms_of(other, selection);
   print("difference", difference);
-  std::printf("%-*s%.6f\n", kNameWidth, "relative Inf",
-              quotient(difference.largest, reference.largest));
-  std::printf("%-*s%.6f\n", kNameWidth, "relative L1", quotient(difference.sum, reference.sum));
-  std::printf("%-*s%.6f\n", kNameWidth, "relative L2",
-              std::sqrt(quotient(difference.squares, reference.squares)));
+  const auto print_relative = [](const char* name, double of, double to) {
+    std::printf("%-*s%.6f\n", kNameWidth, name, quotient(of, to));
+  };
+  print_relative("relative Inf", difference.inf, reference.inf);
+  print_relative("relative L1", difference.l1, reference.l1);
+  print_relative("relative L2", difference.l2, reference.l2);
 }
 
 }  // namespace tools

@@ -52,6 +52,15 @@ struct Picture {
       : size(roi), channels(count), pixels(size_t(roi.width) * size_t(roi.height) * count) {}
 };
 
+inline nuqi::View<const uint8_t, nuqi::kAnyChannels> view_of(const Picture& picture) {
+  return {picture.pixels.data(), picture.size.width, picture.size.height, picture.channels,
+          ptrdiff_t(picture.size.width) * picture.channels};
+}
+inline nuqi::View<uint8_t, nuqi::kAnyChannels> view_of(Picture& picture) {
+  return {picture.pixels.data(), picture.size.width, picture.size.height, picture.channels,
+          ptrdiff_t(picture.size.width) * picture.channels};
+}
+
 std::string size_text(RoiSize size);  // "640x480"
 // Throws a UserError where pictures that belong together differ in size.
 void check_same_size(const std::string& name, RoiSize size, const std::string& first_name,

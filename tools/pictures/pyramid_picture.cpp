@@ -12,13 +12,6 @@ constexpr int kChannels = 3;
 
 int32_t step_of(const Picture& picture) { return picture.size.width * kChannels; }
 
-nuqi::View<const uint8_t, kChannels> view_of(const Picture& picture) {
-  return {picture.pixels.data(), picture.size.width, picture.size.height};
-}
-nuqi::View<uint8_t, kChannels> view_of(Picture& picture) {
-  return {picture.pixels.data(), picture.size.width, picture.size.height};
-}
-
 // `from` at (x, y) of `to`, or what of it has room there.
 void place(const Picture& from, Picture& to, int32_t x, int32_t y) {
   const int32_t width = std::min(from.size.width, to.size.width - x) * kChannels;
@@ -50,13 +43,13 @@ Picture made_even(const Picture& picture) {
 Picture level_down(const Picture& picture) {
   const Picture src = made_even(picture);
   Picture dst({src.size.width / 2, src.size.height / 2}, kChannels);
-  nuqi::pyramid_down(view_of(src), view_of(dst));
+  nuqi::pyramid_down(view_of(src).as<kChannels>(), view_of(dst).as<kChannels>());
   return dst;
 }
 
 Picture level_up(const Picture& picture, RoiSize size) {
   Picture dst({2 * picture.size.width, 2 * picture.size.height}, kChannels);
-  nuqi::pyramid_up(view_of(picture), view_of(dst));
+  nuqi::pyramid_up(view_of(picture).as<kChannels>(), view_of(dst).as<kChannels>());
   Picture result(size, kChannels);
   place(dst, result, 0, 0);
   return result;
