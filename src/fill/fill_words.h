@@ -53,9 +53,10 @@ constexpr FillPlan plan_fill(RoiSize roi) {
   return plan;
 }
 
-// Narrower images are walked span by span. From here on words find room in 6 bytes a pixel: a row takes 16
-// bytes a group and 24 a word, the first one and each 64th 8 more, which is half of what a width of 16
-// brings. A second word takes 24 more from a width of 65 on, which brings 390.
+// Narrower images are walked span by span, wider ones too where words take long, see `fill_region`. From
+// here on words find room in 6 bytes a pixel: a row takes 16 bytes a group and 24 a word, the first one and
+// each 64th 8 more, which is half of what a width of 16 brings. A second word takes 24 more from a width of
+// 65 on, which brings 390.
 constexpr int32_t kFillNarrow = 16;
 
 // What both kinds of fills hand to their kernels.
