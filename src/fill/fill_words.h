@@ -8,6 +8,8 @@ namespace nuqi {
 
 constexpr int kFillWordPixels = 64;
 constexpr int kFillGroupWords = 64;
+// Rows are visited by bands, whose words and pixels stay in the cache: a bit each in FillRowBits.
+constexpr int kFillBandRows = 64;
 constexpr bool kDiagonal = true;
 
 // 64 pixels of a row, the first in the lowest bit. The buffer, and so a word, has any alignment.
@@ -23,7 +25,7 @@ struct __attribute__((packed, may_alias)) FillGroup {
   uint64_t waiting;  // words to be visited; some may have been since
 };
 
-// 64 rows, the first in the lowest bit: those that have waiting words.
+// A band of rows, the first in the lowest bit: those that have waiting words.
 struct __attribute__((packed, may_alias)) FillRowBits {
   uint64_t waiting;
 };
@@ -46,7 +48,7 @@ constexpr FillPlan plan_fill(RoiSize roi) {
   plan.row_words = (int64_t{roi.width} + kFillWordPixels - 1) / kFillWordPixels;
   plan.row_groups = (plan.row_words + kFillGroupWords - 1) / kFillGroupWords;
   ScratchLayout layout;
-  plan.row_bits = layout.add<FillRowBits>(int64_t{roi.height} / 64 + 1);
+  plan.row_bits = layout.add<FillRowBits>(int64_t{roi.height} / kFillBandRows + 1);
   plan.groups = layout.add<FillGroup>(plan.row_groups * roi.height);
   plan.words = layout.add<FillWord>(plan.row_words * roi.height);
   plan.end = layout.end();

@@ -126,21 +126,27 @@ class Search {
     if (before == 0) wait(y, k);
   }
   NUQI_INLINE void wait(int32_t y, int32_t k) {
-    if (state_.next.y < 0)
+    if (state_.next.y < 0 && y / kFillBandRows == state_.y / kFillBandRows)
       state_.next = {y, k};
     else
       leave_waiting(job_, state_, {y, k});
   }
 
-  // A visit, and those that it leads to, as long as they stay in one column of words: what winds is
-  // bound by the work at each visit. False where the last one, in row y, is left to do.
+  // A visit, and those that it leads to, as long as they stay in one column of words and in the band of
+  // rows: what winds is bound by the work at each visit. False where the last one, in row y, is left to do.
   NUQI_INLINE bool follow(int32_t& y, int32_t k) {
     const uint64_t ends = (k > 0 ? kFirstPixel : 0) | (k + 1 < row_words_ ? kLastPixel : 0);
     uint64_t seeds = row_words(y)[k].pending, columns = 0;
+    const int32_t band = state_.y / kFillBandRows;
     int32_t area = 0, top = y, bottom = y;
     bool done = true;
     while (seeds != 0) {
       FillWord& word = row_words(y)[k];
+      if (y / kFillBandRows != band) {
+        word.pending = seeds;
+        leave_waiting(job_, state_, {y, k});
+        break;
+      }
       if (columns != 0 && seems_thin(y, k)) {
         word.pending = seeds;
         wait(y, k);
