@@ -11,6 +11,7 @@ struct FillState {
   int32_t top, bottom;  // rows whose groups hold anything, if only that no word of theirs does
   int32_t waiting_rows;
   int32_t y, direction;  // the row whose turn it is to be visited, and which way the next one lies
+  int32_t onwards;       // which way the next band of rows lies
   FillPlace next;        // a word that is visited before those; none where y is negative
   int32_t credit;        // see Search
   Extent extent;         // of what has been found
@@ -19,7 +20,7 @@ struct FillState {
 template <class T>
 NUQI_INLINE void start_row(const FillJob<T>& job, int32_t y, bool clears) {
   for (int64_t g = 0; g < job.row_groups; ++g) job.groups[y * job.row_groups + g] = {0, 0};
-  if (clears) job.row_bits[y / 64].waiting = 0;
+  if (clears) job.row_bits[y / kFillBandRows].waiting = 0;
 }
 template <class T>
 NUQI_INLINE FillState start_map(const FillJob<T>& job) {
@@ -28,6 +29,7 @@ NUQI_INLINE FillState start_map(const FillJob<T>& job) {
                      .waiting_rows = 0,
                      .y = job.seed.y,
                      .direction = 1,
+                     .onwards = 1,
                      .next = {-1, 0},
                      .credit = -1,
                      .extent = empty_extent(job)};
@@ -37,9 +39,9 @@ NUQI_INLINE FillState start_map(const FillJob<T>& job) {
 // Before the rows next to row y, whose own groups hold something, are asked about.
 template <class T>
 NUQI_INLINE void reach_row(const FillJob<T>& job, FillState& state, int32_t y) {
-  if (y == state.top && y > 0) start_row(job, --state.top, y % 64 == 0);
+  if (y == state.top && y > 0) start_row(job, --state.top, y % kFillBandRows == 0);
   if (y == state.bottom && y + 1 < job.roi.height)
-    start_row(job, ++state.bottom, (y + 1) % 64 == 0);
+    start_row(job, ++state.bottom, (y + 1) % kFillBandRows == 0);
 }
 
 // Makes words of a row ready, those from `first` to `end` - 1.
@@ -75,36 +77,45 @@ template <class T>
 NUQI_NOINLINE void leave_waiting(const FillJob<T>& job, FillState& state, FillPlace place) {
   job.groups[place.y * job.row_groups + place.k / kFillGroupWords].waiting |=
       uint64_t{1} << place.k % kFillGroupWords;
-  FillRowBits& rows = job.row_bits[place.y / 64];
-  const uint64_t bit = uint64_t{1} << place.y % 64;
+  FillRowBits& rows = job.row_bits[place.y / kFillBandRows];
+  const uint64_t bit = uint64_t{1} << place.y % kFillBandRows;
   state.waiting_rows += (rows.waiting & bit) == 0;
   rows.waiting |= bit;
 }
 
-// The next row with waiting words in the direction; -1 without one.
+// The next row with waiting words, where there is one. A band of rows, which stays in the cache, is gone
+// through up and down until none of its words wait.
 template <class T>
-NUQI_INLINE int32_t next_waiting_row(const FillJob<T>& job, const FillState& state) {
-  int32_t block = state.y / 64;
-  uint64_t bits = job.row_bits[block].waiting;
-  const uint64_t before = (uint64_t{1} << state.y % 64) - 1;
-  if (state.direction < 0) {
-    for (bits &= before; bits == 0; bits = job.row_bits[block].waiting)
-      if (--block < state.top / 64) return -1;
-    return block * 64 + last_bit(bits);
+NUQI_INLINE int32_t next_waiting_row(const FillJob<T>& job, FillState& state) {
+  int32_t band = state.y / kFillBandRows;
+  uint64_t bits = job.row_bits[band].waiting;
+  if (bits != 0) {
+    const uint64_t before = (uint64_t{1} << state.y % kFillBandRows) - 1;
+    const uint64_t ahead = state.direction < 0 ? bits & before : bits & ~before << 1;
+    if (ahead != 0)
+      bits = ahead;
+    else
+      state.direction = -state.direction;
+  } else {
+    const int32_t first = state.top / kFillBandRows, last = state.bottom / kFillBandRows;
+    do {
+      if (band == (state.onwards < 0 ? first : last)) state.onwards = -state.onwards;
+      if (first != last) band += state.onwards;
+      bits = job.row_bits[band].waiting;
+    } while (bits == 0);
+    state.direction = state.onwards;
   }
-  for (bits &= ~before << 1; bits == 0; bits = job.row_bits[block].waiting)
-    if (++block > state.bottom / 64) return -1;
-  return block * 64 + first_bit(bits);
+  return band * kFillBandRows + (state.direction < 0 ? last_bit(bits) : first_bit(bits));
 }
 
 // The next waiting word, which waits no longer; y is -1 without one. Rows are gone through up and down by
-// turns: more of a word has been reached when its turn comes, and memory is read in order.
+// turns: more of a word has been reached when its turn comes.
 template <class T>
 NUQI_NOINLINE FillPlace next_waiting(const FillJob<T>& job, FillState& state) {
   while (state.waiting_rows != 0) {
     const int32_t y = state.y;
-    FillRowBits& rows = job.row_bits[y / 64];
-    const uint64_t bit = uint64_t{1} << y % 64;
+    FillRowBits& rows = job.row_bits[y / kFillBandRows];
+    const uint64_t bit = uint64_t{1} << y % kFillBandRows;
     if ((rows.waiting & bit) != 0) {
       for (int32_t g = 0; g < job.row_groups; ++g) {
         FillGroup& group = job.groups[y * job.row_groups + g];
@@ -117,11 +128,7 @@ NUQI_NOINLINE FillPlace next_waiting(const FillJob<T>& job, FillState& state) {
       --state.waiting_rows;
       continue;
     }
-    const int32_t next = next_waiting_row(job, state);
-    if (next < 0)
-      state.direction = -state.direction;
-    else
-      state.y = next;
+    state.y = next_waiting_row(job, state);
   }
   return {-1, 0};
 }

@@ -8,6 +8,8 @@ namespace nuqi {
 
 constexpr int kFillWordPixels = 64;
 constexpr int kFillGroupWords = 64;
+// Rows are visited by bands, whose words and pixels stay in the cache: a bit each in FillRowBits.
+constexpr int kFillBandRows = 64;
 constexpr bool kDiagonal = true;
 
 // 64 pixels of a row, the first in the lowest bit. The buffer, and so a word, has any alignment.
@@ -23,7 +25,7 @@ struct __attribute__((packed, may_alias)) FillGroup {
   uint64_t waiting;  // words to be visited; some may have been since
 };
 
-// 64 rows, the first in the lowest bit: those that have waiting words.
+// A band of rows, the first in the lowest bit: those that have waiting words.
 struct __attribute__((packed, may_alias)) FillRowBits {
   uint64_t waiting;
 };
@@ -46,16 +48,17 @@ constexpr FillPlan plan_fill(RoiSize roi) {
   plan.row_words = (int64_t{roi.width} + kFillWordPixels - 1) / kFillWordPixels;
   plan.row_groups = (plan.row_words + kFillGroupWords - 1) / kFillGroupWords;
   ScratchLayout layout;
-  plan.row_bits = layout.add<FillRowBits>(int64_t{roi.height} / 64 + 1);
+  plan.row_bits = layout.add<FillRowBits>(int64_t{roi.height} / kFillBandRows + 1);
   plan.groups = layout.add<FillGroup>(plan.row_groups * roi.height);
   plan.words = layout.add<FillWord>(plan.row_words * roi.height);
   plan.end = layout.end();
   return plan;
 }
 
-// Narrower images are walked span by span. From here on words find room in 6 bytes a pixel: a row takes 16
-// bytes a group and 24 a word, the first one and each 64th 8 more, which is half of what a width of 16
-// brings. A second word takes 24 more from a width of 65 on, which brings 390.
+// Narrower images are walked span by span, wider ones too where words take long, see `fill_region`. From
+// here on words find room in 6 bytes a pixel: a row takes 16 bytes a group and 24 a word, the first one and
+// each 64th 8 more, which is half of what a width of 16 brings. A second word takes 24 more from a width of
+// 65 on, which brings 390.
 constexpr int32_t kFillNarrow = 16;
 
 // What both kinds of fills hand to their kernels.

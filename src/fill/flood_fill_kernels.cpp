@@ -31,7 +31,10 @@ class Equality {
   NUQI_INLINE bool joins(int32_t, int32_t, int, int) const { return true; }
   NUQI_INLINE bool matches(int32_t x, int32_t y) const {
     const T pixel = load_one(row_of(image_, y) + x);
-    return !(pixel < seed_) && !(seed_ < pixel);
+    if constexpr (sizeof(T) == 1)
+      return pixel == seed_;
+    else  // one comparison, true of NaNs as well
+      return !__builtin_islessgreater(pixel, seed_);
   }
 
  private:

@@ -17,7 +17,8 @@ class Joins<uint8_t> {
 
   NUQI_INLINE bool symmetric() const { return deltas_.lower == deltas_.upper; }
   NUQI_INLINE bool one(const uint8_t* p, const uint8_t* q) const {
-    return *q - *p <= deltas_.upper && *p - *q <= deltas_.lower;
+    // One comparison for both ends: what falls further wraps around.
+    return uint32_t(*q - *p + deltas_.lower) <= uint32_t(deltas_.lower + deltas_.upper);
   }
   template <class Part>
   NUQI_INLINE uint64_t word(const uint8_t* p, const uint8_t* q, Part part) const {

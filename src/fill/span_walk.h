@@ -116,7 +116,8 @@ NUQI_INLINE void walk(Field& field, Span span) {
 
 // ---- Images that are narrow altogether
 
-// A span that has been taken and waits.
+// A span that has been taken and waits: of images up to 256 pixels wide.
+constexpr int32_t kMostNarrow = 256;
 struct __attribute__((packed, may_alias)) NarrowSpan {
   int32_t y;
   uint8_t left, right;
@@ -133,9 +134,10 @@ class NarrowField {
   NUQI_INLINE NarrowField(const Rule& rule, const FillJob<T>& job)
       : rule_(rule), job_(job), extent_(empty_extent(job)) {
     const int64_t pixels = int64_t{job.roi.width} * job.roi.height;
+    uint8_t* const taken = job.buffer;
     if (!kLocal)
-      for (int64_t i = 0; i < pixels; ++i) job.buffer[i] = 0;
-    stack_ = (NarrowSpan*)(job.buffer + (kLocal ? 0 : pixels));
+      for (int64_t i = 0; i < pixels; ++i) taken[i] = 0;
+    stack_ = (NarrowSpan*)(taken + (kLocal ? 0 : pixels));
   }
   NUQI_INLINE int32_t width() const { return job_.roi.width; }
   NUQI_INLINE int32_t height() const { return job_.roi.height; }
@@ -150,7 +152,7 @@ class NarrowField {
     return open(x + dx, y + dy) && joins(x, y, dx, dy);
   }
   NUQI_INLINE Span take(int32_t x, int32_t y) {
-    const Span span = span_at(*this, x, y, kFillNarrow);
+    const Span span = span_at(*this, x, y, job_.roi.width);
     extent_.add_span(y, span.left, span.right);
     for (int32_t i = span.left; i <= span.right; ++i)
       if constexpr (kLocal)

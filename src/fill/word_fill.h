@@ -28,6 +28,12 @@ constexpr int32_t kWide = 2;
 
 constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
 
+// The pixels that are reached span by span in the time of a word.
+template <bool diagonal, class Rule>
+constexpr int32_t effort() {
+  return diagonal && !Rule::kLocal ? 2 * Rule::kEffort : Rule::kEffort;
+}
+
 // Words wait while more of their pixels are reached, and one is visited at once. A visit takes all words of
 // the row that its region runs into on either side, and then looks at the rows next to it.
 //
@@ -84,7 +90,7 @@ class Search {
   }
 
  private:
-  static constexpr int32_t kEffort = diagonal && !kLocal ? 2 * Rule::kEffort : Rule::kEffort;
+  static constexpr int32_t kEffort = effort<diagonal, Rule>();
   static constexpr int32_t kMostCredit = 8 * kEffort;
 
   NUQI_INLINE bool has_row(int32_t y) const { return uint32_t(y) < uint32_t(height_); }
@@ -120,21 +126,27 @@ class Search {
     if (before == 0) wait(y, k);
   }
   NUQI_INLINE void wait(int32_t y, int32_t k) {
-    if (state_.next.y < 0)
+    if (state_.next.y < 0 && y / kFillBandRows == state_.y / kFillBandRows)
       state_.next = {y, k};
     else
       leave_waiting(job_, state_, {y, k});
   }
 
-  // A visit, and those that it leads to, as long as they stay in one column of words: what winds is
-  // bound by the work at each visit. False where the last one, in row y, is left to do.
+  // A visit, and those that it leads to, as long as they stay in one column of words and in the band of
+  // rows: what winds is bound by the work at each visit. False where the last one, in row y, is left to do.
   NUQI_INLINE bool follow(int32_t& y, int32_t k) {
     const uint64_t ends = (k > 0 ? kFirstPixel : 0) | (k + 1 < row_words_ ? kLastPixel : 0);
     uint64_t seeds = row_words(y)[k].pending, columns = 0;
+    const int32_t band = state_.y / kFillBandRows;
     int32_t area = 0, top = y, bottom = y;
     bool done = true;
     while (seeds != 0) {
       FillWord& word = row_words(y)[k];
+      if (y / kFillBandRows != band) {
+        word.pending = seeds;
+        leave_waiting(job_, state_, {y, k});
+        break;
+      }
       if (columns != 0 && seems_thin(y, k)) {
         word.pending = seeds;
         wait(y, k);
@@ -373,7 +385,12 @@ NUQI_INLINE void paint_found(const Rule& rule, const FillJob<T>& job, const Exte
 
 template <bool diagonal, class Rule, class T>
 NUQI_INLINE FillRegion fill_region(const Rule& rule, const FillJob<T>& job) {
-  if (job.roi.width < kFillNarrow) return fill_narrow<diagonal>(rule, job);
+  // Rows of few pixels do not bring what their words take. Where registers hold 64 bytes words take less
+  // than the efforts tell, and spans more.
+  constexpr int32_t each = effort<diagonal, Rule>();
+  constexpr int32_t narrow = kFillNarrow + (kRegBytes < 64 ? 2 * each : each / 2);
+  static_assert(narrow <= kMostNarrow);
+  if (job.roi.width < narrow) return fill_narrow<diagonal>(rule, job);
   FillState state = start_map(job);
   Search<diagonal, Rule, T> search(rule, job, state);
   search.run();
