@@ -64,9 +64,9 @@ TEST_P(FloodFill, AgreesWithTheReference) {
   });
 }
 
-constexpr RoiSize kBufferSizes[] = {{1, 70},   {2, 70},   {3, 90},  {5, 80},  {7, 90},
-                                    {8, 90},   {9, 80},   {17, 70}, {64, 64}, {130, 67},
-                                    {450, 30}, {1300, 9}, {70, 1},  {90, 2}};
+constexpr RoiSize kBufferSizes[] = {
+    {1, 70},  {2, 70},  {3, 90},   {5, 80},   {7, 90},    {8, 90},   {9, 80},   {17, 70}, {24, 90},
+    {40, 80}, {64, 64}, {100, 70}, {130, 67}, {159, 150}, {450, 30}, {1300, 9}, {70, 1},  {90, 2}};
 
 // The buffer is as large as the queries say, on whatever winds, and however narrow the image is.
 TEST_P(FloodFill, StaysInTheBuffer) {
