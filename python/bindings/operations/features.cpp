@@ -32,7 +32,8 @@ PyObject* canny_thresholds(Arguments a) {
   return for_type<std::uint8_t, std::int8_t>(a[0], "image", [&](auto type) {
     const auto image = input<typename decltype(type)::type>(a[0]);
     const EdgeOperator how = edge_operator(a[1]);
-    const float share = real(a[2], "share");
+    real(a[2], "share");  // refuses what is no number
+    const double share = PyFloat_AsDouble(a[2]);
     const CannyThresholds found =
         unlocked([&] { return nuqi::canny_thresholds(image, how, share, scratch()); });
     return checked(Py_BuildValue("(ff)", found.low, found.high));
