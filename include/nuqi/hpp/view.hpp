@@ -75,14 +75,10 @@ class View {
   /// Throws Error if the size is negative, the step below a row's bytes or not a multiple of sizeof(T). A
   /// single row may have any step.
   View(T* data, std::int64_t width, std::int64_t height, std::ptrdiff_t step)
-      : View(unchecked, data, width, height, step) {
-    const char* fault = detail::fault_of_shape(data, width, height, Channels, sizeof(T), step);
-    if (fault != nullptr)
-      throw Error(StatusBadSize, "View", text() + ", step " + std::to_string(step), fault);
-  }
+      : View(unchecked, data, width, height, checked_step(data, width, height, step)) {}
   /// Rows that lie back to back.
   View(T* data, std::int64_t width, std::int64_t height)
-      : View(data, width, height, static_cast<std::ptrdiff_t>(width) * kPixelBytes) {}
+      : View(data, width, height, back_to_back(width)) {}
 
   /// What writes may read.
   template <class U, class = std::enable_if_t<std::is_same_v<const U, T> && !std::is_const_v<U>>>
@@ -145,6 +141,21 @@ class View {
  private:
   static constexpr std::ptrdiff_t kPixelBytes = static_cast<std::ptrdiff_t>(sizeof(T)) * Channels;
 
+  /// Wraps for rows that are refused anyway.
+  static std::ptrdiff_t back_to_back(std::int64_t width) noexcept {
+    return static_cast<std::ptrdiff_t>(static_cast<std::size_t>(width) *
+                                       static_cast<std::size_t>(kPixelBytes));
+  }
+  /// The step, if the shape is possible: looked at before anything is computed from it.
+  static std::ptrdiff_t checked_step(const T* data, std::int64_t width, std::int64_t height,
+                                     std::ptrdiff_t step) {
+    const char* fault = detail::fault_of_shape(data, width, height, Channels, sizeof(T), step);
+    if (fault != nullptr) {
+      const std::string shape = detail::shape_text(width, height, Channels, detail::type_name<T>());
+      throw Error(StatusBadSize, "View", shape + ", step " + std::to_string(step), fault);
+    }
+    return step;
+  }
   T* at(std::int64_t x, std::int64_t y) const noexcept {
     auto* first = reinterpret_cast<Byte*>(data_) + static_cast<std::ptrdiff_t>(y) * step_;
     return reinterpret_cast<T*>(first + static_cast<std::ptrdiff_t>(x) * kPixelBytes);
