@@ -59,15 +59,17 @@ struct TransformPlan {
     constexpr int kPair = Machine::kDotsBytes ? 224 : 352;  // a band's points and a pair of rows
     constexpr int kPlace = 8;                               // from residues to scores
     constexpr int kProducts = Machine::kDotsBytes ? 40 : kRegBytes / 4;  // of the direct method
-    const auto parts = [](int whole, int part)
-                           NUQI_FORCED { return (double)(up(whole, part) / part); };
+    const auto parts = [](int whole, int part) NUQI_FORCED {
+      const int64_t count = up(whole, part) / part;
+      return (double)count;
+    };
     const double pieces = parts(tpl.width, kPieceSide) * parts(tpl.height, kPieceSide);
     const double blocks = parts(dst.width, columns) * parts(dst.height, rows);
     const double places = (double)dst.width * dst.height;
     const double bands = parts(rows, kBand), tpl_bands = parts(height, kBand);
-    const double transforms =
-        blocks * (double)(pitch / kBand + rows / kBand) + (several ? blocks : 1) * tpl_bands;
-    const double pairs = blocks * bands * (height / 2 + 1);
+    const int64_t both_ways = pitch / kBand + rows / kBand, row_pairs = height / 2 + 1;
+    const double transforms = blocks * (double)both_ways + (several ? blocks : 1) * tpl_bands;
+    const double pairs = blocks * bands * (double)row_pairs;
     work = pieces * (4 * (kTransform * transforms + kPair * pairs) + kPlace * places);
     direct_work = places * tpl.width * tpl.height / kProducts;
   }

@@ -15,7 +15,7 @@ enum class Of { sums, energies };
 // Where a measure needs none.
 struct NoSums {
   template <class... Arguments>
-  NoSums(const Arguments&...) {}
+  explicit NoSums(const Arguments&...) {}
   void start(int64_t, int) {}
   void prepare(int64_t, int64_t) {}
   void at_row(int64_t) {}

@@ -72,7 +72,8 @@ using Strengths = std::array<std::int64_t, kStrongest + 1>;
 inline void count_strengths(const std::int16_t* dx, const std::int16_t* dy, std::int64_t width,
                             Strengths& counts) noexcept {
   for (std::int64_t x = 0; x < width; ++x) {
-    ++counts[static_cast<std::size_t>(std::abs(int{dx[x]}) + std::abs(int{dy[x]}))];
+    const int strength = std::abs(int{dx[x]}) + std::abs(int{dy[x]});
+    ++counts[static_cast<std::size_t>(strength)];
   }
 }
 

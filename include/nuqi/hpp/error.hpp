@@ -84,8 +84,8 @@ struct Outcome {
   constexpr Outcome(StatusCode failure, const char* reason) noexcept
       : status(failure), why(reason) {}
   /// Of a C function: its status says all. Warnings and counts are successes.
-  constexpr Outcome(StatusCode of_call) noexcept
-      : status(of_call) {}  // NOLINT(google-explicit-constructor)
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  constexpr Outcome(StatusCode of_call) noexcept : status(of_call) {}
 
   [[nodiscard]] constexpr bool failed() const noexcept { return status < 0; }
   [[nodiscard]] const char* reason() const noexcept {

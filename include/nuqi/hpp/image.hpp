@@ -55,9 +55,8 @@ class Image {
   [[nodiscard]] View<T, Channels> view() noexcept { return view_; }
   [[nodiscard]] View<const T, Channels> view() const noexcept { return view_; }
   operator View<T, Channels>() noexcept { return view_; }  // NOLINT(google-explicit-constructor)
-  operator View<const T, Channels>() const noexcept {
-    return view_;
-  }  // NOLINT(google-explicit-constructor)
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  operator View<const T, Channels>() const noexcept { return view_; }
 
   [[nodiscard]] T* data() noexcept { return view_.data(); }
   [[nodiscard]] const T* data() const noexcept { return view_.data(); }
