@@ -101,7 +101,8 @@ std::string bash_completion(const CLI::App& app) {
       const std::string words = values_of(*option);
       if (words.empty()) continue;
       for (const std::string& long_name : option->get_lnames()) {
-        values += "    \"" + name + " --" + long_name + "\") choices=\"" + words + "\" ;;\n";
+        values.append("    \"").append(name).append(" --").append(long_name);
+        values.append("\") choices=\"").append(words).append("\" ;;\n");
       }
     }
   }
