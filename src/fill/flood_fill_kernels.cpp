@@ -1,7 +1,7 @@
 // Flood fills of equal pixels.
 #include "core/simd/reduce.h"
+#include "fill/fill_region.h"
 #include "fill/flood_fill.h"
-#include "fill/word_fill.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {

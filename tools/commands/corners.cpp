@@ -7,7 +7,6 @@
 #include "clock.h"
 #include "commands/commands.h"
 #include "core/isa.h"
-#include "failure.h"
 #include "pictures/corner_points.h"
 #include "pictures/file.h"
 #include "report.h"

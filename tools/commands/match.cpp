@@ -10,7 +10,6 @@
 #include "clock.h"
 #include "commands/commands.h"
 #include "core/isa.h"
-#include "failure.h"
 #include "pictures/file.h"
 #include "pictures/template_match.h"
 #include "progress.h"

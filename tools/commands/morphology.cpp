@@ -9,7 +9,6 @@
 #include "commands/commands.h"
 #include "commands/element.h"
 #include "core/isa.h"
-#include "failure.h"
 #include "pictures/strips.h"
 #include "report.h"
 
