@@ -32,7 +32,7 @@ std::string program_of(const std::string& text, const std::vector<Declaration>& 
   std::string body = "  StatusCode status = " + call + ";\n  return status < 0;\n}\n";
   if (line != std::string::npos) body = indented(text.substr(0, line)) + body;
   for (size_t i = declarations.size(); i-- > 0;)
-    if (has_word(body, declarations[i].name)) body = indented(declarations[i].lines) + body;
+    if (has_word(body, declarations[i].name)) body.insert(0, indented(declarations[i].lines));
   if (has_word(body, "roi")) body = "  RoiSize roi = {width, height};\n" + body;
   return "#include <nuqi/nuqi.h>\n#include <stdlib.h>\n\nint main(void) {\n  enum { width = " +
          std::to_string(size.width) + ", height = " + std::to_string(size.height) + " };\n" + body;
