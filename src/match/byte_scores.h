@@ -21,6 +21,7 @@ struct Scorer {
   void (*put)(void* scores, int64_t y, int rows,
               const ProductRows& products);  // one after the other
   Totals tpl;
+  bool products_alone;  // the scores are the sums of products
 };
 
 template <Measure m, class T>
@@ -39,7 +40,7 @@ class ByteScores {
             [](void* self, int64_t y, int rows, const ProductRows& products) {
               ((ByteScores*)self)->put(y, rows, products);
             },
-            tpl_};
+            tpl_, m == Measure::corr};
   }
 
  private:

@@ -14,7 +14,7 @@ namespace {
 constexpr int kShared = kRegBytes == 64 ? 6 : kRegBytes == 32 ? 5 : 4;
 // A block of results is computed from cells that are laid out once; of a template larger than a piece, one
 // piece after the other.
-constexpr int kRows = 4 * kShared;
+constexpr int kRows = 8 * kShared;
 constexpr int kPiece = 64;
 constexpr int kStep = kColumns + kPiece;  // cells of a row of pixels
 constexpr int kPlacements = kRegBytes / 4 * kDotGroup;
@@ -84,10 +84,10 @@ void take_pixels(const MatchJob<T>& job, int64_t x, int64_t y, const Block& bloc
 
 // ---- Products
 
-// The sums of R rows and kPlacements columns; of the pixels, and of the sums, the first is given. The template
-// has R - 1 rows at least. A lane is the sum modulo 2^32.
-template <int R, class T>
-NUQI_NOINLINE void multiply(const Cells<T>& cells, const DotCell<T>* src, int32_t* to) {
+// The sums of R rows and kPlacements columns, of 32 bits, as To; of the pixels, and of the sums, the first is
+// given. The template has R - 1 rows at least.
+template <int R, class T, class To>
+NUQI_NOINLINE void multiply(const Cells<T>& cells, const DotCell<T>* src, To* to, int64_t pitch) {
   constexpr int kLanes = kRegBytes / 4;
   Reg<int32_t> sums[R][kDotGroup];
   for_each<R>([&](int k) NUQI_FORCED {
@@ -114,27 +114,27 @@ NUQI_NOINLINE void multiply(const Cells<T>& cells, const DotCell<T>* src, int32_
   for (int i = R - 1; i < cells.height; ++i) add_row(i, [](int) { return true; });
   for_each<R - 1>([&](int i)
                       NUQI_FORCED { add_row(cells.height + i, [=](int k) { return k > i; }); });
-  for_each<R>([&](int k) NUQI_FORCED { store_in_turns(to + k * kColumns, sums[k]); });
+  for_each<R>([&](int k) NUQI_FORCED { store_in_turns(to + k * pitch, sums[k]); });
 }
 
-template <int R, class T>
-void multiply_rows(const Cells<T>& cells, const Block& block, Products& products) {
+template <int R, class T, class To>
+void multiply_rows(const Cells<T>& cells, const Block& block, To* to, int64_t pitch) {
   for (int k = 0; k < block.rows; k += R)
     for (int j = 0; j < block.columns; j += kPlacements)
-      multiply<R>(cells, cells.src + k * kStep + j, products.of_piece[k] + j);
+      multiply<R>(cells, cells.src + k * kStep + j, to + k * pitch + j, pitch);
 }
 
 // The products' sums of a block with the piece in `cells`, which the template's pixel (u, v) starts.
-template <class T>
+template <class T, class To>
 NUQI_NOINLINE void multiply_piece(const MatchJob<T>& job, const Block& block, int64_t u, int64_t v,
-                                  Cells<T>& cells, Products& products) {
+                                  Cells<T>& cells, To* to, int64_t pitch) {
   take_pixels(job, block.x + u, block.row + v, block, cells);
   if (block.rows % kShared == 0 && cells.height >= kShared - 1)
-    multiply_rows<kShared>(cells, block, products);
+    multiply_rows<kShared>(cells, block, to, pitch);
   else if (block.rows % 2 == 0)
-    multiply_rows<2>(cells, block, products);
+    multiply_rows<2>(cells, block, to, pitch);
   else
-    multiply_rows<1>(cells, block, products);
+    multiply_rows<1>(cells, block, to, pitch);
 }
 
 // With all pieces, one after the other.
@@ -147,7 +147,7 @@ NUQI_NOINLINE void multiply_pieces(const MatchJob<T>& job, const Block& block, C
   for (int64_t v = 0; v < job.tpl_roi.height; v += kPiece)
     for (int64_t u = 0; u < job.tpl_roi.width; u += kPiece) {
       take_piece(job, u, v, cells);
-      multiply_piece(job, block, u, v, cells, products);
+      multiply_piece(job, block, u, v, cells, products.of_piece[0], kColumns);
       for (int k = 0; k < block.rows; ++k)
         for (int j = 0; j < kColumns; j += 16) {
           double* const all = products.of_all[k] + j;
@@ -206,6 +206,8 @@ NUQI_NOINLINE void match_directly(const MatchJob<T>& job, const Scorer& scorer) 
   const int columns = width < kColumns ? int(width) : kColumns;
   const bool narrow = is_narrow(columns, job.tpl_roi.width);
   const bool whole = !narrow && job.tpl_roi.width <= kPiece && job.tpl_roi.height <= kPiece;
+  // Then registers of sums are stored as scores at once, which overlaps with the products that follow.
+  const bool at_once = scorer.products_alone && whole && columns == kColumns;
   Cells<T> cells;
   Products products;
   if (whole) take_piece(job, 0, 0, cells);
@@ -214,17 +216,22 @@ NUQI_NOINLINE void match_directly(const MatchJob<T>& job, const Scorer& scorer) 
     scorer.start(scorer.scores, x, columns);
     for (int64_t y = 0; y < height;) {
       const Block block = next_block(x, columns, y, height);
-      if (narrow)
-        multiply_narrow(job, block, scorer.tpl, products);
-      else if (whole)
-        multiply_piece(job, block, 0, 0, cells, products);
-      else
-        multiply_pieces(job, block, cells, products);
       const int64_t first = y - block.row;
       const int rows = block.rows - int(first);
-      const int32_t* const ints = products.of_piece[first];
-      const double* const all = products.of_all[first];
-      scorer.put(scorer.scores, y, rows, {whole ? ints : nullptr, whole ? nullptr : all, kColumns});
+      if (at_once) {
+        multiply_piece(job, block, 0, 0, cells, row_of(job.dst, block.row) + x, job.dst.step / 4);
+      } else {
+        if (narrow)
+          multiply_narrow(job, block, scorer.tpl, products);
+        else if (whole)
+          multiply_piece(job, block, 0, 0, cells, products.of_piece[0], kColumns);
+        else
+          multiply_pieces(job, block, cells, products);
+        const int32_t* const ints = products.of_piece[first];
+        const double* const all = products.of_all[first];
+        scorer.put(scorer.scores, y, rows,
+                   {whole ? ints : nullptr, whole ? nullptr : all, kColumns});
+      }
       y += rows;
     }
   }

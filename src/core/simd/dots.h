@@ -46,11 +46,12 @@ NUQI_INLINE Reg<Cell> broadcast_group(const Cell* weights) {
   return lanes_as<Cell>(broadcast<int32_t, kRegBytes / 4>(group));
 }
 
-// The lanes of kDotGroup registers in turns: lane j of register p becomes number kDotGroup * j + p.
-NUQI_INLINE void store_in_turns(int32_t* to, const Reg<int32_t> (&a)[kDotGroup]) {
+// The lanes of kDotGroup registers in turns, as To: lane j of register p becomes number kDotGroup * j + p.
+template <class To>
+NUQI_INLINE void store_in_turns(To* to, const Reg<int32_t> (&a)[kDotGroup]) {
   constexpr int n = Reg<int32_t>::kLanes;
   const auto put = [&](int i, const auto& lanes) NUQI_FORCED {
-    store(to + i * n, Reg<int32_t>{{(Reg<int32_t>::Native)lanes}});
+    store(to + i * n, convert<To>(Reg<int32_t>{{(Reg<int32_t>::Native)lanes}}));
   };
   if constexpr (kDotGroup == 2) {
     const auto lanes = in_order(zip_groups(concat(a[0], a[1])));
