@@ -11,7 +11,7 @@ bench=(libbenchmark-dev clang)
 python=(python3-dev pybind11-dev python3-numpy python3-setuptools python3-wheel python3-pip python3-venv)
 python_tests=(python3-pytest python3-hypothesis python3-numpydoc mypy)
 python_bench=(python3-pytest-benchmark python3-skimage python3-scipy python3-pil python3-matplotlib)
-ci=("${bench[@]}" clang-format clang-tidy libclang-rt-14-dev googletest pkg-config
+ci=("${bench[@]}" ccache clang-format clang-tidy libclang-rt-14-dev googletest pkg-config
     g++-i686-linux-gnu g++-aarch64-linux-gnu qemu-user-static binutils)
 
 guard=(--no-remove)
