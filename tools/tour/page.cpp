@@ -132,8 +132,8 @@ class PageWriter {
       html += "<figure>\n" +
               pictures_.html(figure.shown, figure.alt,
                              section.id + "-" + stage + "-" + std::to_string(i + 1)) +
-              "<figcaption>\n<h3><small>" + stage + "</small> ";
-      html += escaped(figure.title) + "</h3>\n";
+              "<figcaption>\n<h3><small>";
+      html += stage + "</small> " + escaped(figure.title) + "</h3>\n";
       if (!figure.caption.empty()) html += "<p>" + figure.caption + "</p>\n";
       for (const Legend& legend : figure.legends) html += legend_html(legend);
       for (const Call& call : figure.calls) html += call_html(call, figure, section, facts_.isa);
