@@ -18,7 +18,7 @@ VERSION = ".".join(re.findall(r"NUQI_VERSION_\w+ (\d+)", (ROOT / "include/nuqi/n
 
 
 class CMakeBuild(build_ext):
-    """Leaves the module and its stub where setuptools looks for a compiled extension."""
+    """Leaves the module, and what is made from nuqi.h, where setuptools looks for a compiled extension."""
 
     def build_extension(self, extension: Extension) -> None:
         build = pathlib.Path(os.environ.get("NUQI_BUILD_DIR", self.build_temp)).resolve()
@@ -34,7 +34,8 @@ class CMakeBuild(build_ext):
         built = build / "python" / "nuqi"
         shutil.copy(built / target.name, target)
         subprocess.run(["strip", "--strip-unneeded", target], check=False)
-        shutil.copy(built / "c.pyi", target.parent)
+        for made in ("c.pyi", "_header.py"):
+            shutil.copy(built / made, target.parent)
 
 
 setup(version=VERSION, ext_modules=[Extension("nuqi._native", [])], cmdclass={"build_ext": CMakeBuild})

@@ -2,34 +2,18 @@
 
 from __future__ import annotations
 
-from typing import Any, NamedTuple, Optional, Sequence, Union
+from typing import Any, Optional, Sequence, Union
 
 import numpy as np
 
 from nuqi import _native
-from nuqi._types import Array
+from nuqi._results import Filled, Region
+from nuqi._types import Array, dtype_of, shape_of
 
 Footprint = Union[int, Sequence[int], Array]
 
 
-class Region(NamedTuple):
-    """What a flood fill has painted: how many pixels, and the smallest rectangle around them."""
-
-    area: int
-    top: int
-    left: int
-    height: int
-    width: int
-
-
-class Filled(NamedTuple):
-    """An image after a flood fill, and what was painted."""
-
-    image: Array
-    region: Region
-
-
-def _shape(footprint: Footprint) -> Any:
+def footprint_of(footprint: Footprint) -> Any:
     """An array of pixels as bytes, or (height, width)."""
     if isinstance(footprint, (int, np.integer)):
         return (int(footprint), int(footprint))
@@ -43,6 +27,9 @@ def erode(
 ) -> Array:
     """
     Take the least of the pixels under a footprint.
+
+    Bright objects shrink and vanish if they are smaller than the footprint; dark ones grow. Of a mask of 0 and
+    255 what stays are the pixels around which the whole footprint fits in.
 
     Parameters
     ----------
@@ -70,6 +57,12 @@ def erode(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    dilate : The opposite; after an erosion it is an opening.
+    Morphology : The same strip by strip, for images larger than memory.
+    distance_transform : How many steps inside each pixel lies.
+
     Examples
     --------
     >>> image = np.zeros((4, 5), np.uint8)
@@ -81,8 +74,8 @@ def erode(
            [0, 0, 9, 0, 0]], dtype=uint8)
     """
     if out is None:
-        out = np.empty(np.shape(image), np.asanyarray(image).dtype)
-    _native.erode(image, _shape(footprint), anchor, out)
+        out = np.empty(shape_of(image), dtype_of(image))
+    _native.erode(image, footprint_of(footprint), anchor, out)
     return out
 
 
@@ -91,6 +84,9 @@ def dilate(
 ) -> Array:
     """
     Take the greatest of the pixels under a footprint.
+
+    Bright objects grow and close gaps that are narrower than the footprint. Erode, then dilate for an opening,
+    which removes small bright objects; dilate, then erode for a closing, which fills small dark ones.
 
     Parameters
     ----------
@@ -116,6 +112,11 @@ def dilate(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    erode : The opposite.
+    Morphology : The same strip by strip, for images larger than memory.
+
     Examples
     --------
     >>> image = np.zeros((3, 5), np.uint8)
@@ -126,8 +127,8 @@ def dilate(
            [0, 0, 9, 0, 0]], dtype=uint8)
     """
     if out is None:
-        out = np.empty(np.shape(image), np.asanyarray(image).dtype)
-    _native.dilate(image, _shape(footprint), anchor, out)
+        out = np.empty(shape_of(image), dtype_of(image))
+    _native.dilate(image, footprint_of(footprint), anchor, out)
     return out
 
 
@@ -143,6 +144,9 @@ def flood_fill(
 ) -> Filled:
     """
     Paint the connected region of a pixel.
+
+    The paint bucket of a drawing program: label objects by filling each with another value, fill holes from the
+    outside, or take the pixels around one that look like it.
 
     Parameters
     ----------
@@ -173,6 +177,11 @@ def flood_fill(
         The seed lies outside the image, or a value or step is out of its range.
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    See Also
+    --------
+    histogram : How many pixels have each label.
+    min_max : A pixel to begin with.
 
     Examples
     --------

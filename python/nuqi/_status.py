@@ -4,7 +4,20 @@ import enum
 
 
 class Status(enum.IntEnum):
-    """The statuses of nuqi.h."""
+    """
+    Name the statuses of nuqi.h.
+
+    What `StatusError.status` is: compare it to tell why a call failed.
+
+    See Also
+    --------
+    StatusError : What carries one.
+
+    Examples
+    --------
+    >>> nuqi.Status.BadSize, int(nuqi.Status.BadSize)
+    (<Status.BadSize: -9939>, -9939)
+    """
 
     Ok = 0
     NothingToDo = 1
@@ -22,9 +35,10 @@ class Status(enum.IntEnum):
 
 
 class StatusError(ValueError):
-    """A call that failed.
+    """
+    Tell that a call failed.
 
-    It is a `ValueError`, too.
+    It is a `ValueError`, too, and its text says in a sentence what was wrong with which sizes.
 
     Parameters
     ----------
@@ -41,6 +55,18 @@ class StatusError(ValueError):
         One of the statuses of nuqi.h.
     function : str
         The name of the function that refused.
+
+    See Also
+    --------
+    Status : What may be wrong.
+
+    Examples
+    --------
+    >>> try:
+    ...     nuqi.pyramid_down(np.zeros((3, 4), np.uint8))
+    ... except nuqi.StatusError as error:
+    ...     error.function, error.status
+    ('pyramid_down', <Status.BadSize: -9939>)
     """
 
     def __init__(self, status: int, function: str, text: str) -> None:

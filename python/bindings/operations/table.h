@@ -29,6 +29,7 @@ Operations filter_operations();
 Operations feature_operations();
 Operations morphology_operations();
 Operations fill_operations();
+Operations strip_operations();
 Operations motion_operations();
 
 }  // namespace nuqi::python
