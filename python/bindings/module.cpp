@@ -29,7 +29,7 @@ PyObject* enter_operation(PyObject* self, PyObject* const* arguments, Py_ssize_t
   } catch (const Raised&) {
     return nullptr;
   } catch (const Error& error) {
-    return raise_error(error);
+    return raise_error(error, operation->function, arguments, operation->count);
   } catch (const std::bad_alloc&) {
     return PyErr_NoMemory();
   }

@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import Optional, Sequence, Union
+from collections.abc import Sequence
 
 import numpy as np
 
@@ -10,7 +10,7 @@ from nuqi import _native
 from nuqi._types import Array, dtype_of, shape_of
 
 
-def accumulate(image: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+def accumulate(image: Array, accumulator: Array, *, mask: Array | None = None) -> Array:
     """
     Add an image to an accumulator, in place.
 
@@ -54,7 +54,7 @@ def accumulate(image: Array, accumulator: Array, *, mask: Optional[Array] = None
     return accumulator
 
 
-def accumulate_square(image: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+def accumulate_square(image: Array, accumulator: Array, *, mask: Array | None = None) -> Array:
     """
     Add the squares of an image to an accumulator, in place.
 
@@ -97,7 +97,7 @@ def accumulate_square(image: Array, accumulator: Array, *, mask: Optional[Array]
     return accumulator
 
 
-def accumulate_product(a: Array, b: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+def accumulate_product(a: Array, b: Array, accumulator: Array, *, mask: Array | None = None) -> Array:
     """
     Add the product of two images to an accumulator, in place.
 
@@ -142,7 +142,7 @@ def accumulate_product(a: Array, b: Array, accumulator: Array, *, mask: Optional
     return accumulator
 
 
-def accumulate_weighted(image: Array, accumulator: Array, *, alpha: float, mask: Optional[Array] = None) -> Array:
+def accumulate_weighted(image: Array, accumulator: Array, *, alpha: float, mask: Array | None = None) -> Array:
     """
     Move an accumulator towards an image by a share of their difference, in place.
 
@@ -188,7 +188,7 @@ def accumulate_weighted(image: Array, accumulator: Array, *, alpha: float, mask:
     return accumulator
 
 
-def abs_diff(a: Array, b: Union[Array, float], *, out: Optional[Array] = None) -> Array:
+def abs_diff(a: Array, b: Array | float, *, out: Array | None = None) -> Array:
     """
     Compute the absolute difference of two images, or of an image and a number.
 
@@ -232,7 +232,7 @@ def abs_diff(a: Array, b: Union[Array, float], *, out: Optional[Array] = None) -
     return out
 
 
-def split(image: Array, *, out: Optional[Sequence[Array]] = None) -> tuple[Array, ...]:
+def split(image: Array, *, out: Sequence[Array] | None = None) -> tuple[Array, ...]:
     """
     Copy the channels of an image to planes.
 
@@ -277,7 +277,7 @@ def split(image: Array, *, out: Optional[Sequence[Array]] = None) -> tuple[Array
     return planes
 
 
-def join(planes: Sequence[Array], *, out: Optional[Array] = None) -> Array:
+def join(planes: Sequence[Array], *, out: Array | None = None) -> Array:
     """
     Make planes the channels of one image.
 
@@ -314,6 +314,8 @@ def join(planes: Sequence[Array], *, out: Optional[Array] = None) -> Array:
             [ 2, 12, 22]]], dtype=uint8)
     """
     planes = tuple(planes)
+    if len(planes) not in (3, 4):
+        raise ValueError(f"planes: expected three or four, got {len(planes)}")
     if out is None:
         first = np.asanyarray(planes[0])
         out = np.empty((*first.shape, len(planes)), first.dtype)

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-from typing import Optional
 
 import numpy as np
 
@@ -13,11 +12,11 @@ from nuqi._types import Array, shape_of
 
 def canny(
     image: Array,
-    low: Optional[float] = None,
-    high: Optional[float] = None,
+    low: float | None = None,
+    high: float | None = None,
     *,
     operator: str = "sobel",
-    out: Optional[Array] = None,
+    out: Array | None = None,
 ) -> Array:
     """
     Find the edges of an image.
@@ -124,7 +123,7 @@ def canny_thresholds(image: Array, *, operator: str = "sobel", share: float = 0.
     return CannyThresholds(*_native.canny_thresholds(image, operator, share))
 
 
-def canny_from(dx: Array, dy: Array, *, low: float, high: float, out: Optional[Array] = None) -> Array:
+def canny_from(dx: Array, dy: Array, *, low: float, high: float, out: Array | None = None) -> Array:
     """
     Find edges in a pair of derivative images.
 

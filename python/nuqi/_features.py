@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-from typing import Optional, Union
 
 import numpy as np
 
@@ -10,7 +9,7 @@ from nuqi import _native
 from nuqi._types import Array, shape_of
 
 
-def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Optional[Array] = None) -> Array:
+def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Array | None = None) -> Array:
     """
     Compute how much of a corner each pixel is.
 
@@ -65,7 +64,7 @@ def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Optional[
     return out
 
 
-def eigen_vectors(image: Array, *, aperture: int = 3, block: int = 3, out: Optional[Array] = None) -> Array:
+def eigen_vectors(image: Array, *, aperture: int = 3, block: int = 3, out: Array | None = None) -> Array:
     """
     Compute the eigenvalues and vectors of the gradients around each pixel.
 
@@ -117,7 +116,7 @@ def eigen_vectors(image: Array, *, aperture: int = 3, block: int = 3, out: Optio
 
 
 def distance_transform(
-    image: Array, *, metric: Union[str, tuple[float, ...]] = "euclidean_5x5", out: Optional[Array] = None
+    image: Array, *, metric: str | tuple[float, ...] = "euclidean_5x5", out: Array | None = None
 ) -> Array:
     """
     Compute the distance of every pixel to the nearest one that is 0.
@@ -165,12 +164,12 @@ def distance_transform(
     """
     if out is None:
         out = np.empty(shape_of(image), np.float32)
-    _native.distance_transform(image, metric, out)
+    _native.distance_transform(image, tuple(metric) if np.ndim(metric) == 1 else metric, out)
     return out
 
 
 def match_template(
-    image: Array, template: Array, *, method: str = "coeff_normed", out: Optional[Array] = None
+    image: Array, template: Array, *, method: str = "coeff_normed", out: Array | None = None
 ) -> Array:
     """
     Score every place of a template in an image.

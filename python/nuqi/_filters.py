@@ -2,24 +2,23 @@
 
 from __future__ import annotations
 
-from typing import Optional
 
 import numpy as np
 
 from nuqi import _native
-from nuqi._types import Array, dtype_of, shape_of
+from nuqi._types import Any, Array, dtype_of, shape_of
 
 
-def result_type(image: Array) -> type[np.generic]:
+def result_type(image: Array) -> Any:
     """What filters write: int16 for bytes, float32 for floats."""
     return np.float32 if np.dtype(dtype_of(image)).kind == "f" else np.int16
 
 
-def _out(image: Array, out: Optional[Array]) -> Array:
+def _out(image: Array, out: Array | None) -> Array:
     return np.empty(shape_of(image), result_type(image)) if out is None else out
 
 
-def sobel3x3(image: Array, *, derivative: str = "dx", out: Optional[Array] = None) -> Array:
+def sobel3x3(image: Array, *, derivative: str = "dx", out: Array | None = None) -> Array:
     """
     Compute a 3x3 derivative by Sobel's weights.
 
@@ -70,7 +69,7 @@ def sobel3x3(image: Array, *, derivative: str = "dx", out: Optional[Array] = Non
     return out
 
 
-def scharr(image: Array, *, derivative: str = "dx", shift: int = 0, out: Optional[Array] = None) -> Array:
+def scharr(image: Array, *, derivative: str = "dx", shift: int = 0, out: Array | None = None) -> Array:
     """
     Compute a 3x3 derivative by Scharr's weights, which are alike in all directions.
 
@@ -120,7 +119,7 @@ def scharr(image: Array, *, derivative: str = "dx", shift: int = 0, out: Optiona
     return out
 
 
-def box_sum(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Array:
+def box_sum(image: Array, *, size: int = 3, out: Array | None = None) -> Array:
     """
     Sum up the pixels in a square window around each.
 
@@ -168,7 +167,7 @@ def box_sum(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Arra
 
 
 def sobel(
-    image: Array, *, x_order: int = 1, y_order: int = 0, aperture: int = 3, out: Optional[Array] = None
+    image: Array, *, x_order: int = 1, y_order: int = 0, aperture: int = 3, out: Array | None = None
 ) -> Array:
     """
     Compute a derivative of any orders by Sobel's operator.
@@ -223,7 +222,7 @@ def sobel(
     return out
 
 
-def laplace(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Array:
+def laplace(image: Array, *, size: int = 3, out: Array | None = None) -> Array:
     """
     Compute the sum of the second derivatives along x and y.
 
@@ -265,7 +264,7 @@ def laplace(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Arra
     return out
 
 
-def pyramid_down(image: Array, *, out: Optional[Array] = None) -> Array:
+def pyramid_down(image: Array, *, out: Array | None = None) -> Array:
     """
     Halve the size of an image, smoothed by 1 4 6 4 1 along both axes.
 
@@ -315,7 +314,7 @@ def pyramid_down(image: Array, *, out: Optional[Array] = None) -> Array:
     return out
 
 
-def pyramid_up(image: Array, *, out: Optional[Array] = None) -> Array:
+def pyramid_up(image: Array, *, out: Array | None = None) -> Array:
     """
     Double the size of an image, smoothed by 1 4 6 4 1 along both axes.
 

@@ -5,6 +5,7 @@ from __future__ import annotations
 import functools
 import re
 import textwrap
+from collections.abc import Mapping
 from typing import Any
 
 from nuqi._header import FUNCTIONS, SECTIONS
@@ -122,9 +123,10 @@ VALUES = {
 SIZES = {"h": 6, "w": 8, "m": 2, "n": 3}
 
 
-def look_up(table: dict[Any, str], function: str, section: str, name: str) -> str:
+def look_up(table: Mapping[Any, str], function: str, section: str, name: str) -> str:
     """What a table has for a name, that of the function or the section first."""
-    return table.get((function, name)) or table.get((section, name)) or table.get(name, "")
+    keys = ((function, name), (section, name), name)
+    return next((table[key] for key in keys if key in table), "")
 
 
 def array_of(type_: str) -> str:
@@ -137,7 +139,8 @@ def array_of(type_: str) -> str:
 
 def example_of(name: str, section: str, arguments: tuple[tuple[str, str], ...], returns: bool) -> list[str]:
     """A call with legal arguments, small ones of the right shapes."""
-    lines, passed = [], []
+    lines: list[str] = []
+    passed: list[str] = []
     data = "9" if "_32f_" in name else "1"
     shape = {"Rect": "0", "Cros": "1"}.get(name.partition("Strip_")[2][:4], "100")
     words = {

@@ -2,28 +2,28 @@
 
 from __future__ import annotations
 
-from typing import Any, Optional, Sequence, Union
+from collections.abc import Sequence
 
 import numpy as np
 
 from nuqi import _native
 from nuqi._results import Filled, Region
-from nuqi._types import Array, dtype_of, shape_of
+from nuqi._types import Any, Array, dtype_of, shape_of
 
-Footprint = Union[int, Sequence[int], Array]
+Footprint = int | Sequence[int] | Array
 
 
 def footprint_of(footprint: Footprint) -> Any:
     """An array of pixels as bytes, or (height, width)."""
     if isinstance(footprint, (int, np.integer)):
         return (int(footprint), int(footprint))
-    if isinstance(footprint, np.ndarray) and footprint.ndim == 2:
+    if np.ndim(footprint) == 2:
         return np.ascontiguousarray(footprint, bool)
-    return tuple(footprint)
+    return footprint
 
 
 def erode(
-    image: Array, footprint: Footprint = 3, *, anchor: Optional[tuple[int, int]] = None, out: Optional[Array] = None
+    image: Array, footprint: Footprint = 3, *, anchor: tuple[int, int] | None = None, out: Array | None = None
 ) -> Array:
     """
     Take the least of the pixels under a footprint.
@@ -35,7 +35,7 @@ def erode(
     ----------
     image : (h, w), (h, w, 3) or (h, w, 4) array of uint8 or float32
         The image. Pixels beyond an edge equal the edge pixel; channels are processed each on its own.
-    footprint : int, (height, width) or array of bool
+    footprint : int, (height, width) or (m, n) array of bool
         The pixels around a pixel that count: a square, a rectangle, or those that are True. Rectangles and crosses
         are recognised, and are faster.
     anchor : tuple of int, optional
@@ -80,7 +80,7 @@ def erode(
 
 
 def dilate(
-    image: Array, footprint: Footprint = 3, *, anchor: Optional[tuple[int, int]] = None, out: Optional[Array] = None
+    image: Array, footprint: Footprint = 3, *, anchor: tuple[int, int] | None = None, out: Array | None = None
 ) -> Array:
     """
     Take the greatest of the pixels under a footprint.
@@ -92,7 +92,7 @@ def dilate(
     ----------
     image : (h, w), (h, w, 3) or (h, w, 4) array of uint8 or float32
         The image. Pixels beyond an edge equal the edge pixel; channels are processed each on its own.
-    footprint : int, (height, width) or array of bool
+    footprint : int, (height, width) or (m, n) array of bool
         The pixels around a pixel that count, as for `erode`. It is not reflected: for an opening or closing turn
         it by 180 degrees, ``footprint[::-1, ::-1]``, for the second step, its anchor too.
     anchor : tuple of int, optional
@@ -138,8 +138,8 @@ def flood_fill(
     value: float,
     connectivity: int = 4,
     *,
-    lower: Optional[float] = None,
-    upper: Optional[float] = None,
+    lower: float | None = None,
+    upper: float | None = None,
     in_place: bool = False,
 ) -> Filled:
     """

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-from typing import Optional
 
 import numpy as np
 
@@ -59,7 +58,7 @@ def motion_history(silhouette: Array, history: Array, *, timestamp: float, durat
     return history
 
 
-def arctan(y: Array, x: Array, *, out: Optional[Array] = None) -> Array:
+def arctan(y: Array, x: Array, *, out: Array | None = None) -> Array:
     """
     Compute the angles of vectors in degrees.
 
@@ -105,7 +104,7 @@ def arctan(y: Array, x: Array, *, out: Optional[Array] = None) -> Array:
 
 
 def sample_line(
-    image: Array, *, start: tuple[int, int], end: tuple[int, int], out: Optional[Array] = None
+    image: Array, *, start: tuple[int, int], end: tuple[int, int], out: Array | None = None
 ) -> Array:
     """
     Copy the pixels along a straight line, both ends included.

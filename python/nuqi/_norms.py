@@ -2,13 +2,11 @@
 
 from __future__ import annotations
 
-from typing import Any, Optional
-
 from nuqi import _native
-from nuqi._types import Array, of_channels
+from nuqi._types import Any, Array, of_channels
 
 
-def norm_inf(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_inf(image: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Find the largest magnitude of an image.
 
@@ -48,7 +46,7 @@ def norm_inf(image: Array, *, mask: Optional[Array] = None, channel: Optional[in
     return of_channels(image, channel, lambda one: _native.norm_inf(image, mask, one))
 
 
-def norm_l1(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_l1(image: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Sum up the magnitudes of an image.
 
@@ -88,7 +86,7 @@ def norm_l1(image: Array, *, mask: Optional[Array] = None, channel: Optional[int
     return of_channels(image, channel, lambda one: _native.norm_l1(image, mask, one))
 
 
-def norm_l2(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_l2(image: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Compute the root of the sum of an image's squares.
 
@@ -129,7 +127,7 @@ def norm_l2(image: Array, *, mask: Optional[Array] = None, channel: Optional[int
     return of_channels(image, channel, lambda one: _native.norm_l2(image, mask, one))
 
 
-def norm_diff_inf(a: Array, b: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_diff_inf(a: Array, b: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Find the largest difference of two images.
 
@@ -171,7 +169,7 @@ def norm_diff_inf(a: Array, b: Array, *, mask: Optional[Array] = None, channel: 
     return of_channels(a, channel, lambda one: _native.norm_diff_inf(a, b, mask, one))
 
 
-def norm_diff_l1(a: Array, b: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_diff_l1(a: Array, b: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Sum up the differences of two images.
 
@@ -213,7 +211,7 @@ def norm_diff_l1(a: Array, b: Array, *, mask: Optional[Array] = None, channel: O
     return of_channels(a, channel, lambda one: _native.norm_diff_l1(a, b, mask, one))
 
 
-def norm_diff_l2(a: Array, b: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_diff_l2(a: Array, b: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Compute the root of the sum of squared differences.
 
@@ -255,7 +253,7 @@ def norm_diff_l2(a: Array, b: Array, *, mask: Optional[Array] = None, channel: O
     return of_channels(a, channel, lambda one: _native.norm_diff_l2(a, b, mask, one))
 
 
-def norm_rel_inf(a: Array, b: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_rel_inf(a: Array, b: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Find the largest difference, relative to the second image's.
 
@@ -297,7 +295,7 @@ def norm_rel_inf(a: Array, b: Array, *, mask: Optional[Array] = None, channel: O
     return of_channels(a, channel, lambda one: _native.norm_rel_inf(a, b, mask, one))
 
 
-def norm_rel_l1(a: Array, b: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_rel_l1(a: Array, b: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Sum up differences, relative to the second image's sum.
 
@@ -339,7 +337,7 @@ def norm_rel_l1(a: Array, b: Array, *, mask: Optional[Array] = None, channel: Op
     return of_channels(a, channel, lambda one: _native.norm_rel_l1(a, b, mask, one))
 
 
-def norm_rel_l2(a: Array, b: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def norm_rel_l2(a: Array, b: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Compute the l2 norm of the difference over that of the second.
 

@@ -1,13 +1,9 @@
-"""Results of several parts: tuples whose entries have names."""
+"""Results of several parts: tuples whose entries have names, and types in _results.pyi."""
 
-from __future__ import annotations
-
-from typing import Any, NamedTuple
-
-from nuqi._types import Array
+from collections import namedtuple
 
 
-class CannyThresholds(NamedTuple):
+class CannyThresholds(namedtuple("CannyThresholds", "low high")):
     """
     Name the thresholds of `canny`.
 
@@ -31,11 +27,10 @@ class CannyThresholds(NamedTuple):
     71.0
     """
 
-    low: float
-    high: float
+    __slots__ = ()
 
 
-class Filled(NamedTuple):
+class Filled(namedtuple("Filled", "image region")):
     """
     Hold an image after a flood fill, and what was painted.
 
@@ -58,11 +53,10 @@ class Filled(NamedTuple):
     array([[9, 9, 9]], dtype=uint8)
     """
 
-    image: Array
-    region: Region
+    __slots__ = ()
 
 
-class Region(NamedTuple):
+class Region(namedtuple("Region", "area top left height width")):
     """
     Tell what a flood fill has painted.
 
@@ -92,14 +86,10 @@ class Region(NamedTuple):
     Region(area=1, top=1, left=1, height=1, width=1)
     """
 
-    area: int
-    top: int
-    left: int
-    height: int
-    width: int
+    __slots__ = ()
 
 
-class Histogram(NamedTuple):
+class Histogram(namedtuple("Histogram", "counts levels")):
     """
     Hold numbers of pixels, and the levels between which they lie.
 
@@ -122,11 +112,10 @@ class Histogram(NamedTuple):
     Histogram(counts=array([2, 1]), levels=array([  0, 128, 256]))
     """
 
-    counts: Array
-    levels: Array
+    __slots__ = ()
 
 
-class JointHistogram(NamedTuple):
+class JointHistogram(namedtuple("JointHistogram", "counts levels second_levels")):
     """
     Hold numbers of pixels by both channels, and the levels of each.
 
@@ -154,12 +143,10 @@ class JointHistogram(NamedTuple):
            [1, 0]])
     """
 
-    counts: Array
-    levels: Array
-    second_levels: Array
+    __slots__ = ()
 
 
-class MeanStd(NamedTuple):
+class MeanStd(namedtuple("MeanStd", "mean std")):
     """
     Hold a mean and a standard deviation.
 
@@ -182,11 +169,10 @@ class MeanStd(NamedTuple):
     MeanStd(mean=2.0, std=1.0)
     """
 
-    mean: Any
-    std: Any
+    __slots__ = ()
 
 
-class MinMax(NamedTuple):
+class MinMax(namedtuple("MinMax", "min max min_at max_at")):
     """
     Hold the least and the greatest pixel, and where they are first met.
 
@@ -213,7 +199,4 @@ class MinMax(NamedTuple):
     MinMax(min=2, max=9, min_at=(0, 1), max_at=(1, 0))
     """
 
-    min: Any
-    max: Any
-    min_at: Any
-    max_at: Any
+    __slots__ = ()

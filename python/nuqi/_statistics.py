@@ -4,16 +4,16 @@ from __future__ import annotations
 
 import functools
 import operator
-from typing import Any, Optional, Sequence, Union
+from collections.abc import Sequence
 
 import numpy as np
 
 from nuqi import _native
 from nuqi._results import Histogram, JointHistogram, MeanStd, MinMax
-from nuqi._types import Array, of_channels, per_channel
+from nuqi._types import Any, Array, of_channels, per_channel
 
 
-def mean(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def mean(image: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Compute the mean of an image.
 
@@ -54,7 +54,7 @@ def mean(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] =
     return of_channels(image, channel, lambda one: _native.mean(image, mask, one))
 
 
-def mean_std(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> MeanStd:
+def mean_std(image: Array, *, mask: Array | None = None, channel: int | None = None) -> MeanStd:
     """
     Compute the mean and the standard deviation of an image.
 
@@ -97,7 +97,7 @@ def mean_std(image: Array, *, mask: Optional[Array] = None, channel: Optional[in
     return MeanStd(*(np.array(found).T if isinstance(found, list) else found))
 
 
-def min_max(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> MinMax:
+def min_max(image: Array, *, mask: Array | None = None, channel: int | None = None) -> MinMax:
     """
     Find the least and the greatest pixel, and where each is met first.
 
@@ -150,7 +150,7 @@ def _equal_levels(bins: int) -> tuple[int, ...]:
     return tuple(256 * i // bins for i in range(bins + 1))
 
 
-def _levels(levels: Union[int, Sequence[int], Array]) -> tuple[int, ...]:
+def _levels(levels: int | Sequence[int] | Array) -> tuple[int, ...]:
     try:
         return _equal_levels(operator.index(levels))  # type: ignore[arg-type]
     except TypeError:
@@ -161,7 +161,7 @@ def _levels(levels: Union[int, Sequence[int], Array]) -> tuple[int, ...]:
         raise TypeError("levels: expected a number of bins or integers from 0 to 256 that ascend") from None
 
 
-def histogram(image: Array, levels: Union[int, Sequence[int], Array] = 256) -> Histogram:
+def histogram(image: Array, levels: int | Sequence[int] | Array = 256) -> Histogram:
     """
     Count the pixels between levels.
 
@@ -204,7 +204,7 @@ def histogram(image: Array, levels: Union[int, Sequence[int], Array] = 256) -> H
 
 
 def joint_histogram(
-    image: Array, levels: Union[int, Sequence[int], Array] = 256, second_levels: Any = None
+    image: Array, levels: int | Sequence[int] | Array = 256, second_levels: Any = None
 ) -> JointHistogram:
     """
     Count how often values of two channels come together.

@@ -2,14 +2,14 @@
 
 from __future__ import annotations
 
-from typing import Any, Iterable, Iterator, Optional
+from collections.abc import Iterable, Iterator
 
 import numpy as np
 
 from nuqi import _native
 from nuqi._filters import result_type
 from nuqi._morphology import Footprint, footprint_of
-from nuqi._types import Array, dtype_of, shape_of
+from nuqi._types import Any, Array, dtype_of, shape_of
 
 
 class Strips:
@@ -45,7 +45,7 @@ class Strips:
         """
         _native.strips_begin(self._native)
 
-    def feed(self, strip: Array, *, out: Optional[Array] = None) -> Array:
+    def feed(self, strip: Array, *, out: Array | None = None) -> Array:
         """
         Take the next strip of an image, and give the rows of the result that are due.
 
@@ -94,7 +94,7 @@ class Strips:
         self._row_shape, self._dtype = shape[1:], out.dtype
         return out if len(out) == due else out[:due]
 
-    def finish(self, *, out: Optional[Array] = None) -> Array:
+    def finish(self, *, out: Array | None = None) -> Array:
         """
         End an image, and give the rows of the result that are left.
 
@@ -322,7 +322,7 @@ class Morphology(Strips):
     """
 
     def __init__(
-        self, operation: str, footprint: Footprint = 3, *, anchor: Optional[tuple[int, int]] = None
+        self, operation: str, footprint: Footprint = 3, *, anchor: tuple[int, int] | None = None
     ) -> None:
         super().__init__(_native.strips_of_morphology(operation, footprint_of(footprint), anchor))
 

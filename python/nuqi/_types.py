@@ -2,18 +2,23 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Callable, Optional
+from collections.abc import Callable
 
 import numpy as np
 
+# What typing has for this; importing that takes longer than all of this package.
+TYPE_CHECKING = False
 if TYPE_CHECKING:
+    from typing import Any
+
     from numpy.typing import NDArray
 
     Array = NDArray[Any]
-else:  # numpy.typing takes longer to import than all of this package
+else:
+    Any = object
     Array = np.ndarray
 
-__all__ = ["Array", "dtype_of", "of_channels", "per_channel", "shape_of"]
+__all__ = ["Any", "Array", "dtype_of", "of_channels", "per_channel", "shape_of"]
 
 
 def shape_of(image: Array) -> tuple[int, ...]:
@@ -26,7 +31,7 @@ def dtype_of(image: Array) -> Any:
     return image.dtype if isinstance(image, np.ndarray) else np.uint8
 
 
-def per_channel(image: Array, channel: Optional[int], find: Callable[[Optional[int]], Any]) -> Any:
+def per_channel(image: Array, channel: int | None, find: Callable[[int | None], Any]) -> Any:
     """One result, or a list with that of each channel where none is named and there are several."""
     shape = shape_of(image)
     if channel is not None or len(shape) != 3:
@@ -34,7 +39,7 @@ def per_channel(image: Array, channel: Optional[int], find: Callable[[Optional[i
     return [find(each) for each in range(max(shape[2], 1))]  # images without channels are refused
 
 
-def of_channels(image: Array, channel: Optional[int], find: Callable[[Optional[int]], Any]) -> Any:
+def of_channels(image: Array, channel: int | None, find: Callable[[int | None], Any]) -> Any:
     """The same with an array instead of the list."""
     found = per_channel(image, channel, find)
     return np.array(found) if isinstance(found, list) else found

@@ -223,7 +223,7 @@ class TestConventions:
         ("call", "error", "says"),
         [
             (lambda: nuqi.mean(COLOURS[..., 1]), TypeError, "channel="),
-            (lambda: nuqi.erode([[1, 2]]), TypeError, r"np\.asarray\(image"),
+            (lambda: nuqi.erode([[1, 2]]), TypeError, r"np\.array\(image"),
             (lambda: nuqi.pyramid_down(BYTES[0]), TypeError, "expected shape"),
             (lambda: nuqi.sobel3x3(BYTES.astype(float)), TypeError, r"uint8, int8 or float32, got float64"),
             (lambda: nuqi.sobel3x3(BYTES, derivative="dz"), ValueError, "'dx', 'dy'"),

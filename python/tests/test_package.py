@@ -90,5 +90,4 @@ def _modules(statement: str) -> set[str]:
 
 
 def test_import_pulls_in_nothing_but_numpy() -> None:
-    found = {name for name in _modules("import nuqi") if not name.startswith("nuqi")}
-    assert found <= {"_typing", "typing", "typing.io", "typing.re"}
+    assert not {name for name in _modules("import nuqi") if not name.startswith("nuqi")}

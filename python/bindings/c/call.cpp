@@ -300,8 +300,10 @@ Call::~Call() {
 
 bool count_is(const Function& function, Py_ssize_t count, int fewest, int most) {
   if (count >= fewest && count <= most) return true;
-  PyErr_Format(PyExc_TypeError, "%s%s: got %zd arguments", function.name,
-               function.signature.c_str(), count);
+  PyErr_Format(
+      PyExc_TypeError, "%s%s: got %zd argument%s%s", function.name, function.signature.c_str(),
+      count, count == 1 ? "" : "s",
+      count > most ? "; steps and sizes come from arrays, points and sizes are pairs" : "");
   return false;
 }
 

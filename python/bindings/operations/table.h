@@ -17,6 +17,7 @@ struct Operation {
   const char* name;
   int count;  // of arguments
   PyObject* (*run)(Arguments);
+  const char* function = name;  // what Python's users call
 };
 struct Operations {
   const Operation* first;
