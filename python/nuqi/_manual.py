@@ -42,8 +42,8 @@ MEANINGS = {
     "maskSize": "The size of the window: 3, 5 or 7.",
     "maskType": "30 chessboard, 31 city block, 32 nearly Euclidean in 3x3, 52 in 5x5.",
     "metrics": "The weights of steps to the next pixel, diagonally and, for 5x5, by a knight's move.",
-    "phase": "Which part of the picture: 0 whole, 1 first stripe, 4 one in the middle, 2 last stripe.",
     "newValue": "What the region is painted with.",
+    "phase": "Which part of the picture: 0 whole, 1 first stripe, 4 one in the middle, 2 last stripe.",
     "roi": "The region's size in pixels.",
     "roiWidth": "The images' width in pixels.",
     "seed": "A pixel of the region.",
@@ -52,7 +52,7 @@ MEANINGS = {
     "silhouette": "Not 0 where something moves.",
     "src": "The image.",
     "src1": "One image.",
-    "src2": "The other image; a relative norm is divided by its norm.",
+    "src2": "The other image.",
     "srcRoi": "The source's size in pixels.",
     "start": "The first pixel.",
     "state": "A state that was made for the width, the type and the number of channels.",
@@ -74,6 +74,7 @@ MEANINGS = {
     ("Line samples", "dst"): "Where the pixels go, with room for all of them.",
     ("Morphology states", "mask"): "Not 0 for each pixel of the element, row by row; read for shape 100 alone.",
     ("Morphology states", "maskSize"): "The element's size in pixels.",
+    ("Norms", "src2"): "The other image, by whose norm a relative one is divided.",
     ("Template matching", "dst"): "Where the scores go.",
 }
 

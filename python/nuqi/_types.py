@@ -34,9 +34,11 @@ def dtype_of(image: Array) -> Any:
 def per_channel(image: Array, channel: int | None, find: Callable[[int | None], Any]) -> Any:
     """One result, or a list with that of each channel where none is named and there are several."""
     shape = shape_of(image)
-    if channel is not None or len(shape) != 3:
-        return find(channel)
-    return [find(each) for each in range(max(shape[2], 1))]  # images without channels are refused
+    if channel is None and len(shape) == 3:
+        return [find(each) for each in range(max(shape[2], 1))]  # images without channels are refused
+    if channel is not None and len(shape) == 2:
+        raise TypeError("channel: the image has shape (height, width), a single channel; leave channel= out")
+    return find(channel)
 
 
 def of_channels(image: Array, channel: int | None, find: Callable[[int | None], Any]) -> Any:

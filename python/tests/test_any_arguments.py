@@ -87,7 +87,7 @@ def test_all_operations_are_called() -> None:
         getattr(nuqi, name)(**copy.deepcopy(arguments))
 
 
-@settings(max_examples=1500, deadline=None)
+@settings(max_examples=600, deadline=None)
 @given(st.sampled_from(sorted(CALLS)), st.data())
 def test_any_argument_is_worked_on_or_refused(name: str, data: st.DataObject) -> None:
     arguments = copy.deepcopy(CALLS[name])

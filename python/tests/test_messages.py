@@ -49,6 +49,7 @@ MISTAKES: dict[str, tuple[Callable[[], object], str]] = {
     "one weight": (lambda: nuqi.distance_transform(GREY, metric=[1]), "metric: expected two or three weights, got 1"),
     "another word": (lambda: nuqi.canny(GREY, operator="prewitt"), "operator: expected one of 'sobel', 'scharr', got 'prewitt'"),
     "a negative channel": (lambda: nuqi.mean(COLOURS, channel=-1), "there is no such channel: they count from 0"),
+    "a channel of a single one": (lambda: nuqi.mean(GREY, channel=0), "leave channel= out"),
     "steps, as in C": (lambda: nuqi.c.nuqiAdd_8u32f_C1IR(GREY, 8, FLOATS, 32, (8, 6)), "(src, acc): got 5 arguments; steps and sizes come from arrays"),
     "two numbers for a size": (lambda: nuqi.c.nuqiCannyGetSize(8, 6), "points and sizes are pairs"),
     "an argument misspelt": (lambda: nuqi.c.nuqiCannyGetSize(ROI=(8, 6)), "no argument 'ROI'; it takes (roi)"),
