@@ -9,6 +9,35 @@ class Status(enum.IntEnum):
 
     What `StatusError.status` is: compare it to tell why a call failed.
 
+    Attributes
+    ----------
+    Ok : int
+        Success.
+    NothingToDo : int
+        A warning: a strip of a morphology had no rows to process.
+    Unsupported : int
+        An enumerated or ranged argument has a value outside its set.
+    BadSize : int
+        A size or an aperture is out of range, or sizes differ.
+    NullPtr : int
+        A pointer is null; arrays never are.
+    NoMemory : int
+        There is not enough memory.
+    DivByZero : int
+        A sum that would divide is zero.
+    BadArg : int
+        An argument is outside its range, or arrays overlap.
+    BadDataType : int
+        A type's number is not 1 (uint8), 2 (int8) or 9 (float32).
+    BadStep : int
+        A row stride is too small, or no multiple of the element's size; those of arrays are right.
+    BadContext : int
+        A state was made for another purpose.
+    BadCoi : int
+        There is no such channel.
+    BadChannels : int
+        A number of channels that the operation does not know.
+
     See Also
     --------
     StatusError : What carries one.

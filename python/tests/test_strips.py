@@ -1,5 +1,7 @@
 """Images in strips: equal to the operation on the whole image, whatever the strips' heights."""
 
+import io
+import re
 import threading
 from typing import Iterator
 
@@ -8,6 +10,7 @@ import nuqi
 import pytest
 from hypothesis import given, settings
 from hypothesis import strategies as st
+from prototypes import ROOT
 
 RNG = np.random.default_rng(3)
 IMAGE = RNG.integers(0, 256, (40, 9), np.uint8)
@@ -90,6 +93,14 @@ def test_stream_is_lazy_and_starts_anew() -> None:
     assert np.array_equal(first, nuqi.box_sum(IMAGE, size=5)[:8])
 
 
+def test_the_example_of_the_documents() -> None:
+    text = (ROOT / "docs/python.md").read_text(encoding="utf-8")
+    picture = RNG.integers(0, 256, (700, 50), np.uint8)
+    file = io.BytesIO()
+    exec(re.findall(r"```python\n(.*?)```", text, re.DOTALL)[0], {"nuqi": nuqi, "picture": picture, "file": file})
+    assert file.getvalue() == nuqi.dilate(nuqi.erode(picture, 9), 9).tobytes()
+
+
 def test_one_object_serves_all_widths_and_types() -> None:
     sums = nuqi.BoxSum()
     for image in (IMAGE, IMAGE[:, :3].copy(), IMAGE.astype(np.float32), IMAGE[:2], IMAGE.view(np.int8)):
@@ -121,6 +132,20 @@ def test_refusals(call: object, error: type[Exception], says: str) -> None:
     with pytest.raises(error, match=says):
         call(sums)  # type: ignore[operator]
     assert np.array_equal(np.concatenate(list(sums.stream([IMAGE]))), nuqi.box_sum(IMAGE))
+
+
+def test_a_refused_call_changes_nothing() -> None:
+    sums = nuqi.BoxSum(5)
+    rows = [sums.feed(IMAGE[:20])]
+    for wrong in (IMAGE[20:, 1:], IMAGE[20:].view(np.int8), IMAGE[20:20], None):
+        with pytest.raises((TypeError, ValueError)):
+            sums.feed(wrong)
+    rows.append(sums.feed(IMAGE[20:]))
+    with pytest.raises(nuqi.StatusError, match="fewer rows"):
+        sums.finish(out=np.zeros((1, 9), np.int16))
+    assert np.array_equal(np.concatenate([*rows, sums.finish()]), nuqi.box_sum(IMAGE, size=5))
+    with pytest.raises(nuqi.StatusError, match="no strip has come"):
+        sums.finish()
 
 
 def test_two_threads_cannot_feed_one() -> None:
