@@ -98,6 +98,8 @@ class StatusError(ValueError):
     ('pyramid_down', <Status.BadSize: -9939>)
     """
 
+    __module__ = "nuqi"  # as tracebacks call it
+
     def __init__(self, status: int, function: str, text: str) -> None:
         super().__init__(int(status), function, text)
         self.status = Status(status)
