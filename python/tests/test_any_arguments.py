@@ -1,6 +1,7 @@
 """Operations with arguments of any kind: an exception that a caller expects, or the right result."""
 
 import copy
+from collections.abc import Callable
 
 import numpy as np
 import nuqi
@@ -99,3 +100,29 @@ def test_any_argument_is_worked_on_or_refused(name: str, data: st.DataObject) ->
     except (TypeError, ValueError, OverflowError):
         return
     assert parts(found) == parts(getattr(nuqi, name)(**again))
+
+
+STRIPS = [lambda: nuqi.BoxSum(5), lambda: nuqi.Sobel(1, 2), nuqi.Laplace, lambda: nuqi.Morphology("dilate", (4, 2))]
+CALLS_OF_STRIPS = st.tuples(
+    st.sampled_from(["begin", "feed", "finish"]),
+    st.one_of(st.sampled_from([BYTES, BYTES[:1], FLOATS[:2], COLOURS]), ANYTHING),
+    st.one_of(st.none(), st.sampled_from([SHORT, SHORT[:1], np.zeros((9, 8), np.uint8)]), ANYTHING),
+)
+
+
+@settings(max_examples=300, deadline=None)
+@given(st.sampled_from(STRIPS), st.lists(CALLS_OF_STRIPS, max_size=8))
+def test_strips_take_any_calls_in_any_order(made: Callable[[], nuqi.BoxSum], calls: list[tuple]) -> None:
+    strips = made()
+    for method, strip, out in calls:
+        try:
+            if method == "begin":
+                strips.begin()
+            elif method == "feed":
+                strips.feed(strip, out=out)
+            else:
+                strips.finish(out=out)
+        except (TypeError, ValueError, OverflowError):
+            pass
+    # Whatever has been, the next image comes out right.
+    assert np.array_equal(np.concatenate(list(strips.stream([BYTES]))), np.concatenate(list(made().stream([BYTES]))))

@@ -236,6 +236,9 @@ class TestConventions:
         assert nuqi.min_max(image).max_at == (3, 7)
         painted, region = nuqi.flood_fill(image, (3, 7), 9)
         assert painted[3, 7] == 9 and region == (1, 3, 7, 1, 1)
+        image[1:3, 2:7] = 1
+        region = nuqi.flood_fill(image, (2, 3), 9).region
+        assert (region.area, region.top, region.left, region.height, region.width) == (10, 1, 2, 2, 5)
         assert nuqi.erode(np.ones((9, 9), np.uint8), (9, 1)).shape == (9, 9)
 
     def test_out_is_what_is_returned(self) -> None:
