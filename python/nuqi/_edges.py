@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-
 import numpy as np
 
 from nuqi import _native
@@ -23,7 +22,7 @@ def canny(
 
     Thin lines along the steps of brightness. Pixels whose derivative is stronger than that of their neighbours
     across the edge stay, those above `high` start edges, and those above `low` continue them. Noise gives
-    edges, too: smooth before, for example with `box_sum` or `pyramid_down`.
+    edges, too: smooth before, for example by ``(nuqi.box_sum(image) // 9).astype(np.uint8)``.
 
     Parameters
     ----------

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-
 import numpy as np
 
 from nuqi import _native
@@ -19,7 +18,7 @@ def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Array | N
     Parameters
     ----------
     image : (h, w) array of uint8, int8 or float32
-        The image; floats are scaled to 0 to 255.
+        The image. Scale floats to 0 to 255 before: of those of 0 to 1 little is left.
     aperture : {3, 5, 7}
         The size of the derivatives.
     block : {3, 5, 7}
@@ -31,7 +30,7 @@ def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Array | N
     Returns
     -------
     (h, w) array of float32
-        The smaller eigenvalue of the gradients around each pixel, by 1 / (4^(aperture - 1) * 255 * block^2).
+        The smaller eigenvalue of the gradients around each pixel, scaled by 1 / (4^(aperture - 1) * 255 * block^2).
 
     Raises
     ------
@@ -74,7 +73,7 @@ def eigen_vectors(image: Array, *, aperture: int = 3, block: int = 3, out: Array
     Parameters
     ----------
     image : (h, w) array of uint8, int8 or float32
-        The image; floats are scaled to 0 to 255.
+        The image. Scale floats to 0 to 255 before: of those of 0 to 1 little is left.
     aperture : {3, 5, 7}
         The size of the derivatives.
     block : {3, 5, 7}
