@@ -241,7 +241,7 @@ class TestErrors:
 
     @pytest.mark.parametrize(
         ("arguments", "error"),
-        [((), TypeError), ((1, 2), TypeError), ((1, 9, "3"), TypeError), ((1, 9, 2**40), OverflowError),
+        [((), TypeError), ((1, 2), TypeError), ((1, 9, "3"), TypeError), ((1, 9, 2**40), OverflowError), ((1, 9, 2**70), OverflowError),
          ((1, 9, 2.0), TypeError), ((0, 9, 3), nuqi.StatusError), ((1, 3, 3), nuqi.StatusError)],
     )  # fmt: skip
     def test_scalars(self, arguments: tuple[object, ...], error: type[Exception]) -> None:

@@ -68,8 +68,8 @@ PAIRS = {
     "min_eigen": lambda: (
         nuqi.min_eigen(BYTES, block=5), c_result("nuqiMinEigenVal_8u32f_C1R", BYTES, 3, 5, dtype=np.float32)),
     "eigen_vectors": lambda: (
-        nuqi.eigen_vectors(BYTES),
-        c_result("nuqiEigenValsVecs_8u32f_C1R", BYTES, 3, 3, shape=(24, 34, 6), dtype=np.float32)),
+        nuqi.eigen_vectors(BYTES, aperture=5, block=7),
+        c_result("nuqiEigenValsVecs_8u32f_C1R", BYTES, 5, 7, shape=(24, 34, 6), dtype=np.float32)),
     "distance": lambda: (
         nuqi.distance_transform(MASK, metric="city_block"),
         c_result("nuqiDistanceTransform_3x3_8u32f_C1R", MASK.view(np.uint8), np.array([1, 2], np.float32),
@@ -139,6 +139,22 @@ def test_match_template(method: str) -> None:
     expected = np.zeros((19, 27), np.float32)
     getattr(C, f"nuqiMatchTemplate_{c_name}_8u32f_C1R")(BYTES, template, expected)
     assert np.array_equal(nuqi.match_template(BYTES, template, method=method), expected)
+
+
+@pytest.mark.parametrize("derivative", ["dx", "dy", "d2x", "d2y", "dxdy"])
+def test_derivatives(derivative: str) -> None:
+    c_name = {"dx": "Dx", "dy": "Dy", "d2x": "D2x", "d2y": "D2y", "dxdy": "DxDy"}[derivative]
+    expected = c_result(f"nuqiSobel3x3_{c_name}_8u16s_C1R", BYTES, *([0] if "dy" in derivative else []))
+    assert np.array_equal(nuqi.sobel3x3(BYTES, derivative=derivative), expected)
+
+
+@pytest.mark.parametrize("channels", [3, 4])
+@pytest.mark.parametrize("dtype", [np.uint8, np.float32])
+def test_channels(channels: int, dtype: type) -> None:
+    image = RNG.integers(0, 256, (5, 7, channels)).astype(dtype)
+    planes = nuqi.split(image)
+    assert np.array_equal(planes, np.moveaxis(image, 2, 0))
+    assert np.array_equal(nuqi.join(planes), image)
 
 
 @pytest.mark.parametrize("mask", [None, MASK, MASK.view(np.uint8)])
