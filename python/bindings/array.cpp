@@ -2,6 +2,8 @@
 
 #include <pybind11/numpy.h>
 
+#include <algorithm>
+#include <cstring>
 #include <nuqi/hpp/checks.hpp>
 #include <string>
 
@@ -60,12 +62,54 @@ bool refuse(const Wanted& wanted, const std::string& why) {
   return false;
 }
 
+std::string type_text(const py::detail::PyArray_Proxy* array) {
+  return py::str(py::handle(array->descr));
+}
+
+// What makes an array of another type one of these. Values matter: floats of 0 to 1 would all become 0.
+std::string instead_of_type(const py::detail::PyArray_Proxy* array, const char* name,
+                            const Element* elements, int count) {
+  const std::string array_name = name;
+  const std::string first = std::string(".astype(np.") + numeric(elements[0]).name + ")";
+  const bool bytes = elements[0] == Element::u8;
+  const char kind = type_of(array)->kind;
+  if (kind == 'b' && bytes) return array_name + ".view(np.uint8)";
+  if (std::find(elements, elements + count, Element::f32) != elements + count && kind != 'b') {
+    const std::string floats = array_name + ".astype(np.float32)";
+    return kind == 'f' || !bytes ? floats
+                                 : floats + ", or " + array_name + first + " if it holds 0 to 255";
+  }
+  if (kind == 'f' && bytes) {
+    return array_name + ".clip(0, 255)" + first + ", or (" + array_name + " * 255)" + first +
+           " if it holds 0 to 1";
+  }
+  return array_name + first + (bytes ? " if it holds 0 to 255" : "");
+}
+
 bool refuse_type(const py::detail::PyArray_Proxy* array, const Wanted& wanted) {
   const std::string is = numeric(wanted.element).name;
-  const std::string got = py::str(py::handle(array->descr));
-  return refuse(wanted, "expected " + is + ", got " + got + "; pass " +
-                            (wanted.written ? "an array made with dtype=np." + is
-                                            : std::string(wanted.name) + ".astype(np." + is + ")"));
+  const std::string name = wanted.name;
+  return refuse(wanted,
+                "expected " + std::string(wanted.mask ? "bool or " : "") + is + ", got " +
+                    type_text(array) + "; pass " +
+                    (wanted.written ? "an array made with dtype=np." + is
+                     : wanted.mask  ? name + " != 0"
+                                    : instead_of_type(array, wanted.name, &wanted.element, 1)));
+}
+
+// How an image of another shape becomes one of so many channels, where that is likely.
+std::string instead_of_shape(const py::detail::PyArray_Proxy* array, const char* name,
+                             int channels) {
+  const auto* size = array->dimensions;
+  const std::string image = name;
+  if (array->nd == 1 && channels == 1) return "; pass " + image + "[np.newaxis] for a single row";
+  if (array->nd != 3) return "";
+  if (channels == 1 && size[2] == 1) return "; pass " + image + "[..., 0]";
+  if (channels == 1) return "; pass one channel at a time: nuqi.split separates them";
+  if (size[2] > channels && size[2] <= 4)
+    return "; pass " + image + "[..., :" + std::to_string(channels) + "].copy()";
+  if (size[0] == channels) return "; pass np.moveaxis(" + image + ", 0, -1).copy()";
+  return "";
 }
 
 bool refuse_shape(const py::detail::PyArray_Proxy* array, const Wanted& wanted) {
@@ -73,10 +117,9 @@ bool refuse_shape(const py::detail::PyArray_Proxy* array, const Wanted& wanted) 
   shape += wanted.channels > 1 ? ", " + std::to_string(wanted.channels) + ")"
            : wanted.list       ? ",)"
                                : ")";
-  const bool interleaved = wanted.channels == 1 && array->nd == 3 && !wanted.written;
-  return refuse(wanted,
-                "expected shape " + shape + ", got " + shape_text(array) +
-                    (interleaved ? "; pass one channel at a time: nuqi.split separates them" : ""));
+  const bool result = wanted.list || (wanted.written && std::strcmp(wanted.name, "image") != 0);
+  return refuse(wanted, "expected shape " + shape + ", got " + shape_text(array) +
+                            (result ? "" : instead_of_shape(array, wanted.name, wanted.channels)));
 }
 
 bool refuse_strides(const Wanted& wanted) {
@@ -88,6 +131,13 @@ bool refuse_strides(const Wanted& wanted) {
                                   "another downwards in memory; pass np.ascontiguousarray(") +
                           wanted.name +
                           "), or for one channel of several channel= or a plane of nuqi.split");
+}
+
+// Of numpy.ma: working on all pixels would be a silent mistake.
+bool is_masked(PyObject* array) {
+  return Py_TYPE(array) !=
+             reinterpret_cast<PyTypeObject*>(py::detail::npy_api::get().PyArray_Type_) &&
+         PyObject_HasAttrString(array, "mask") != 0;
 }
 
 View<const uint8_t> bytes_of(const Image& image) {
@@ -105,6 +155,11 @@ bool is_array(PyObject* object) {
   return PyObject_TypeCheck(object, py::detail::npy_api::get().PyArray_Type_) != 0;
 }
 
+std::string array_text(PyObject* array) {
+  const auto* proxy = py::detail::array_proxy(array);
+  return type_text(proxy) + " " + shape_text(proxy);
+}
+
 int find_type(PyObject* object, const char* name, const Element* elements, int count) {
   std::string all;
   for (int i = 0; i < count; ++i) {
@@ -113,13 +168,14 @@ int find_type(PyObject* object, const char* name, const Element* elements, int c
     all += (i == 0 ? "" : i + 1 == count ? " or " : ", ") + std::string(name_of(elements[i]));
   }
   std::string got = Py_TYPE(object)->tp_name;
-  std::string instead =
-      std::string("np.asarray(") + name + ", np." + name_of(elements[count - 1]) + ")";
+  std::string instead;
   if (is_array(object)) {
-    got = py::str(py::handle(py::detail::array_proxy(object)->descr));
-    instead = std::string(name) + ".astype(np." + name_of(elements[0]) + ")";
+    got = type_text(py::detail::array_proxy(object));
+    instead = "; pass " + instead_of_type(py::detail::array_proxy(object), name, elements, count);
+  } else if (PySequence_Check(object) != 0 && PyUnicode_Check(object) == 0) {
+    instead = std::string("; pass np.array(") + name + ", np." + name_of(elements[0]) + ")";
   }
-  refuse({name, elements[0]}, "expected an array of " + all + ", got " + got + "; pass " + instead);
+  refuse({name, elements[0]}, "expected an array of " + all + ", got " + got + instead);
   return -1;
 }
 
@@ -135,7 +191,10 @@ int find_channels(PyObject* object, const char* name, const int* channels, int c
            std::string("(height, width") +
            (channels[i] == 1 ? ")" : ", " + std::to_string(channels[i]) + ")");
   }
-  refuse({name, Element::u8}, "expected shape " + all + ", got " + shape_text(array));
+  std::string instead;
+  for (int i = count - 1; i >= 0 && instead.empty(); --i)
+    instead = instead_of_shape(array, name, channels[i]);
+  refuse({name, Element::u8}, "expected shape " + all + ", got " + shape_text(array) + instead);
   return -1;
 }
 
@@ -145,6 +204,11 @@ bool read_array(PyObject* object, const Wanted& wanted, Image* image) {
                               ", got " + Py_TYPE(object)->tp_name);
   }
   const auto* array = py::detail::array_proxy(object);
+  if (is_masked(object)) {
+    const std::string name = wanted.name;
+    return refuse(wanted, "expected an array without a mask; pass " + name +
+                              ".data, and where there is mask= ~np.ma.getmaskarray(" + name + ")");
+  }
   if (!has_type(array, wanted)) return refuse_type(array, wanted);
   if (array->nd != dimensions_of(wanted)) return refuse_shape(array, wanted);
   if (wanted.channels > 1 && array->dimensions[array->nd - 1] != wanted.channels)

@@ -5,6 +5,7 @@
 #include <Python.h>
 
 #include <cstdint>
+#include <string>
 
 namespace nuqi::python {
 
@@ -65,6 +66,9 @@ bool is_array(PyObject* object);
 // it is none.
 int find_type(PyObject* object, const char* name, const Element* elements, int count);
 int find_channels(PyObject* object, const char* name, const int* channels, int count);
+
+// "uint8 (6, 8)", for messages.
+std::string array_text(PyObject* array);
 
 // Whether two images share a byte, and whether they are one and the same.
 bool overlap(const Image& a, const Image& b);

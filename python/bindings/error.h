@@ -11,6 +11,8 @@ namespace nuqi::python {
 
 // Raise nuqi.StatusError; return null, as functions that Python calls do then.
 PyObject* raise_status(StatusCode status, const char* function, const std::string& sentence);
-PyObject* raise_error(const Error& error);
+// Of nuqi.hpp, in which sizes are width x height: what Python passed stands in its place.
+PyObject* raise_error(const Error& error, const char* function, PyObject* const* arguments,
+                      int count);
 
 }  // namespace nuqi::python

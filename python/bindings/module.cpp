@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "c/call.h"
+#include "c/callable.h"
 #include "c/results.h"
 #include "c/state.h"
 #include "error.h"
@@ -16,17 +16,7 @@ namespace {
 
 namespace py = pybind11;
 
-// Vectorcall: arguments come as an array, and no dispatcher looks for an overload. A call of a 64x64 image
-// takes a microsecond; what stands before it should not.
-PyObject* enter_function(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
-  const auto* function = static_cast<const Function*>(PyCapsule_GetPointer(self, nullptr));
-  try {
-    return call_function(*function, arguments, count);
-  } catch (const std::bad_alloc&) {
-    return PyErr_NoMemory();
-  }
-}
-
+// As for nuqi.c (c/callable.cpp), arguments come as an array, and no dispatcher looks for an overload.
 PyObject* enter_operation(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
   const auto* operation = static_cast<const Operation*>(PyCapsule_GetPointer(self, nullptr));
   if (count != operation->count) {
@@ -39,43 +29,39 @@ PyObject* enter_operation(PyObject* self, PyObject* const* arguments, Py_ssize_t
   } catch (const Raised&) {
     return nullptr;
   } catch (const Error& error) {
-    return raise_error(error);
+    return raise_error(error, operation->function, arguments, operation->count);
   } catch (const std::bad_alloc&) {
     return PyErr_NoMemory();
   }
 }
 
-using Enter = PyObject* (*)(PyObject*, PyObject* const*, Py_ssize_t);
-
-// A Python function that hands `entry`, which lives on, to `enter`.
-template <class Entry>
-py::object function_of(const Entry* entry, Enter enter, const char* documentation,
-                       const char* module) {
-  auto* definition =
-      new PyMethodDef{entry->name, reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(enter)),
-                      METH_FASTCALL, documentation};
-  const py::capsule self(entry);
-  const py::str name(module);
-  return py::reinterpret_steal<py::object>(PyCFunction_NewEx(definition, self.ptr(), name.ptr()));
+// A Python function that runs an operation, which lives on.
+py::object function_of(const Operation* operation) {
+  auto* definition = new PyMethodDef{
+      operation->name, reinterpret_cast<PyCFunction>(reinterpret_cast<void*>(enter_operation)),
+      METH_FASTCALL, nullptr};
+  const py::capsule self(operation);
+  const py::str module("nuqi._native");
+  return py::reinterpret_steal<py::object>(PyCFunction_NewEx(definition, self.ptr(), module.ptr()));
 }
 
 py::dict c_functions() {
+  if (!make_callable_type()) throw py::error_already_set();
   py::dict found;
   for (const Function& function : functions()) {
-    found[function.name] =
-        function_of(&function, enter_function, function.documentation.c_str(), "nuqi.c");
+    found[function.name] = py::reinterpret_steal<py::object>(callable_of(function));
+    if (found[function.name].is_none()) throw py::error_already_set();
   }
   return found;
 }
 
 void add_operations(py::module_& module) {
-  for (const Operations all :
-       {arith_operations(), statistics_operations(), norm_operations(), filter_operations(),
-        feature_operations(), morphology_operations(), fill_operations(), motion_operations()}) {
+  for (const Operations all : {arith_operations(), statistics_operations(), norm_operations(),
+                               filter_operations(), feature_operations(), morphology_operations(),
+                               fill_operations(), strip_operations(), motion_operations()}) {
     for (std::size_t i = 0; i < all.count; ++i) {
       const Operation* operation = all.first + i;
-      module.attr(operation->name) =
-          function_of(operation, enter_operation, nullptr, "nuqi._native");
+      module.attr(operation->name) = function_of(operation);
     }
   }
 }

@@ -48,7 +48,7 @@ bool read_pair(PyObject* object, const char* name, int32_t* first, int32_t* seco
   PyObject* pair = PySequence_Fast(object, "");
   bool ok = pair != nullptr && PySequence_Fast_GET_SIZE(pair) == 2;
   if (!ok) {
-    PyErr_Format(PyExc_TypeError, "%s: expected two integers", name);
+    PyErr_Format(PyExc_TypeError, "%s: expected a pair of integers, got %R", name, object);
   } else {
     ok = read_integer(PySequence_Fast_GET_ITEM(pair, 0), name, first) &&
          read_integer(PySequence_Fast_GET_ITEM(pair, 1), name, second);

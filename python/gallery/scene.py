@@ -3,12 +3,7 @@
 import pathlib
 import sys
 
-import matplotlib
-
-matplotlib.use("Agg")
-
-import matplotlib.pyplot as plt  # noqa: E402
-import numpy as np  # noqa: E402
+import numpy as np
 
 HEIGHT, WIDTH = 240, 320
 
@@ -27,6 +22,11 @@ def frame(time: int = 0) -> np.ndarray:
 
 def show(name: str, pictures: dict[str, np.ndarray]) -> None:
     """Saves pictures side by side as python-NAME.png in the folder that the command line names, or here."""
+    import matplotlib
+
+    matplotlib.use("Agg")
+    import matplotlib.pyplot as plt
+
     figure, axes = plt.subplots(1, len(pictures), figsize=(3.2 * len(pictures), 2.8), squeeze=False)
     for axis, (title, picture) in zip(axes[0], pictures.items()):
         axis.imshow(picture, cmap="gray" if picture.ndim == 2 else None)

@@ -2,17 +2,20 @@
 
 from __future__ import annotations
 
-from typing import Optional, Sequence, Union
+from collections.abc import Sequence
 
 import numpy as np
 
 from nuqi import _native
-from nuqi._types import Array
+from nuqi._types import Array, dtype_of, shape_of
 
 
-def accumulate(image: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+def accumulate(image: Array, accumulator: Array, *, mask: Array | None = None) -> Array:
     """
     Add an image to an accumulator, in place.
+
+    Sums of many frames, to be divided by their number: a mean image, with less noise than one frame. Single
+    precision counts integers to 2**24, which is 65,793 frames of white bytes.
 
     Parameters
     ----------
@@ -35,6 +38,11 @@ def accumulate(image: Array, accumulator: Array, *, mask: Optional[Array] = None
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    accumulate_weighted : An average that forgets old frames.
+    accumulate_square : Sums of squares, for the deviation of every pixel.
+
     Examples
     --------
     >>> sums = np.zeros((2, 2), np.float32)
@@ -46,9 +54,12 @@ def accumulate(image: Array, accumulator: Array, *, mask: Optional[Array] = None
     return accumulator
 
 
-def accumulate_square(image: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+def accumulate_square(image: Array, accumulator: Array, *, mask: Array | None = None) -> Array:
     """
     Add the squares of an image to an accumulator, in place.
+
+    With the sums of `accumulate` over the same n frames, the variance of every pixel is ``squares / n - (sums /
+    n) ** 2``: how noisy it is, or how much moves there.
 
     Parameters
     ----------
@@ -71,6 +82,11 @@ def accumulate_square(image: Array, accumulator: Array, *, mask: Optional[Array]
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    accumulate : The sums themselves.
+    accumulate_product : Products of two images, for their covariance.
+
     Examples
     --------
     >>> sums = np.zeros((1, 3), np.float32)
@@ -81,9 +97,12 @@ def accumulate_square(image: Array, accumulator: Array, *, mask: Optional[Array]
     return accumulator
 
 
-def accumulate_product(a: Array, b: Array, accumulator: Array, *, mask: Optional[Array] = None) -> Array:
+def accumulate_product(a: Array, b: Array, accumulator: Array, *, mask: Array | None = None) -> Array:
     """
     Add the product of two images to an accumulator, in place.
+
+    With the sums of `accumulate` of both images over the same n frames, the covariance of every pixel is
+    ``products / n - (sums_a / n) * (sums_b / n)``.
 
     Parameters
     ----------
@@ -108,6 +127,11 @@ def accumulate_product(a: Array, b: Array, accumulator: Array, *, mask: Optional
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    accumulate_square : The same of an image with itself.
+    accumulate : Sums of one image.
+
     Examples
     --------
     >>> sums = np.ones((1, 2), np.float32)
@@ -118,9 +142,13 @@ def accumulate_product(a: Array, b: Array, accumulator: Array, *, mask: Optional
     return accumulator
 
 
-def accumulate_weighted(image: Array, accumulator: Array, *, alpha: float, mask: Optional[Array] = None) -> Array:
+def accumulate_weighted(image: Array, accumulator: Array, *, alpha: float, mask: Array | None = None) -> Array:
     """
     Move an accumulator towards an image by a share of their difference, in place.
+
+    A background model: after k frames what a frame has left in the average is ``alpha * (1 - alpha) ** k`` of
+    it, so that 0.05 remembers some twenty frames. Start with the first frame as float32; a mask keeps moving
+    objects out.
 
     Parameters
     ----------
@@ -145,6 +173,11 @@ def accumulate_weighted(image: Array, accumulator: Array, *, alpha: float, mask:
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    accumulate : A sum in which all frames weigh the same.
+    abs_diff : What differs from the background.
+
     Examples
     --------
     >>> average = np.full((1, 2), 100, np.float32)
@@ -155,9 +188,12 @@ def accumulate_weighted(image: Array, accumulator: Array, *, alpha: float, mask:
     return accumulator
 
 
-def abs_diff(a: Array, b: Union[Array, float], *, out: Optional[Array] = None) -> Array:
+def abs_diff(a: Array, b: Array | float, *, out: Array | None = None) -> Array:
     """
     Compute the absolute difference of two images, or of an image and a number.
+
+    Where frames differ, or how far pixels are from a value: compare the result with a threshold to have a mask.
+    ``abs(a - b)`` of NumPy would wrap around for uint8.
 
     Parameters
     ----------
@@ -180,6 +216,11 @@ def abs_diff(a: Array, b: Union[Array, float], *, out: Optional[Array] = None) -
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    norm_diff_l1 : The sum of these differences, without an image of them.
+    accumulate_weighted : A background to compare frames with.
+
     Examples
     --------
     >>> nuqi.abs_diff(np.array([[10, 200]], np.uint8), np.array([[30, 190]], np.uint8))
@@ -191,9 +232,12 @@ def abs_diff(a: Array, b: Union[Array, float], *, out: Optional[Array] = None) -
     return out
 
 
-def split(image: Array, *, out: Optional[Sequence[Array]] = None) -> tuple[Array, ...]:
+def split(image: Array, *, out: Sequence[Array] | None = None) -> tuple[Array, ...]:
     """
     Copy the channels of an image to planes.
+
+    The pixels of a slice ``image[..., c]`` do not lie back to back, and operations refuse it: they take planes,
+    and this makes all of them in one pass.
 
     Parameters
     ----------
@@ -214,6 +258,11 @@ def split(image: Array, *, out: Optional[Sequence[Array]] = None) -> tuple[Array
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    join : Planes back to channels.
+    mean : Statistics take channel= and need no planes.
+
     Examples
     --------
     >>> red, green, blue = nuqi.split(np.array([[[1, 2, 3], [4, 5, 6]]], np.uint8))
@@ -221,16 +270,18 @@ def split(image: Array, *, out: Optional[Sequence[Array]] = None) -> tuple[Array
     array([[2, 5]], dtype=uint8)
     """
     if out is None:
-        shape = np.shape(image)
-        out = tuple(np.empty((shape[-1], *shape[:-1]), np.asanyarray(image).dtype)) if len(shape) == 3 else ()
+        shape = shape_of(image)
+        out = tuple(np.empty((shape[-1], *shape[:-1]), dtype_of(image))) if len(shape) == 3 else ()
     planes = tuple(out)
     _native.split(image, planes)
     return planes
 
 
-def join(planes: Sequence[Array], *, out: Optional[Array] = None) -> Array:
+def join(planes: Sequence[Array], *, out: Array | None = None) -> Array:
     """
     Make planes the channels of one image.
+
+    The opposite of `split`: a picture from processed planes, or three grey images as red, green and blue.
 
     Parameters
     ----------
@@ -251,6 +302,10 @@ def join(planes: Sequence[Array], *, out: Optional[Array] = None) -> Array:
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    split : Channels to planes.
+
     Examples
     --------
     >>> plane = np.array([[1, 2]], np.uint8)
@@ -259,6 +314,8 @@ def join(planes: Sequence[Array], *, out: Optional[Array] = None) -> Array:
             [ 2, 12, 22]]], dtype=uint8)
     """
     planes = tuple(planes)
+    if len(planes) not in (3, 4):
+        raise ValueError(f"planes: expected three or four, got {len(planes)}")
     if out is None:
         first = np.asanyarray(planes[0])
         out = np.empty((*first.shape, len(planes)), first.dtype)

@@ -1,172 +1,24 @@
-"""Edges, corners, distances, template matching."""
+"""Corners, distances, template matching."""
 
 from __future__ import annotations
-
-from typing import NamedTuple, Optional, Union
 
 import numpy as np
 
 from nuqi import _native
-from nuqi._types import Array
+from nuqi._types import Array, shape_of
 
 
-class CannyThresholds(NamedTuple):
-    """Edges start above `high` and go on above `low`."""
-
-    low: float
-    high: float
-
-
-def canny(
-    image: Array,
-    low: Optional[float] = None,
-    high: Optional[float] = None,
-    *,
-    operator: str = "sobel",
-    out: Optional[Array] = None,
-) -> Array:
-    """
-    Find the edges of an image.
-
-    Parameters
-    ----------
-    image : (h, w) array of uint8 or int8
-        The image.
-    low : float, optional
-        An edge goes on where its strength, the sum of both derivatives' magnitudes, is above this.
-    high : float, optional
-        An edge starts where its strength is above this. Thresholds that are left out come from the image, as
-        those of `canny_thresholds`.
-    operator : {'sobel', 'scharr'}
-        What the derivatives come from: strengths reach 2040 or 8160.
-    out : (h, w) array of uint8, optional
-        Where the result goes; it must not overlap the image.
-
-    Returns
-    -------
-    (h, w) array of uint8
-        The edges, 255 on them and 0 elsewhere. Of neighbours that are equally strong one is taken: a white square on
-        black has an outline.
-
-    Raises
-    ------
-    StatusError
-        The sizes differ, the image is empty, not 0 <= low <= high, or `out` overlaps the image.
-    TypeError
-        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
-
-    References
-    ----------
-    J. Canny, "A computational approach to edge detection", IEEE PAMI 8(6), 1986.
-
-    Examples
-    --------
-    >>> image = np.zeros((6, 6), np.uint8)
-    >>> image[:, 3:] = 200
-    >>> int(nuqi.canny(image, 100, 300).any(axis=0).sum())
-    1
-    """
-    if low is None or high is None:
-        found = canny_thresholds(image, operator=operator)
-        if high is None:
-            high = found.high if low is None else max(found.high, low)
-        if low is None:
-            low = min(found.low, high)
-    if out is None:
-        out = np.empty(np.shape(image), np.uint8)
-    _native.canny(image, low, high, operator, out)
-    return out
-
-
-def canny_thresholds(image: Array, *, operator: str = "sobel", share: float = 0.1) -> CannyThresholds:
-    """
-    Find thresholds for the edges of an image, from its own derivatives.
-
-    Parameters
-    ----------
-    image : (h, w) array of uint8 or int8
-        The image.
-    operator : {'sobel', 'scharr'}
-        What the derivatives come from.
-    share : float
-        So many of the pixels that have any strength, 0 to 1, exceed `high`.
-
-    Returns
-    -------
-    CannyThresholds
-        The thresholds; 2.5 times as many pixels exceed `low`. Both are 0 for a flat image.
-
-    Raises
-    ------
-    StatusError
-        The image is empty.
-    TypeError
-        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
-
-    Examples
-    --------
-    >>> image = np.arange(64, dtype=np.uint8).reshape(8, 8)
-    >>> low, high = nuqi.canny_thresholds(image)
-    >>> 0 < low <= high
-    True
-    """
-    return CannyThresholds(*_native.canny_thresholds(image, operator, share))
-
-
-def canny_from(dx: Array, dy: Array, *, low: float, high: float, out: Optional[Array] = None) -> Array:
-    """
-    Find edges in a pair of derivative images.
-
-    Parameters
-    ----------
-    dx : (h, w) array of int16
-        The derivative along x, such as that of `sobel3x3`.
-    dy : (h, w) array of int16
-        The derivative along y.
-    low : float
-        An edge goes on where its strength, the sum of both magnitudes, is above this.
-    high : float
-        An edge starts where its strength is above this.
-    out : (h, w) array of uint8, optional
-        Where the result goes; it must not overlap the derivatives.
-
-    Returns
-    -------
-    (h, w) array of uint8
-        The edges, 255 on them and 0 elsewhere. Neighbours across an edge that are equally strong suppress each other,
-        other than in `canny`.
-
-    Raises
-    ------
-    StatusError
-        As for `canny`.
-    TypeError
-        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
-
-    References
-    ----------
-    J. Canny, "A computational approach to edge detection", IEEE PAMI 8(6), 1986.
-
-    Examples
-    --------
-    >>> dx = np.array([[0, 10, 90, 20, 0]], np.int16)
-    >>> nuqi.canny_from(dx, np.zeros_like(dx), low=30, high=60)
-    array([[  0,   0, 255,   0,   0]], dtype=uint8)
-    """
-    if out is None:
-        out = np.empty(np.shape(dx), np.uint8)
-    _native.canny_from(dx, dy, low, high, out)
-    return out
-
-
-def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Optional[Array] = None) -> Array:
+def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Array | None = None) -> Array:
     """
     Compute how much of a corner each pixel is.
+
+    Large at corners, small on edges and in flat regions: the places that can be found again in the next frame.
+    Take those above a share, such as a hundredth, of the maximum, the greatest within some distance first.
 
     Parameters
     ----------
     image : (h, w) array of uint8, int8 or float32
-        The image; floats are scaled to 0 to 255.
+        The image. Scale floats to 0 to 255 before: of those of 0 to 1 little is left.
     aperture : {3, 5, 7}
         The size of the derivatives.
     block : {3, 5, 7}
@@ -178,7 +30,7 @@ def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Optional[
     Returns
     -------
     (h, w) array of float32
-        The smaller eigenvalue of the gradients around each pixel, by 1 / (4^(aperture - 1) * 255 * block^2).
+        The smaller eigenvalue of the gradients around each pixel, scaled by 1 / (4^(aperture - 1) * 255 * block^2).
 
     Raises
     ------
@@ -186,6 +38,12 @@ def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Optional[
         The sizes differ, the image is empty, `aperture` or `block` is another, or `out` overlaps the image.
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    See Also
+    --------
+    eigen_vectors : Both eigenvalues, and the directions.
+    min_max : Where the strongest corner is.
+    match_template : Find it again.
 
     References
     ----------
@@ -200,19 +58,22 @@ def min_eigen(image: Array, *, aperture: int = 3, block: int = 3, out: Optional[
     True
     """
     if out is None:
-        out = np.empty(np.shape(image), np.float32)
+        out = np.empty(shape_of(image), np.float32)
     _native.min_eigen(image, aperture, block, out)
     return out
 
 
-def eigen_vectors(image: Array, *, aperture: int = 3, block: int = 3, out: Optional[Array] = None) -> Array:
+def eigen_vectors(image: Array, *, aperture: int = 3, block: int = 3, out: Array | None = None) -> Array:
     """
     Compute the eigenvalues and vectors of the gradients around each pixel.
+
+    Two large eigenvalues are a corner, one is an edge whose normal is its vector: how much an image changes
+    around a pixel, and in which directions.
 
     Parameters
     ----------
     image : (h, w) array of uint8, int8 or float32
-        The image; floats are scaled to 0 to 255.
+        The image. Scale floats to 0 to 255 before: of those of 0 to 1 little is left.
     aperture : {3, 5, 7}
         The size of the derivatives.
     block : {3, 5, 7}
@@ -233,6 +94,11 @@ def eigen_vectors(image: Array, *, aperture: int = 3, block: int = 3, out: Optio
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    min_eigen : The smaller eigenvalue alone, faster.
+    arctan : The angles of vectors.
+
     References
     ----------
     J. Shi and C. Tomasi, "Good features to track", CVPR 1994.
@@ -243,16 +109,20 @@ def eigen_vectors(image: Array, *, aperture: int = 3, block: int = 3, out: Optio
     (8, 9, 6)
     """
     if out is None:
-        out = np.empty((*np.shape(image), 6), np.float32)
+        out = np.empty((*shape_of(image), 6), np.float32)
     _native.eigen_vectors(image, aperture, block, out)
     return out
 
 
 def distance_transform(
-    image: Array, *, metric: Union[str, tuple[float, ...]] = "euclidean_5x5", out: Optional[Array] = None
+    image: Array, *, metric: str | tuple[float, ...] = "euclidean_5x5", out: Array | None = None
 ) -> Array:
     """
     Compute the distance of every pixel to the nearest one that is 0.
+
+    Two passes add up steps, each with a weight of its own: 'chessboard' and 'city_block' are exact,
+    'euclidean_5x5' is within 2 percent of the straight line's length and 'euclidean_3x3' within 5 percent. Of a
+    mask it tells how deep inside an object a pixel lies; of ``edges == 0`` how far the nearest edge is.
 
     Parameters
     ----------
@@ -276,6 +146,11 @@ def distance_transform(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    erode : Exactly those pixels that are some steps inside.
+    canny : Edges to measure from.
+
     References
     ----------
     G. Borgefors, "Distance transformations in digital images", Computer Vision, Graphics, and Image
@@ -287,16 +162,21 @@ def distance_transform(
     array([[0., 1., 2., 3.]], dtype=float32)
     """
     if out is None:
-        out = np.empty(np.shape(image), np.float32)
-    _native.distance_transform(image, metric, out)
+        out = np.empty(shape_of(image), np.float32)
+    _native.distance_transform(image, tuple(metric) if np.ndim(metric) == 1 else metric, out)
     return out
 
 
 def match_template(
-    image: Array, template: Array, *, method: str = "coeff_normed", out: Optional[Array] = None
+    image: Array, template: Array, *, method: str = "coeff_normed", out: Array | None = None
 ) -> Array:
     """
     Score every place of a template in an image.
+
+    A template of n pixels at every place where it lies wholly inside. The best place is the maximum of
+    'corr_normed' and 'coeff_normed' and the minimum of 'sq_diff' and 'sq_diff_normed'. 'coeff_normed', from
+    about -1 to 1, does not change with brightness and contrast. Where the patch or the template is flat, normed
+    scores mean nothing.
 
     Parameters
     ----------
@@ -322,6 +202,12 @@ def match_template(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    min_max : The best place.
+    norm_diff_l2 : The distance of two images of one size.
+    min_eigen : Templates that can be found again well.
+
     References
     ----------
     J. P. Lewis, "Fast normalized cross-correlation", Vision Interface, 1995.
@@ -334,7 +220,7 @@ def match_template(
     (5, 7)
     """
     if out is None:
-        sizes = [max(0, n - m + 1) for n, m in zip(np.shape(image), np.shape(template))]
+        sizes = [max(0, n - m + 1) for n, m in zip(shape_of(image), shape_of(template))]
         out = np.empty(sizes, np.float32)
     _native.match_template(image, template, method, out)
     return out

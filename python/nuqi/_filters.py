@@ -2,24 +2,27 @@
 
 from __future__ import annotations
 
-from typing import Optional
-
 import numpy as np
 
 from nuqi import _native
-from nuqi._types import Array
+from nuqi._types import Any, Array, dtype_of, shape_of
 
 
-def _out(image: Array, out: Optional[Array]) -> Array:
+def result_type(image: Array) -> Any:
     """What filters write: int16 for bytes, float32 for floats."""
-    if out is not None:
-        return out
-    return np.empty(np.shape(image), np.float32 if np.result_type(image).kind == "f" else np.int16)
+    return np.float32 if np.dtype(dtype_of(image)).kind == "f" else np.int16
 
 
-def sobel3x3(image: Array, *, derivative: str = "dx", out: Optional[Array] = None) -> Array:
+def _out(image: Array, out: Array | None) -> Array:
+    return np.empty(shape_of(image), result_type(image)) if out is None else out
+
+
+def sobel3x3(image: Array, *, derivative: str = "dx", out: Array | None = None) -> Array:
     """
     Compute a 3x3 derivative by Sobel's weights.
+
+    The difference of two columns, or rows, smoothed across by 1 2 1; 'd2x' and 'd2y' are 1 -2 1 so smoothed,
+    and 'dxdy' is the difference of both. Bytes do not saturate: the first derivatives lie within -1020 to 1020.
 
     Parameters
     ----------
@@ -44,6 +47,12 @@ def sobel3x3(image: Array, *, derivative: str = "dx", out: Optional[Array] = Non
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    scharr : Weights that are more alike in all directions.
+    sobel : Larger windows and any orders.
+    canny_from : Edges from the pair of them.
+
     References
     ----------
     I. Sobel and G. Feldman, "A 3x3 isotropic gradient operator for image processing", 1968.
@@ -59,9 +68,12 @@ def sobel3x3(image: Array, *, derivative: str = "dx", out: Optional[Array] = Non
     return out
 
 
-def scharr(image: Array, *, derivative: str = "dx", shift: int = 0, out: Optional[Array] = None) -> Array:
+def scharr(image: Array, *, derivative: str = "dx", shift: int = 0, out: Array | None = None) -> Array:
     """
     Compute a 3x3 derivative by Scharr's weights, which are alike in all directions.
+
+    The difference of two columns, or rows, smoothed across by 3 10 3: the angle of ('dx', 'dy') is that of the
+    gradient more exactly than by Sobel's weights. Of bytes it lies within -4080 to 4080.
 
     Parameters
     ----------
@@ -86,6 +98,11 @@ def scharr(image: Array, *, derivative: str = "dx", shift: int = 0, out: Optiona
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    sobel3x3 : Sobel's weights, and second derivatives.
+    arctan : The angle of the gradient, of floats.
+
     References
     ----------
     H. Scharr, "Optimal operators in digital image processing", Heidelberg, 2000.
@@ -101,9 +118,12 @@ def scharr(image: Array, *, derivative: str = "dx", shift: int = 0, out: Optiona
     return out
 
 
-def box_sum(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Array:
+def box_sum(image: Array, *, size: int = 3, out: Array | None = None) -> Array:
     """
     Sum up the pixels in a square window around each.
+
+    A blur without a division, so that nothing is rounded. Three of them after each other, each divided, are
+    nearly a Gaussian blur.
 
     Parameters
     ----------
@@ -126,6 +146,12 @@ def box_sum(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Arra
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    BoxSum : The same strip by strip, for images larger than memory.
+    pyramid_down : A Gaussian blur, to half the size.
+    mean : The mean of a whole image.
+
     Examples
     --------
     >>> sums = nuqi.box_sum(np.array([[0, 0, 0], [0, 90, 0], [0, 0, 0]], np.uint8))
@@ -140,10 +166,14 @@ def box_sum(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Arra
 
 
 def sobel(
-    image: Array, *, x_order: int = 1, y_order: int = 0, aperture: int = 3, out: Optional[Array] = None
+    image: Array, *, x_order: int = 1, y_order: int = 0, aperture: int = 3, out: Array | None = None
 ) -> Array:
     """
     Compute a derivative of any orders by Sobel's operator.
+
+    Differences of the given orders, smoothed to the aperture by the binomial weights 1 2 1, 1 4 6 4 1 or 1 6 15
+    20 15 6 1. First ones are positive where values grow to the right and downwards. Larger windows see less
+    noise and blur more; of size 7 derivatives of bytes may saturate.
 
     Parameters
     ----------
@@ -170,6 +200,12 @@ def sobel(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    sobel3x3 : The 3x3 ones, faster.
+    Sobel : The same strip by strip, for images larger than memory.
+    laplace : Both second derivatives together.
+
     References
     ----------
     I. Sobel and G. Feldman, "A 3x3 isotropic gradient operator for image processing", 1968.
@@ -185,9 +221,11 @@ def sobel(
     return out
 
 
-def laplace(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Array:
+def laplace(image: Array, *, size: int = 3, out: Array | None = None) -> Array:
     """
     Compute the sum of the second derivatives along x and y.
+
+    Spots and lines of the window's size stand out, whatever their direction; edges are where the sign changes.
 
     Parameters
     ----------
@@ -210,6 +248,11 @@ def laplace(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Arra
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    sobel : Single derivatives.
+    Laplace : The same strip by strip, for images larger than memory.
+
     Examples
     --------
     >>> int(nuqi.laplace(np.array([[0, 0, 0], [0, 1, 0], [0, 0, 0]], np.uint8))[1, 1])
@@ -220,9 +263,13 @@ def laplace(image: Array, *, size: int = 3, out: Optional[Array] = None) -> Arra
     return out
 
 
-def pyramid_down(image: Array, *, out: Optional[Array] = None) -> Array:
+def pyramid_down(image: Array, *, out: Array | None = None) -> Array:
     """
     Halve the size of an image, smoothed by 1 4 6 4 1 along both axes.
+
+    Levels of a pyramid, each a quarter of the pixels: search small images first, then look closer where
+    something was found. Even sizes alone have a half: cut an odd row or column off, ``image[: h // 2 * 2, : w
+    // 2 * 2]``.
 
     Parameters
     ----------
@@ -243,6 +290,11 @@ def pyramid_down(image: Array, *, out: Optional[Array] = None) -> Array:
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    pyramid_up : Back to the size before.
+    match_template : A search that gains by it.
+
     References
     ----------
     P. Burt and E. Adelson, "The Laplacian pyramid as a compact image code", IEEE Trans. on Communications
@@ -255,15 +307,18 @@ def pyramid_down(image: Array, *, out: Optional[Array] = None) -> Array:
            [7, 7, 7]], dtype=uint8)
     """
     if out is None:
-        shape = np.shape(image)
-        out = np.empty((*(n // 2 for n in shape[:2]), *shape[2:]), np.asanyarray(image).dtype)
+        shape = shape_of(image)
+        out = np.empty((*(n // 2 for n in shape[:2]), *shape[2:]), dtype_of(image))
     _native.pyramid_down(image, out)
     return out
 
 
-def pyramid_up(image: Array, *, out: Optional[Array] = None) -> Array:
+def pyramid_up(image: Array, *, out: Array | None = None) -> Array:
     """
     Double the size of an image, smoothed by 1 4 6 4 1 along both axes.
+
+    An image of `pyramid_down` comes back smoother; ``image - pyramid_up(pyramid_down(image))``, of floats, is
+    what was lost: a level of a Laplacian pyramid.
 
     Parameters
     ----------
@@ -284,6 +339,11 @@ def pyramid_up(image: Array, *, out: Optional[Array] = None) -> Array:
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    pyramid_down : The opposite.
+    abs_diff : What was lost, of bytes.
+
     References
     ----------
     P. Burt and E. Adelson, "The Laplacian pyramid as a compact image code", IEEE Trans. on Communications
@@ -296,7 +356,7 @@ def pyramid_up(image: Array, *, out: Optional[Array] = None) -> Array:
            [7, 7, 7, 7]], dtype=uint8)
     """
     if out is None:
-        shape = np.shape(image)
-        out = np.empty((*(2 * n for n in shape[:2]), *shape[2:]), np.asanyarray(image).dtype)
+        shape = shape_of(image)
+        out = np.empty((*(2 * n for n in shape[:2]), *shape[2:]), dtype_of(image))
     _native.pyramid_up(image, out)
     return out

@@ -2,53 +2,40 @@
 
 from __future__ import annotations
 
-from typing import Any, NamedTuple, Optional, Sequence, Union
+from collections.abc import Sequence
 
 import numpy as np
 
 from nuqi import _native
-from nuqi._types import Array
+from nuqi._results import Filled, Region
+from nuqi._types import Any, Array, dtype_of, shape_of
 
-Footprint = Union[int, Sequence[int], Array]
-
-
-class Region(NamedTuple):
-    """What a flood fill has painted: how many pixels, and the smallest rectangle around them."""
-
-    area: int
-    top: int
-    left: int
-    height: int
-    width: int
+Footprint = int | Sequence[int] | Array
 
 
-class Filled(NamedTuple):
-    """An image after a flood fill, and what was painted."""
-
-    image: Array
-    region: Region
-
-
-def _shape(footprint: Footprint) -> Any:
+def footprint_of(footprint: Footprint) -> Any:
     """An array of pixels as bytes, or (height, width)."""
     if isinstance(footprint, (int, np.integer)):
         return (int(footprint), int(footprint))
-    if isinstance(footprint, np.ndarray) and footprint.ndim == 2:
+    if np.ndim(footprint) == 2:
         return np.ascontiguousarray(footprint, bool)
-    return tuple(footprint)
+    return footprint
 
 
 def erode(
-    image: Array, footprint: Footprint = 3, *, anchor: Optional[tuple[int, int]] = None, out: Optional[Array] = None
+    image: Array, footprint: Footprint = 3, *, anchor: tuple[int, int] | None = None, out: Array | None = None
 ) -> Array:
     """
     Take the least of the pixels under a footprint.
+
+    Bright objects shrink and vanish if they are smaller than the footprint; dark ones grow. Of a mask of 0 and
+    255 what stays are the pixels around which the whole footprint fits in.
 
     Parameters
     ----------
     image : (h, w), (h, w, 3) or (h, w, 4) array of uint8 or float32
         The image. Pixels beyond an edge equal the edge pixel; channels are processed each on its own.
-    footprint : int, (height, width) or array of bool
+    footprint : int, (height, width) or (m, n) array of bool
         The pixels around a pixel that count: a square, a rectangle, or those that are True. Rectangles and crosses
         are recognised, and are faster.
     anchor : tuple of int, optional
@@ -70,6 +57,12 @@ def erode(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    dilate : The opposite; after an erosion it is an opening.
+    Morphology : The same strip by strip, for images larger than memory.
+    distance_transform : How many steps inside each pixel lies.
+
     Examples
     --------
     >>> image = np.zeros((4, 5), np.uint8)
@@ -81,22 +74,25 @@ def erode(
            [0, 0, 9, 0, 0]], dtype=uint8)
     """
     if out is None:
-        out = np.empty(np.shape(image), np.asanyarray(image).dtype)
-    _native.erode(image, _shape(footprint), anchor, out)
+        out = np.empty(shape_of(image), dtype_of(image))
+    _native.erode(image, footprint_of(footprint), anchor, out)
     return out
 
 
 def dilate(
-    image: Array, footprint: Footprint = 3, *, anchor: Optional[tuple[int, int]] = None, out: Optional[Array] = None
+    image: Array, footprint: Footprint = 3, *, anchor: tuple[int, int] | None = None, out: Array | None = None
 ) -> Array:
     """
     Take the greatest of the pixels under a footprint.
+
+    Bright objects grow and close gaps that are narrower than the footprint. Erode, then dilate for an opening,
+    which removes small bright objects; dilate, then erode for a closing, which fills small dark ones.
 
     Parameters
     ----------
     image : (h, w), (h, w, 3) or (h, w, 4) array of uint8 or float32
         The image. Pixels beyond an edge equal the edge pixel; channels are processed each on its own.
-    footprint : int, (height, width) or array of bool
+    footprint : int, (height, width) or (m, n) array of bool
         The pixels around a pixel that count, as for `erode`. It is not reflected: for an opening or closing turn
         it by 180 degrees, ``footprint[::-1, ::-1]``, for the second step, its anchor too.
     anchor : tuple of int, optional
@@ -116,6 +112,11 @@ def dilate(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    erode : The opposite.
+    Morphology : The same strip by strip, for images larger than memory.
+
     Examples
     --------
     >>> image = np.zeros((3, 5), np.uint8)
@@ -126,8 +127,8 @@ def dilate(
            [0, 0, 9, 0, 0]], dtype=uint8)
     """
     if out is None:
-        out = np.empty(np.shape(image), np.asanyarray(image).dtype)
-    _native.dilate(image, _shape(footprint), anchor, out)
+        out = np.empty(shape_of(image), dtype_of(image))
+    _native.dilate(image, footprint_of(footprint), anchor, out)
     return out
 
 
@@ -137,12 +138,15 @@ def flood_fill(
     value: float,
     connectivity: int = 4,
     *,
-    lower: Optional[float] = None,
-    upper: Optional[float] = None,
+    lower: float | None = None,
+    upper: float | None = None,
     in_place: bool = False,
 ) -> Filled:
     """
     Paint the connected region of a pixel.
+
+    The paint bucket of a drawing program: label objects by filling each with another value, fill holes from the
+    outside, or take the pixels around one that look like it.
 
     Parameters
     ----------
@@ -173,6 +177,11 @@ def flood_fill(
         The seed lies outside the image, or a value or step is out of its range.
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
+
+    See Also
+    --------
+    histogram : How many pixels have each label.
+    min_max : A pixel to begin with.
 
     Examples
     --------

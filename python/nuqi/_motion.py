@@ -2,17 +2,18 @@
 
 from __future__ import annotations
 
-from typing import Optional
-
 import numpy as np
 
 from nuqi import _native
-from nuqi._types import Array
+from nuqi._types import Array, dtype_of, shape_of
 
 
 def motion_history(silhouette: Array, history: Array, *, timestamp: float, duration: float) -> Array:
     """
     Keep the time of the last motion at every pixel, in place.
+
+    Pixels that moved just now are brightest and older ones fade in steps of time, so that the gradient of the
+    history shows which way things went.
 
     Parameters
     ----------
@@ -37,6 +38,11 @@ def motion_history(silhouette: Array, history: Array, *, timestamp: float, durat
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    abs_diff : Silhouettes from two frames.
+    arctan : The directions of a gradient.
+
     References
     ----------
     A. Bobick and J. Davis, "The recognition of human movement using temporal templates", IEEE PAMI 23(3), 2001.
@@ -51,9 +57,12 @@ def motion_history(silhouette: Array, history: Array, *, timestamp: float, durat
     return history
 
 
-def arctan(y: Array, x: Array, *, out: Optional[Array] = None) -> Array:
+def arctan(y: Array, x: Array, *, out: Array | None = None) -> Array:
     """
     Compute the angles of vectors in degrees.
+
+    A polynomial instead of the exact function, which ``np.degrees(np.arctan2(y, x)) % 360`` is: good enough for
+    directions of gradients, and faster.
 
     Parameters
     ----------
@@ -76,6 +85,11 @@ def arctan(y: Array, x: Array, *, out: Optional[Array] = None) -> Array:
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    scharr : Gradients whose angles are exact enough.
+    eigen_vectors : Main directions of a neighbourhood.
+
     Examples
     --------
     >>> y, x = np.array([[0, 1, -1]], np.float32), np.array([[1, 1, 1]], np.float32)
@@ -83,16 +97,19 @@ def arctan(y: Array, x: Array, *, out: Optional[Array] = None) -> Array:
     array([[ -0.,  45., 315.]], dtype=float32)
     """
     if out is None:
-        out = np.empty(np.shape(y), np.float32)
+        out = np.empty(shape_of(y), np.float32)
     _native.arctan(y, x, out)
     return out
 
 
 def sample_line(
-    image: Array, *, start: tuple[int, int], end: tuple[int, int], out: Optional[Array] = None
+    image: Array, *, start: tuple[int, int], end: tuple[int, int], out: Array | None = None
 ) -> Array:
     """
     Copy the pixels along a straight line, both ends included.
+
+    A profile of brightness along a way through the image, without interpolation: the pixels that a drawn line
+    would cover.
 
     Parameters
     ----------
@@ -117,6 +134,11 @@ def sample_line(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    mean_std : The statistics of a profile, as ``profile[np.newaxis]``.
+    histogram : Those of a whole image.
+
     References
     ----------
     J. Bresenham, "Algorithm for computer control of a digital plotter", IBM Systems Journal 4(1), 1965.
@@ -128,6 +150,6 @@ def sample_line(
     """
     if out is None:
         pixels = max(abs(int(a) - int(b)) for a, b in zip(start, end)) + 1
-        out = np.empty((min(pixels, max(np.shape(image))), *np.shape(image)[2:]), np.asanyarray(image).dtype)
+        out = np.empty((min(pixels, max(shape_of(image))), *shape_of(image)[2:]), dtype_of(image))
     _native.sample_line(image, start, end, out[np.newaxis])
     return out

@@ -1,57 +1,24 @@
-"""Means, extrema, norms, histograms."""
+"""Means, extrema, histograms."""
 
 from __future__ import annotations
 
 import functools
-from typing import Any, Callable, NamedTuple, Optional, Sequence, Union
+import operator
+from collections.abc import Sequence
 
 import numpy as np
 
 from nuqi import _native
-from nuqi._types import Array
+from nuqi._results import Histogram, JointHistogram, MeanStd, MinMax
+from nuqi._types import Any, Array, of_channels, per_channel
 
 
-class MeanStd(NamedTuple):
-    """A mean and a standard deviation, of all pixels or of each channel."""
-
-    mean: Any
-    std: Any
-
-
-class MinMax(NamedTuple):
-    """The least and the greatest pixel and where they are first met, of an image or of each channel."""
-
-    min: Any
-    max: Any
-    min_at: Any
-    max_at: Any
-
-
-class Histogram(NamedTuple):
-    """Numbers of pixels, and the levels between which they lie."""
-
-    counts: Array
-    levels: Array
-
-
-class JointHistogram(NamedTuple):
-    """Numbers of pixels by both channels, and the levels of each."""
-
-    counts: Array
-    levels: Array
-    second_levels: Array
-
-
-def _per_channel(image: Array, channel: Optional[int], find: Callable[[Optional[int]], Any]) -> Any:
-    """One result, or a list with that of each channel where none is named and there are several."""
-    if channel is not None or np.ndim(image) != 3:
-        return find(channel)
-    return [find(each) for each in range(np.shape(image)[2])]
-
-
-def mean(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
+def mean(image: Array, *, mask: Array | None = None, channel: int | None = None) -> Any:
     """
     Compute the mean of an image.
+
+    Where all pixels count, or those that a mask selects: the brightness of an object. Sums have as many bits as
+    they need: those of large images do not wrap as they do in C.
 
     Parameters
     ----------
@@ -74,18 +41,24 @@ def mean(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] =
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    mean_std : Both in one pass.
+    accumulate_weighted : Means over time, for every pixel.
+
     Examples
     --------
     >>> nuqi.mean(np.array([[10, 20], [30, 40]], np.uint8))
     25.0
     """
-    found = _per_channel(image, channel, lambda one: _native.mean(image, mask, one))
-    return np.array(found) if isinstance(found, list) else found
+    return of_channels(image, channel, lambda one: _native.mean(image, mask, one))
 
 
-def mean_std(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> MeanStd:
+def mean_std(image: Array, *, mask: Array | None = None, channel: int | None = None) -> MeanStd:
     """
     Compute the mean and the standard deviation of an image.
+
+    Both in one pass over the image: brightness and contrast, or the noise of a flat region.
 
     Parameters
     ----------
@@ -109,18 +82,27 @@ def mean_std(image: Array, *, mask: Optional[Array] = None, channel: Optional[in
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    mean : The mean alone.
+    norm_l2 : The root of the sum of squares.
+    min_max : The extremes.
+
     Examples
     --------
     >>> nuqi.mean_std(np.array([[10, 20], [30, 40]], np.uint8)).mean
     25.0
     """
-    found = _per_channel(image, channel, lambda one: _native.mean_std(image, mask, one))
+    found = per_channel(image, channel, lambda one: _native.mean_std(image, mask, one))
     return MeanStd(*(np.array(found).T if isinstance(found, list) else found))
 
 
-def min_max(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> MinMax:
+def min_max(image: Array, *, mask: Array | None = None, channel: int | None = None) -> MinMax:
     """
     Find the least and the greatest pixel, and where each is met first.
+
+    Values and places in one pass: the best place of a template, the strongest corner, or the range to scale for
+    display.
 
     Parameters
     ----------
@@ -144,6 +126,12 @@ def min_max(image: Array, *, mask: Optional[Array] = None, channel: Optional[int
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    match_template : Scores whose extremum is wanted.
+    min_eigen : Corners.
+    mean_std : Typical values instead.
+
     Examples
     --------
     >>> image = np.array([[10, 20], [40, 40]], np.uint8)
@@ -151,106 +139,8 @@ def min_max(image: Array, *, mask: Optional[Array] = None, channel: Optional[int
     >>> found.max_at, int(image[found.max_at])
     ((1, 0), 40)
     """
-    found = _per_channel(image, channel, lambda one: _native.min_max(image, mask, one))
+    found = per_channel(image, channel, lambda one: _native.min_max(image, mask, one))
     return MinMax(*(zip(*found) if isinstance(found, list) else found))
-
-
-_NORM = '''
-    {summary}
-
-    Parameters
-    ----------
-    image : (h, w) or (h, w, 3) array of uint8, int8 or float32
-        The image.
-    mask : (h, w) array of bool or uint8, optional
-        True selects a pixel, the other way round than in `numpy.ma`. An empty one is an error.
-    channel : int, optional
-        The channel that is meant, from 0 on.
-
-    Returns
-    -------
-    float or (3,) array of float64
-        The norm, exact for bytes whatever their number; of each channel where none is named.
-
-    Raises
-    ------
-    StatusError
-        As for `mean`.
-    TypeError
-        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
-
-    Examples
-    --------
-    >>> nuqi.{name}(np.array([[3, -4]], np.int8))
-    {example}
-    '''
-_NORM_OF_TWO = '''
-    {summary}
-
-    Parameters
-    ----------
-    a : (h, w) or (h, w, 3) array of uint8, int8 or float32
-        One image.
-    b : array of the same shape and type
-        The other one.
-    mask : (h, w) array of bool or uint8, optional
-        True selects a pixel, the other way round than in `numpy.ma`. An empty one is an error.
-    channel : int, optional
-        The channel that is meant, from 0 on.
-
-    Returns
-    -------
-    float or (3,) array of float64
-        The norm, exact for bytes whatever their number; of each channel where none is named.{relative}
-
-    Raises
-    ------
-    StatusError
-        As for `mean`. The sizes differ.
-    TypeError
-        An array has another type or shape, its rows are not contiguous, or it is written and read-only.
-
-    Examples
-    --------
-    >>> nuqi.{name}(np.array([[10, 20]], np.uint8), np.array([[13, 16]], np.uint8))
-    {example}
-    '''
-
-
-def _norm(name: str, summary: str, example: str) -> Callable[..., Any]:
-    native = getattr(_native, name)
-
-    def norm(image: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
-        found = _per_channel(image, channel, lambda one: native(image, mask, one))
-        return np.array(found) if isinstance(found, list) else found
-
-    norm.__name__ = norm.__qualname__ = name
-    norm.__doc__ = _NORM.format(name=name, summary=summary, example=example)
-    return norm
-
-
-def _norm_of_two(name: str, summary: str, example: str) -> Callable[..., Any]:
-    native = getattr(_native, name)
-
-    def norm(a: Array, b: Array, *, mask: Optional[Array] = None, channel: Optional[int] = None) -> Any:
-        found = _per_channel(a, channel, lambda one: native(a, b, mask, one))
-        return np.array(found) if isinstance(found, list) else found
-
-    relative = "\n        Where the second image's is 0, the numerator times 2^52." if "rel" in name else ""
-    norm.__name__ = norm.__qualname__ = name
-    norm.__doc__ = _NORM_OF_TWO.format(name=name, summary=summary, example=example, relative=relative)
-    return norm
-
-
-norm_inf = _norm("norm_inf", "Find the largest magnitude of an image.", "4.0")
-norm_l1 = _norm("norm_l1", "Sum up the magnitudes of an image.", "7.0")
-norm_l2 = _norm("norm_l2", "Compute the root of the sum of an image's squares.", "5.0")
-norm_diff_inf = _norm_of_two("norm_diff_inf", "Find the largest difference of two images.", "4.0")
-norm_diff_l1 = _norm_of_two("norm_diff_l1", "Sum up the differences of two images.", "7.0")
-norm_diff_l2 = _norm_of_two("norm_diff_l2", "Compute the root of the sum of squared differences.", "5.0")
-norm_rel_inf = _norm_of_two("norm_rel_inf", "Find the largest difference, relative to the second image's.", "0.25")
-norm_rel_l1 = _norm_of_two("norm_rel_l1", "Sum up differences, relative to the second image's sum.", "0.2413793103448276")
-norm_rel_l2 = _norm_of_two("norm_rel_l2", "Compute the l2 norm of the difference over that of the second.", "0.24253562503633297")
 
 
 @functools.lru_cache(maxsize=64)
@@ -260,15 +150,23 @@ def _equal_levels(bins: int) -> tuple[int, ...]:
     return tuple(256 * i // bins for i in range(bins + 1))
 
 
-def _levels(levels: Union[int, Sequence[int], Array]) -> tuple[int, ...]:
-    if isinstance(levels, (int, np.integer)):
-        return _equal_levels(int(levels))
-    return tuple(int(level) for level in levels)
+def _levels(levels: int | Sequence[int] | Array) -> tuple[int, ...]:
+    try:
+        return _equal_levels(operator.index(levels))  # type: ignore[arg-type]
+    except TypeError:
+        pass
+    try:
+        return tuple(map(operator.index, levels))  # type: ignore[arg-type]
+    except TypeError:
+        raise TypeError("levels: expected a number of bins or integers from 0 to 256 that ascend") from None
 
 
-def histogram(image: Array, levels: Union[int, Sequence[int], Array] = 256) -> Histogram:
+def histogram(image: Array, levels: int | Sequence[int] | Array = 256) -> Histogram:
     """
     Count the pixels between levels.
+
+    One pass, however many bins there are. The counts have 64 bits, as images of more than 2**31 pixels need
+    them.
 
     Parameters
     ----------
@@ -290,6 +188,12 @@ def histogram(image: Array, levels: Union[int, Sequence[int], Array] = 256) -> H
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    joint_histogram : Two channels together.
+    check_histogram : Refuse counts that cannot be divided by their sum.
+    numpy.histogram : Floats, and a last bin that is closed.
+
     Examples
     --------
     >>> nuqi.histogram(np.array([[0, 100, 128, 255]], np.uint8), [0, 128, 256]).counts
@@ -300,10 +204,13 @@ def histogram(image: Array, levels: Union[int, Sequence[int], Array] = 256) -> H
 
 
 def joint_histogram(
-    image: Array, levels: Union[int, Sequence[int], Array] = 256, second_levels: Any = None
+    image: Array, levels: int | Sequence[int] | Array = 256, second_levels: Any = None
 ) -> JointHistogram:
     """
     Count how often values of two channels come together.
+
+    How two channels go together, such as hue and saturation: a model of an object's colours, or, of two
+    registered images, their mutual information.
 
     Parameters
     ----------
@@ -326,6 +233,11 @@ def joint_histogram(
     TypeError
         An array has another type or shape, its rows are not contiguous, or it is written and read-only.
 
+    See Also
+    --------
+    histogram : One channel.
+    join : Make channels of two planes and a third one.
+
     Examples
     --------
     >>> image = np.array([[[0, 200], [0, 200], [200, 0]]], np.uint8)
@@ -338,3 +250,45 @@ def joint_histogram(
     counts = np.array(_native.joint_histogram(image, first, second), np.int64)
     shape = (len(second) - 1, len(first) - 1)
     return JointHistogram(counts.reshape(shape), np.array(first, np.int64), np.array(second, np.int64))
+
+
+def check_histogram(counts: Array) -> None:
+    """
+    Refuse counts that add up to 0, before anything is divided by their sum.
+
+    A histogram is empty where its levels leave out all pixels: shares of the whole would be NaN then.
+
+    Parameters
+    ----------
+    counts : array of int64 or another type of whole numbers
+        The counts of `histogram` or `joint_histogram`, none below 0.
+
+    Raises
+    ------
+    StatusError
+        All counts are 0 (``Status.DivByZero``), or there are none.
+    TypeError
+        The counts are no whole numbers.
+    ValueError
+        A count is below 0.
+
+    See Also
+    --------
+    histogram : Count pixels between levels.
+    joint_histogram : Count pairs of values.
+
+    Examples
+    --------
+    >>> counts = nuqi.histogram(np.array([[7, 7]], np.uint8), [0, 5]).counts
+    >>> try:
+    ...     nuqi.check_histogram(counts)
+    ... except nuqi.StatusError as error:
+    ...     error.status
+    <Status.DivByZero: -9943>
+    """
+    numbers = np.asarray(counts)
+    if numbers.dtype.kind not in "iu":
+        raise TypeError(f"counts: expected integers, got {numbers.dtype}; pass the counts of nuqi.histogram")
+    if numbers.size and numbers.min() < 0:
+        raise ValueError("counts: a count is below 0")
+    _native.check_histogram(np.minimum(numbers, 2**31 - 1).astype(np.int32).ravel())

@@ -4,7 +4,49 @@ import enum
 
 
 class Status(enum.IntEnum):
-    """The statuses of nuqi.h."""
+    """
+    Name the statuses of nuqi.h.
+
+    What `StatusError.status` is: compare it to tell why a call failed.
+
+    Attributes
+    ----------
+    Ok : int
+        Success.
+    NothingToDo : int
+        A warning: a strip of a morphology had no rows to process.
+    Unsupported : int
+        An enumerated or ranged argument has a value outside its set.
+    BadSize : int
+        A size or an aperture is out of range, or sizes differ.
+    NullPtr : int
+        A pointer is null; arrays never are.
+    NoMemory : int
+        There is not enough memory.
+    DivByZero : int
+        A sum that would divide is zero.
+    BadArg : int
+        An argument is outside its range, or arrays overlap.
+    BadDataType : int
+        A type's number is not 1 (uint8), 2 (int8) or 9 (float32).
+    BadStep : int
+        A row stride is too small, or no multiple of the element's size; those of arrays are right.
+    BadContext : int
+        A state was made for another purpose.
+    BadCoi : int
+        There is no such channel.
+    BadChannels : int
+        A number of channels that the operation does not know.
+
+    See Also
+    --------
+    StatusError : What carries one.
+
+    Examples
+    --------
+    >>> nuqi.Status.BadSize, int(nuqi.Status.BadSize)
+    (<Status.BadSize: -9939>, -9939)
+    """
 
     Ok = 0
     NothingToDo = 1
@@ -22,9 +64,10 @@ class Status(enum.IntEnum):
 
 
 class StatusError(ValueError):
-    """A call that failed.
+    """
+    Tell that a call failed.
 
-    It is a `ValueError`, too.
+    It is a `ValueError`, too, and its text says in a sentence what was wrong with which sizes.
 
     Parameters
     ----------
@@ -41,7 +84,21 @@ class StatusError(ValueError):
         One of the statuses of nuqi.h.
     function : str
         The name of the function that refused.
+
+    See Also
+    --------
+    Status : What may be wrong.
+
+    Examples
+    --------
+    >>> try:
+    ...     nuqi.pyramid_down(np.zeros((3, 4), np.uint8))
+    ... except nuqi.StatusError as error:
+    ...     error.function, error.status
+    ('pyramid_down', <Status.BadSize: -9939>)
     """
+
+    __module__ = "nuqi"  # as tracebacks call it
 
     def __init__(self, status: int, function: str, text: str) -> None:
         super().__init__(int(status), function, text)

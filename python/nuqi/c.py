@@ -1,14 +1,19 @@
-"""The C functions of nuqi, under their own names, on NumPy arrays.
+"""
+Hold the C functions of nuqi, under their own names, on NumPy arrays.
 
 An image argument of C, a pointer and a step, is one array here: shape (h, w), or (h, w, channels) where the
 name says C3 or C4. Sizes come from the arrays and must agree. Pointers to results are results; several
 are a tuple. Scratch memory is the last argument and is allocated where it is not given: pass a one-dimensional array
 of uint8, of the size that the query tells, to spare that. States come from the functions that make
 them. Everything else stands in its order and means what nuqi.h says: points are (x, y), sizes (width,
-height), channels count from 1.
+height), channels count from 1. Arguments may be passed by their names in C.
 
 Arrays are never copied: the pixels of a row lie back to back, rows may be any positive distance apart. A
 failed call raises `nuqi.StatusError`. The interpreter's lock is released during every call.
+
+See Also
+--------
+nuqi : Operations with NumPy's conventions, which choose the function by the types of arrays.
 
 Examples
 --------

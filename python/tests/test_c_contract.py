@@ -90,10 +90,59 @@ class TestArrays:
                 nuqi.c.nuqiAbsDiff_8u_C1R(left, left, target)
             assert caught.value.status == nuqi.Status.BadArg
 
+    def test_one_image_is_not_always_two(self) -> None:
+        floats = image(dtype=np.float32)
+        with pytest.raises(nuqi.StatusError, match="acc overlaps src"):
+            nuqi.c.nuqiAdd_32f_C1IR(floats, floats)
+
     def test_canny_needs_one_stride(self) -> None:
         dx = np.zeros((4, 5), np.int16)
         with pytest.raises(ValueError, match="one row stride"):
             nuqi.c.nuqiCanny_16s8u_C1R(dx, np.zeros((4, 9), np.int16)[:, :5], np.zeros((4, 5), np.uint8), 1, 2)
+
+
+class TestPlanes:
+    def test_one_alone(self) -> None:
+        plane = np.zeros((4, 5), np.uint8)
+        nuqi.c.nuqiCopy_8u_C3P3R(image(channels=3), [None, plane, None])
+        assert (plane == image(channels=3)[..., 1]).all()
+
+    @pytest.mark.parametrize(
+        ("planes", "error", "says"),
+        [
+            (lambda memory: [memory[0], memory[1]], TypeError, "expected 3 planes, got 2"),
+            (lambda memory: [memory[0], memory[1], memory[2, :3]], ValueError, "one size and one row stride"),
+            (lambda memory: [*memory[:2, :4, :5], np.zeros((4, 5), np.uint8)], ValueError, "one size and one row stride"),
+            (lambda memory: list(memory[:, :3]), nuqi.StatusError, "differ from the image in size"),
+            (lambda memory: list(memory[:, :, :5][:, :, 1:]), nuqi.StatusError, "differ from the image in size"),
+            (lambda memory: [memory[0, :4, :5], memory[0, :4, 4:9], memory[1, :4, :5]], nuqi.StatusError, "written overlap"),
+        ],
+    )
+    def test_refusals(self, planes: object, error: type[Exception], says: str) -> None:
+        memory = np.full((3, 6, 9), 77, np.uint8)
+        with pytest.raises(error, match=says):
+            nuqi.c.nuqiCopy_8u_C3P3R(image(channels=3), planes(memory))  # type: ignore[operator]
+        assert (memory == 77).all()
+
+    def test_none_overlaps_the_image(self) -> None:
+        memory = np.zeros(100, np.uint8)
+        planes = [memory[start : start + 20].reshape(4, 5) for start in (0, 20, 40)]
+        with pytest.raises(nuqi.StatusError, match="a plane overlaps the image"):
+            nuqi.c.nuqiCopy_8u_P3C3R(planes, memory[40:].reshape(4, 5, 3))
+
+
+def test_lists_have_room() -> None:
+    line = np.full(5, 77, np.uint8)
+    with pytest.raises(ValueError, match="dst: expected 5 entries or more, got 4"):
+        nuqi.c.nuqiSampleLine_8u_C1R(image(), line[:4], (0, 0), (4, 3))
+    assert nuqi.c.nuqiSampleLine_8u_C1R(image(), line, (0, 0), (4, 3)) == 5
+    for bins, levels in [(3, 5), (5, 5), (0, 1)]:
+        with pytest.raises(ValueError, match="hist: expected"):
+            nuqi.c.nuqiCalcHist_8u_C1R(image(), np.zeros(bins, np.int32), np.arange(levels, dtype=np.uint8))
+    with pytest.raises(ValueError, match="levels: expected 7 entries"):
+        nuqi.c.nuqiCalcHist_8u_C2R(image(channels=2), np.zeros((2, 3), np.int32), np.zeros(6, np.int32))
+    with pytest.raises(ValueError, match="x: expected 4 entries, got 5"):
+        nuqi.c.nuqibFastArctan_32f(np.zeros(4, np.float32), np.zeros(5, np.float32), np.zeros(4, np.float32))
 
 
 class TestBuffers:
@@ -192,7 +241,7 @@ class TestErrors:
 
     @pytest.mark.parametrize(
         ("arguments", "error"),
-        [((), TypeError), ((1, 2), TypeError), ((1, 9, "3"), TypeError), ((1, 9, 2**40), OverflowError),
+        [((), TypeError), ((1, 2), TypeError), ((1, 9, "3"), TypeError), ((1, 9, 2**40), OverflowError), ((1, 9, 2**70), OverflowError),
          ((1, 9, 2.0), TypeError), ((0, 9, 3), nuqi.StatusError), ((1, 3, 3), nuqi.StatusError)],
     )  # fmt: skip
     def test_scalars(self, arguments: tuple[object, ...], error: type[Exception]) -> None:

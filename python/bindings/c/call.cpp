@@ -300,13 +300,10 @@ Call::~Call() {
 
 bool count_is(const Function& function, Py_ssize_t count, int fewest, int most) {
   if (count >= fewest && count <= most) return true;
-  if (fewest == most) {
-    PyErr_Format(PyExc_TypeError, "%s() takes %d arguments (%zd given)", function.name, fewest,
-                 count);
-  } else {
-    PyErr_Format(PyExc_TypeError, "%s() takes %d to %d arguments (%zd given)", function.name,
-                 fewest, most, count);
-  }
+  PyErr_Format(
+      PyExc_TypeError, "%s%s: got %zd argument%s%s", function.name, function.signature.c_str(),
+      count, count == 1 ? "" : "s",
+      count > most ? "; steps and sizes come from arrays, points and sizes are pairs" : "");
   return false;
 }
 

@@ -43,8 +43,8 @@ struct Row {
   Length length = nullptr;           // of the plain array
   bool optional = false;             // None stands for no plain array
   Body body = nullptr;
-  const char* arguments = nullptr;  // of a body: lines of "name : type"
-  const char* result = nullptr;     // of a body: its type
+  const char* argument_lines = nullptr;  // of a body: lines of "name : type"
+  const char* result_line = nullptr;     // of a body: "name : type"
 
   Row sized(Sizes how) const {
     Row row = *this;
@@ -79,7 +79,13 @@ struct Row {
   }
 };
 
-// A table line, and what its name and the text of its prototype add.
+// An argument or a result, and what it is in numpydoc's words: "(h, w) array of uint8, written".
+struct Item {
+  std::string name;
+  std::string type;
+};
+
+// A table line, and what its name and the names of its prototype's parameters add.
 struct Function : Row {
   explicit Function(const Row& row) : Row(row) {}
 
@@ -87,8 +93,10 @@ struct Function : Row {
   int planes = 0;
   bool masked = false;
   std::vector<std::string> names;  // of the C parameters
-  std::string documentation;
-  int fewest = 0;  // arguments from Python
+  std::vector<Item> arguments;     // from Python; scratch memory, the last one, may be left out
+  std::vector<Item> results;
+  std::string signature;  // "(src, dst, buffer=None)"
+  int fewest = 0;         // arguments from Python
   int most = 0;
 };
 
@@ -111,8 +119,8 @@ Row of_body(const char* name, StatusCode (*function)(P...), Body body, const cha
   row.name = name;
   row.address = reinterpret_cast<Address>(function);
   row.body = body;
-  row.arguments = arguments;
-  row.result = result;
+  row.argument_lines = arguments;
+  row.result_line = result;
   return row;
 }
 

@@ -1,4 +1,4 @@
-// The table of C functions made complete: what their names and the text of their prototypes add.
+// The table of C functions made complete: what their names and those of their parameters add.
 #include <cctype>
 #include <cstring>
 #include <sstream>
@@ -10,13 +10,12 @@
 namespace nuqi::python {
 namespace {
 
-// From nuqi.h, by prototypes.py: each function's section and the names of its parameters.
-struct Text {
+// From nuqi.h, by header.py: the names of each function's parameters.
+struct Prototyped {
   const char* name;
-  const char* section;
   const char* parameters;
 };
-constexpr Text kTexts[] = {
+constexpr Prototyped kPrototyped[] = {
 #include "prototypes.inc"
 };
 
@@ -36,9 +35,20 @@ void read_name(Function& function) {
   function.masked = ending[ending.size() - 2] == 'M';
 }
 
-std::string array_of(int channels, Element element, bool written) {
+std::string array_of(const char* size, int channels, Element element, bool written) {
   const std::string depth = channels == 1 ? ")" : ", " + std::to_string(channels) + ")";
-  return "(h, w" + depth + " array of " + name_of(element) + (written ? ", written" : "");
+  return "(" + std::string(size) + depth + " array of " + name_of(element) +
+         (written ? ", written" : "");
+}
+
+// The height and width of an image that is written, h and w being those of the first image.
+const char* target_size(Sizes sizes) {
+  switch (sizes) {
+    case Sizes::half: return "h // 2, w // 2";
+    case Sizes::twice: return "2 * h, 2 * w";
+    case Sizes::matches: return "h - m + 1, w - n + 1";
+    default: return "h, w";
+  }
 }
 
 // What an argument is, in numpydoc's manner; empty where the parameter is no argument.
@@ -47,15 +57,17 @@ std::string argument_text(const Function& function, std::size_t i, bool has_imag
   switch (parameter.kind) {
     case Kind::source: {
       const bool mask = function.masked && function.names[i] == "mask";
-      return array_of(mask ? 1 : function.channels, parameter.element, false);
+      const bool second = function.sizes == Sizes::matches && i > 0;
+      return array_of(second ? "m, n" : "h, w", mask ? 1 : function.channels, parameter.element,
+                      false);
     }
     case Kind::target: {
       const int channels =
           function.target_channels != 0 ? function.target_channels : function.channels;
-      return array_of(channels, parameter.element, true);
+      return array_of(target_size(function.sizes), channels, parameter.element, true);
     }
-    case Kind::source_planes: return "sequence of " + array_of(1, parameter.element, false);
-    case Kind::target_planes: return "sequence of " + array_of(1, parameter.element, true);
+    case Kind::source_planes: return "sequence of " + array_of("h, w", 1, parameter.element, false);
+    case Kind::target_planes: return "sequence of " + array_of("h, w", 1, parameter.element, true);
     case Kind::size: return has_images ? "" : "(width, height)";
     case Kind::integer: return "int";
     case Kind::real: return "float";
@@ -84,80 +96,60 @@ const char* result_text(Kind kind) {
   }
 }
 
-struct Argument {
-  std::string name;
-  std::string type;
-};
-
-std::vector<Argument> arguments_of(const Function& function) {
-  std::vector<Argument> found;
-  if (function.body != nullptr) {
-    std::istringstream lines(function.arguments);
-    for (std::string line; std::getline(lines, line);) {
-      const std::size_t colon = line.find(" : ");
-      found.push_back({line.substr(0, colon), line.substr(colon + 3)});
-    }
-    return found;
-  }
-  bool has_images = false;
-  for (std::size_t i = 0; i < function.count; ++i) {
-    const Kind kind = function.parameters[i].kind;
-    has_images = has_images || kind == Kind::step;
-  }
-  for (std::size_t i = 0; i < function.count; ++i) {
-    const std::string type = argument_text(function, i, has_images);
-    if (!type.empty()) found.push_back({function.names[i], type});
+std::vector<Item> items_of(const char* lines) {
+  std::vector<Item> found;
+  std::istringstream all(lines == nullptr ? "" : lines);
+  for (std::string line; std::getline(all, line);) {
+    const std::size_t colon = line.find(" : ");
+    found.push_back({line.substr(0, colon), line.substr(colon + 3)});
   }
   return found;
 }
 
-std::string result_of(const Function& function) {
-  if (function.body != nullptr) return function.result == nullptr ? "" : function.result;
-  std::string all;
-  int count = 0;
-  for (std::size_t i = 0; i < function.count; ++i) {
-    const std::string one = result_text(function.parameters[i].kind);
-    if (!one.empty()) all += (count++ > 0 ? ", " : "") + one;
+void find_items(Function& function) {
+  if (function.body != nullptr) {
+    function.arguments = items_of(function.argument_lines);
+    function.results = items_of(function.result_line);
+    return;
   }
-  return count > 1 ? "tuple[" + all + "]" : all;
+  bool has_images = false;
+  for (std::size_t i = 0; i < function.count; ++i)
+    has_images = has_images || function.parameters[i].kind == Kind::step;
+  for (std::size_t i = 0; i < function.count; ++i) {
+    std::string type = argument_text(function, i, has_images);
+    if (!type.empty()) function.arguments.push_back({function.names[i], std::move(type)});
+    const std::string result = result_text(function.parameters[i].kind);
+    if (!result.empty()) function.results.push_back({function.names[i], result});
+  }
 }
 
-// "name(a, b, buffer=None, /)\n--\n\n" is how CPython tells inspect of a signature.
-void document(Function& function, const Text& text) {
-  const std::vector<Argument> arguments = arguments_of(function);
-  function.most = static_cast<int>(arguments.size());
-  function.fewest = function.most - (function.buffer_size != nullptr ? 1 : 0);
-  std::string signature;
-  std::string list;
-  for (const Argument& argument : arguments) {
-    const bool optional = argument.type.find("optional") != std::string::npos;
-    signature += argument.name + (optional ? "=None, " : ", ");
-    list += argument.name + " : " + argument.type + "\n    As nuqi.h says.\n";
-  }
-  const std::string result = result_of(function);
-  function.documentation =
-      std::string(function.name) + "(" + signature + "/)\n--\n\n" + text.section +
-      ": the C function of this name on arrays.\n\nParameters\n----------\n" + list +
-      (result.empty() ? ""
-                      : "\nReturns\n-------\n" + result + "\n    As nuqi.h says, in its order.\n") +
-      "\nRaises\n------\nStatusError\n    As nuqi.h says.\n";
+void find_signature(Function& function) {
+  const bool buffer = function.buffer_size != nullptr;
+  function.most = static_cast<int>(function.arguments.size());
+  function.fewest = function.most - (buffer ? 1 : 0);
+  function.signature = "(";
+  for (const Item& argument : function.arguments)
+    function.signature += (function.signature.size() > 1 ? ", " : "") + argument.name;
+  function.signature += buffer ? "=None)" : ")";
 }
 
 std::vector<Function> make() {
-  std::unordered_map<std::string, const Text*> texts;
-  for (const Text& text : kTexts) texts[text.name] = &text;
+  std::unordered_map<std::string, const char*> parameters;
+  for (const Prototyped& one : kPrototyped) parameters[one.name] = one.parameters;
   std::vector<Function> all;
-  all.reserve(std::size(kTexts));
+  all.reserve(std::size(kPrototyped));
   for (const Rows rows : {arith_rows(), statistics_rows(), filter_rows(), feature_rows(),
                           morphology_rows(), match_rows(), fill_rows()}) {
     for (std::size_t i = 0; i < rows.count; ++i) {
       Function function(rows.first[i]);
-      const auto text = texts.find(function.name);
-      if (text == texts.end()) throw std::logic_error(std::string("nuqi.h lacks ") + function.name);
-      std::istringstream names(text->second->parameters);
+      const auto found = parameters.find(function.name);
+      if (found == parameters.end())
+        throw std::logic_error(std::string("nuqi.h lacks ") + function.name);
+      std::istringstream names(found->second);
       for (std::string name; names >> name;) function.names.push_back(name);
       read_name(function);
-      document(function, *text->second);
+      find_items(function);
+      find_signature(function);
       all.push_back(std::move(function));
     }
   }

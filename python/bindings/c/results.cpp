@@ -16,7 +16,23 @@ bool make_result_types(PyObject* module) {
       {"width", "its width in pixels"},
       {"height", "its height in pixels"},
       {nullptr, nullptr}};
-  static PyStructSequence_Desc description = {"nuqi.c.FillRegion", "What a flood fill has painted.",
+  static PyStructSequence_Desc description = {"nuqi.c.FillRegion", R"(
+What a flood fill has painted.
+
+A tuple whose entries have names: the number of pixels, their new value, and the smallest rectangle around them, all 0
+where nothing was painted.
+
+See Also
+--------
+nuqi.Region : What nuqi.flood_fill gives: rows and columns, and whole numbers.
+
+Examples
+--------
+>>> image = np.array([[1, 1, 2]], np.uint8)
+>>> region = nuqi.c.nuqiFloodFill_4Con_8u_C1IR(image, (0, 0), 9)
+>>> region.area, region.value, region.width
+(2.0, 9.0, 2)
+)",
                                               fields, 6};
   region_type = PyStructSequence_NewType(&description);
   return region_type != nullptr && PyModule_AddType(module, region_type) == 0;

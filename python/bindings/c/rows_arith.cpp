@@ -58,19 +58,19 @@ const Row kRows[] = {
     NUQI_BODY(nuqiSampleLine_8u_C1R, (sample_line<uint8_t, 1>),
               "src : (h, w) array of uint8\ndst : (n,) array of uint8, written\nstart : (x, "
               "y)\nend : (x, y)",
-              "int"),
+              "count : int"),
     NUQI_BODY(nuqiSampleLine_8u_C3R, (sample_line<uint8_t, 3>),
               "src : (h, w, 3) array of uint8\ndst : (n, 3) array of uint8, written\nstart : (x, "
               "y)\nend : (x, y)",
-              "int"),
+              "count : int"),
     NUQI_BODY(nuqiSampleLine_32f_C1R, (sample_line<float, 1>),
               "src : (h, w) array of float32\ndst : (n,) array of float32, written\nstart : (x, "
               "y)\nend : (x, y)",
-              "int"),
+              "count : int"),
     NUQI_BODY(nuqiSampleLine_32f_C3R, (sample_line<float, 3>),
               "src : (h, w, 3) array of float32\ndst : (n, 3) array of float32, written\nstart : "
               "(x, y)\nend : (x, y)",
-              "int"),
+              "count : int"),
 };
 
 }  // namespace

@@ -45,7 +45,7 @@ const Row kRows[] = {
     NUQI_FUNCTION(nuqiDistanceTransform_3x3_8u32f_C1R).with_numbers(numbers<2>),
     NUQI_FUNCTION(nuqiDistanceTransform_5x5_8u32f_C1R).with_numbers(numbers<3>),
     NUQI_BODY(nuqiGetDistanceTransformMask, distance_weights, "maskType : int",
-              "tuple[float, ...]"),
+              "metrics : tuple[float, ...]"),
 };
 
 }  // namespace

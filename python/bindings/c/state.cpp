@@ -38,16 +38,44 @@ PyTypeObject* make_type(const char* name, const char* documentation) {
 }  // namespace
 
 bool make_state_types(PyObject* module) {
-  types[0] =
-      make_type("nuqi.c.ConvolState",
-                "What a blur, Sobel or Laplace filter keeps between calls.\n\n"
-                "Made by nuqiBlurInitAlloc, nuqiSobelInitAlloc and nuqiLaplaceInitAlloc. One state "
-                "serves one call at a time;\na second one is refused with a RuntimeError.");
-  types[1] = make_type(
-      "nuqi.c.MorphState",
-      "What an erosion or dilation keeps between calls.\n\n"
-      "Made by nuqiMorphologyInitAlloc. One state serves one call at a time; a second one "
-      "is refused with\na RuntimeError.");
+  types[0] = make_type("nuqi.c.ConvolState", R"(
+What a blur, Sobel or Laplace filter keeps between calls.
+
+Its size, its kernels and the last rows of the stripe before. One state serves one call at a time: a second one is
+refused with a RuntimeError. Memory is released by nobody, by contract: keep a state and use it again.
+
+See Also
+--------
+nuqiBlurInitAlloc : Make one for sums over boxes.
+nuqiSobelInitAlloc : Make one for derivatives.
+nuqiLaplaceInitAlloc : Make one for second derivatives.
+nuqi.BoxSum : An object that keeps its state itself.
+
+Examples
+--------
+>>> state = nuqi.c.nuqiBlurInitAlloc(8, 1, 3)
+>>> sums = np.zeros((6, 8), np.int16)
+>>> nuqi.c.nuqiBlur_8u16s_C1R(np.ones((6, 8), np.uint8), sums, state, 0)
+6
+)");
+  types[1] = make_type("nuqi.c.MorphState", R"(
+What an erosion or dilation keeps between calls.
+
+Its element and the last rows of the strip before. One state serves one call at a time: a second one is refused with
+a RuntimeError. Memory is released by nobody, by contract: keep a state and use it again.
+
+See Also
+--------
+nuqiMorphologyInitAlloc : Make one.
+nuqi.Morphology : An object that keeps its state itself.
+
+Examples
+--------
+>>> state = nuqi.c.nuqiMorphologyInitAlloc(8, 1, 1, (3, 3), (1, 1), 0, None)
+>>> least = np.zeros((6, 8), np.uint8)
+>>> nuqi.c.nuqiErodeStrip_Rect_8u_C1R(np.ones((6, 8), np.uint8), least, state, 0)
+6
+)");
   return types[0] != nullptr && types[1] != nullptr && PyModule_AddType(module, types[0]) == 0 &&
          PyModule_AddType(module, types[1]) == 0;
 }

@@ -1,6 +1,5 @@
-"""Writes the stub of nuqi.c from the built module's own documentation: stubs.py PACKAGE/c.pyi"""
+"""Writes the stub of nuqi.c from what the built module says of its functions: stubs.py PACKAGE/c.pyi"""
 
-import inspect
 import pathlib
 import re
 import sys
@@ -31,12 +30,6 @@ def annotation(text: str) -> str:
     return "tuple[int, int]" if text.startswith("(") else text
 
 
-def described(documentation: str, section: str) -> list[str]:
-    """The lines that head the entries of a section."""
-    found = re.search(rf"{section}\n-+\n((?:.+\n)+)", documentation)
-    return [line for line in found[1].splitlines() if not line.startswith(" ")] if found else []
-
-
 lines = [
     "from collections.abc import Sequence",
     "from typing import final",
@@ -58,15 +51,14 @@ lines = [
     *(f"    @property\n    def {field}(self) -> {type_}: ..." for field, type_ in FIELDS.items()),
     "",
 ]
-for name in nuqi.c.__all__:
-    function = getattr(nuqi.c, name)
-    if not inspect.isbuiltin(function):
+for name, function in nuqi.c.__dict__.items():
+    if not name.startswith("nuqi"):
         continue
-    documentation = inspect.getdoc(function) or ""
-    arguments = []
-    for line in described(documentation, "Parameters"):
-        argument, _, text = line.partition(" : ")
-        arguments.append(f"{argument}: {annotation(text)}" + (" = None" if "optional" in text else ""))
-    result = described(documentation, "Returns")
-    lines.append(f"def {name}({', '.join([*arguments, '/'])}) -> {result[0] if result else None}: ...")
+    arguments = [
+        f"{argument}: {annotation(text)}" + (" = None" if "optional" in text else "")
+        for argument, text in function._arguments
+    ]
+    results = [type_ for _, type_ in function._results]
+    result = results[0] if len(results) == 1 else f"tuple[{', '.join(results)}]" if results else "None"
+    lines.append(f"def {name}({', '.join(arguments)}) -> {result}: ...")
 stub.write_text("\n".join(lines) + "\n", encoding="utf-8")

@@ -97,8 +97,14 @@ PyObject* distance_transform(Arguments a) {
                                             Distance::euclidean_3x3, Distance::euclidean_5x5};
   DistanceSteps steps{};
   if (PyTuple_Check(a[1])) {
-    if (PyArg_ParseTuple(a[1], "ff|f", &steps.beside, &steps.diagonal, &steps.knight) == 0)
+    if (PyTuple_GET_SIZE(a[1]) != 2 && PyTuple_GET_SIZE(a[1]) != 3) {
+      PyErr_Format(PyExc_ValueError, "metric: expected two or three weights, got %zd",
+                   PyTuple_GET_SIZE(a[1]));
       throw Raised{};
+    }
+    float* const weights[] = {&steps.beside, &steps.diagonal, &steps.knight};
+    for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(a[1]); ++i)
+      *weights[i] = real(PyTuple_GET_ITEM(a[1], i), "metric");
   } else {
     steps = distance_steps(kDistances[word(a[1], "metric", kWords, 4)]);
   }

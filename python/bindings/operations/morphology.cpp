@@ -2,12 +2,11 @@
 #include <nuqi/hpp/morphology.hpp>
 #include <utility>
 
+#include "element.h"
 #include "operation.h"
 
 namespace nuqi::python {
-namespace {
 
-// A boolean array, or (height, width); an anchor, (row, column), or None.
 nuqi::Element element(PyObject* footprint, PyObject* anchor) {
   const auto whole = [&] {
     const PixelPoint size = point(footprint, "footprint");
@@ -20,6 +19,8 @@ nuqi::Element element(PyObject* footprint, PyObject* anchor) {
   const PixelPoint at = point(anchor, "anchor");
   return made.anchored(at.x, at.y).simplified();
 }
+
+namespace {
 
 // (image, footprint, anchor, out)
 template <class Go>

@@ -13,6 +13,7 @@ PyObject* motion_history(Arguments a) {
   const auto history = output<float>(a[1], "history");
   const float timestamp = real(a[2], "timestamp");
   const float duration = real(a[3], "duration");
+  if (!(duration >= 0)) throw Error(StatusBadArg, "motion_history", "", "duration is below 0");
   unlocked([&] { nuqi::motion_history(silhouette, history, timestamp, duration); });
   return none();
 }

@@ -71,12 +71,21 @@ PyObject* joint_histogram(Arguments a) {
   return list_of(unlocked([&] { return nuqi::joint_histogram(image, first, second).counts; }));
 }
 
+// (counts), one-dimensional
+PyObject* check_histogram(Arguments a) {
+  Image counts;
+  if (!read_array(a[0], {"counts", Element::s32, 1, false, false, true}, &counts)) throw Raised{};
+  nuqi::check_histogram(reinterpret_cast<const std::int32_t*>(counts.data), counts.width);
+  return none();
+}
+
 const Operation kOperations[] = {
     {"mean", 3, mean},
     {"mean_std", 3, mean_std},
     {"min_max", 3, min_max},
     {"histogram", 2, histogram},
     {"joint_histogram", 3, joint_histogram},
+    {"check_histogram", 1, check_histogram},
 };
 
 }  // namespace

@@ -17,6 +17,7 @@ struct Operation {
   const char* name;
   int count;  // of arguments
   PyObject* (*run)(Arguments);
+  const char* function = name;  // what Python's users call
 };
 struct Operations {
   const Operation* first;
@@ -29,6 +30,7 @@ Operations filter_operations();
 Operations feature_operations();
 Operations morphology_operations();
 Operations fill_operations();
+Operations strip_operations();
 Operations motion_operations();
 
 }  // namespace nuqi::python
