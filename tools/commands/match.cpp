@@ -93,12 +93,10 @@ void find_template(const Options& options) {
   const Picture picture = read_picture(options.in);
   const Plane<uint8_t> tpl = grey_of(read_picture(options.tpl));
   check_template(tpl, options.tpl, picture.size, measure);
-  Plane<float> scores;
   LateProgress progress;
-  const double seconds = seconds_of([&] {
-    scores = scores_of(grey_of(picture), tpl, measure,
-                       [&](int32_t rows, int32_t of) { progress.done(rows, of); });
-  });
+  Stopwatch calls;
+  const Plane<float> scores = scores_of(grey_of(picture), tpl, measure, calls,
+                                        [&](int32_t rows, int32_t of) { progress.done(rows, of); });
   const auto places = best_places(scores, measure, tpl.size, size_t(options.top));
   const Scale scale = score_scale(scores, measure);
   const Colouring colours = score_colours(measure, scale);
@@ -109,7 +107,7 @@ void find_template(const Options& options) {
   report("%s: %s in %s, %zu place%s, the best at %d,%d with %s %.6g, %.2f ms with %s\n",
          options.out.c_str(), size_text(tpl.size).c_str(), size_text(picture.size).c_str(),
          places.size(), places.size() == 1 ? "" : "s", places[0].x, places[0].y, measure.name,
-         double(places[0].value), 1e3 * seconds, nuqi::name_of(nuqi::isa()));
+         double(places[0].value), 1e3 * calls.seconds(), nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

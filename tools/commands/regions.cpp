@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "clock.h"
 #include "commands/commands.h"
 #include "core/isa.h"
 #include "pictures/file.h"
@@ -66,18 +65,17 @@ void find_regions(const Options& options) {
   check_ending(options.out);
   check_outputs_differ({options.out, options.csv});
   const Plane<uint8_t> grey = read_grey(options.in);
-  std::optional<Regions> regions;
-  const double seconds = seconds_of([&] { regions.emplace(grey, options.connect); });
-  write_picture(options.out, regions->coloured(options.smallest));
+  const Regions regions(grey, options.connect);
+  write_picture(options.out, regions.coloured(options.smallest));
   if (!options.csv.empty()) {
-    const std::string text = csv_of(*regions, options.smallest);
+    const std::string text = csv_of(regions, options.smallest);
     write_file(options.csv, text.data(), text.size());
   }
   const auto kept = std::count_if(
-      regions->all().begin(), regions->all().end(),
+      regions.all().begin(), regions.all().end(),
       [&](const Region& region) { return region.found.area >= double(options.smallest); });
   report("%s: %s, %zu regions, %td of them shown, %.2f ms with %s\n", options.out.c_str(),
-         size_text(grey.size).c_str(), regions->all().size(), kept, 1e3 * seconds,
+         size_text(grey.size).c_str(), regions.all().size(), kept, 1e3 * regions.seconds(),
          nuqi::name_of(nuqi::isa()));
 }
 
@@ -86,6 +84,7 @@ void find_regions(const Options& options) {
 Regions::Regions(const Plane<uint8_t>& grey, int connect) : paint_(grey.size) {
   std::copy(grey.values.begin(), grey.values.end(), paint_.values.begin());
   nuqi::Scratch scratch;
+  fetch(scratch, nuqiFloodFillGetSize, grey.size);
   const auto connectivity = connect == 4 ? nuqi::Connectivity::four : nuqi::Connectivity::eight;
 
   const RoiSize roi = grey.size;
@@ -95,8 +94,10 @@ Regions::Regions(const Plane<uint8_t>& grey, int connect) : paint_(grey.size) {
     for (int32_t x = 0; x < roi.width; ++x) {
       const float level = paint_.values[size_t(y) * size_t(roi.width) + size_t(x)];
       if (level < 0) continue;
-      const FillRegion found =
-          nuqi::flood_fill(paint_, {x, y}, paint_of(all_.size()), connectivity, scratch);
+      FillRegion found{};
+      calls_.time([&] {
+        found = nuqi::flood_fill(paint_, {x, y}, paint_of(all_.size()), connectivity, scratch);
+      });
       all_.push_back({found, {x, y}, uint8_t(level)});
     }
     if (progress) progress->advance();

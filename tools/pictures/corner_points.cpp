@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <nuqi/nuqi.hpp>
 
 #include "pictures/peaks.h"
 
@@ -25,24 +24,23 @@ void for_each_near(RoiSize size, const Corner& corner, double distance, const Vi
       if (std::hypot(x - corner.x, y - corner.y) < distance) visit(x, y);
 }
 
-void put(Picture& picture, int32_t x, int32_t y, const std::array<uint8_t, 3>& ink) {
+template <class T>
+void put(PictureOf<T>& picture, int32_t x, int32_t y, const std::array<uint8_t, 3>& ink) {
   if (x < 0 || y < 0 || x >= picture.size.width || y >= picture.size.height) return;
   const size_t pixel = size_t(y) * size_t(picture.size.width) + size_t(x);
-  std::copy(ink.begin(), ink.end(), picture.pixels.begin() + ptrdiff_t(3 * pixel));
+  T* const samples = &picture.pixels[pixel * size_t(picture.channels)];
+  for (size_t c = 0; c < ink.size(); ++c) samples[c] = T(ink[c] * (kGreatest<T> / 255));
+  if (picture.channels == 4) samples[3] = T(kGreatest<T>);
 }
 
 }  // namespace
 
-Plane<float> floats_of(const Plane<uint8_t>& grey) {
+template <class T>
+Plane<float> floats_of(const Plane<T>& grey) {
   Plane<float> floats(grey.size);
-  std::copy(grey.values.begin(), grey.values.end(), floats.values.begin());
+  std::transform(grey.values.begin(), grey.values.end(), floats.values.begin(),
+                 [](T level) { return float(level) / (kGreatest<T> / 255); });
   return floats;
-}
-
-Plane<float> corner_strength(const Plane<float>& grey, int aperture, int block) {
-  Plane<float> strength(grey.size);
-  nuqi::min_eigen(grey, strength, {aperture, block});
-  return strength;
 }
 
 std::vector<Corner> strongest_corners(const Plane<float>& strength, size_t count, double distance) {
@@ -61,7 +59,8 @@ std::vector<Corner> strongest_corners(const Plane<float>& strength, size_t count
   return corners;
 }
 
-Picture with_rings(Picture picture, const std::vector<Corner>& corners) {
+template <class T>
+PictureOf<T> with_rings(PictureOf<T> picture, const std::vector<Corner>& corners) {
   for (const auto& [radius, ink] : {std::pair{4, kShade}, std::pair{3, kRing}})
     for (const Corner& corner : corners)
       for (int32_t dy = -radius; dy <= radius; ++dy)
@@ -70,5 +69,10 @@ Picture with_rings(Picture picture, const std::vector<Corner>& corners) {
             put(picture, corner.x + dx, corner.y + dy, ink);
   return picture;
 }
+
+template Plane<float> floats_of(const Plane<uint8_t>&);
+template Plane<float> floats_of(const Plane<float>&);
+template Picture with_rings(Picture, const std::vector<Corner>&);
+template PictureOf<float> with_rings(PictureOf<float>, const std::vector<Corner>&);
 
 }  // namespace tools

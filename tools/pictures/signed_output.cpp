@@ -26,7 +26,7 @@ class NumbersFile {
     if (ends_with(path, ".pfm")) {
       pfm_.emplace(path, size);
     } else {
-      png_ = create_png16(path, size);
+      png_ = create_picture(path, size, {1, 16});
     }
   }
 
@@ -89,14 +89,14 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
   const RowOpener open = chosen ? once : rereadable(in, Form::grey);
   auto rows = open();
   const RoiSize size = rows->size();
-  const auto out = create_picture(output.path, size, 3);
+  const auto out = create_picture(output.path, size, {3, 8});
   std::optional<NumbersFile> numbers;
   if (!output.numbers.empty()) numbers.emplace(output.numbers, size);
   RowProgress progress(size, chosen ? 1 : 2);
   double seconds = 0;
   const auto filter_rows = [&](const auto& use) {
     FilterStage<uint8_t, int16_t, Filter, 1> stage(make(), size, 1);
-    for_strips(*rows, progress, [&](Strip<uint8_t> strip) { use(stage(strip)); });
+    for_strips<uint8_t>(*rows, progress, [&](Strip<uint8_t> strip) { use(stage(strip)); });
     seconds = stage.seconds();
   };
 
@@ -118,7 +118,7 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
     if (numbers) numbers->write(strip);
     rgb.resize(3 * width * size_t(strip.rows));
     colours.put(strip.values, width * size_t(strip.rows), rgb.data());
-    write_strip(*out, {rgb.data(), strip.rows}, 3 * width);
+    write_strip<uint8_t>(*out, {rgb.data(), strip.rows}, 3 * width);
   });
   out->finish();
   if (numbers) numbers->finish();

@@ -7,6 +7,7 @@
 #include "tour/colours.h"
 #include "tour/families.h"
 #include "tour/page.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -55,8 +56,11 @@ Strength strength_of(const Plane<uint8_t>& grey) {
   require_ok(nuqiMinEigenValGetSize(roi.width, 3, 5, &size), "nuqiMinEigenValGetSize");
   std::vector<uint8_t> memory(static_cast<size_t>(size));
   void* buffer = memory.data();
+  Plane<float> plain_strength(roi);
   strength.calls.push_back(
-      NUQI_TIMED(nuqiMinEigenVal_32f_C1R(src, src_step, dst, dst_step, roi, 3, 5, buffer)));
+      NUQI_TIMED(nuqiMinEigenVal_32f_C1R(src, src_step, dst, dst_step, roi, 3, 5, buffer))
+          .against([&] { plain::corner_strength(floats, 3, 5, plain_strength); }));
+  plain::require_near(plain_strength.values, strength.plane.values, "nuqiMinEigenVal_32f_C1R");
   return strength;
 }
 
@@ -76,8 +80,10 @@ Vectors vectors_of(const Plane<uint8_t>& grey) {
   require_ok(nuqiEigenValsVecsGetSize(roi.width, 3, 5, &size), "nuqiEigenValsVecsGetSize");
   std::vector<uint8_t> memory(static_cast<size_t>(size));
   void* room = memory.data();
+  std::vector<float> plain_vectors(result.values.size());
   result.call =
-      NUQI_TIMED(nuqiEigenValsVecs_8u32f_C1R(levels, step, vectors, vectors_step, roi, 3, 5, room));
+      NUQI_TIMED(nuqiEigenValsVecs_8u32f_C1R(levels, step, vectors, vectors_step, roi, 3, 5, room))
+          .against([&] { plain::corner_vectors(grey, 3, 5, plain_vectors); });
   return result;
 }
 
