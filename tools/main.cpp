@@ -30,13 +30,16 @@ constexpr void (*kCommands[])(CLI::App&) = {
 constexpr char kDescription[] = "Computer-vision primitives at work on pictures.";
 
 constexpr char kFooter[] =
-    "Pictures are read from PNG, JPEG and PNM files (P2, P3, P5, P6) of any kind, and from\n"
-    "standard input where the name is -. Transparent pixels are laid over white, and 16 bits\n"
-    "rounded to 8, where a command cannot keep them: a note says so. Colour becomes grey by\n"
+    "Pictures are read from PNG, JPEG and PNM files (P1 to P7, the last being PAM) of any kind, "
+    "and\n"
+    "from standard input where the name is -. Where a command cannot keep alpha it is laid over\n"
+    "white, and 16 bits are rounded to 8: a note says so. Colour becomes grey by\n"
     "(77 red + 150 green + 29 blue + 128) / 256, in integers. A camera's orientation is applied.\n"
-    "The ending of an output's name chooses its format: .png, .jpg, .jpeg, .pgm, .ppm or .pnm; -\n"
-    "is PNG on standard output. It appears when it is whole; after a failure, what was there is\n"
-    "still there. Symbolic links are followed, and a file that is replaced leaves its mode.\n"
+    "The ending of an output's name chooses its format: .png, .jpg, .jpeg, .pgm, .ppm, .pnm or\n"
+    ".pam; - is PNG on standard output. It appears when it is whole; after a failure, what was\n"
+    "there is still there. Symbolic links are followed, and a file that is replaced leaves its "
+    "mode.\n"
+    "Times are of the library's calls alone.\n"
     "\n"
     "The commands blur, sobel, laplace, erode, dilate, open, close and gradient take pictures\n"
     "larger than memory: up to 1,000,000 pixels along a side, of which they hold a few rows.\n"

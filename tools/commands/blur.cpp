@@ -89,7 +89,7 @@ double blur_rows(RowReader& in, int size, RowWriter& out) {
 }
 
 void blur(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   const auto in = open_rows(options.in, Form::stored, Depth::stored);
   const auto out = create_picture(options.out, in->size(), in->format());
   auto* const filter = in->format().bits == 16 ? blur_rows<float, float, float>

@@ -32,16 +32,6 @@ struct Options {
   double distance = 10;
 };
 
-void write_csv(const std::string& path, const std::vector<Corner>& corners) {
-  std::string text = "x,y,strength\n";
-  for (const Corner& corner : corners) {
-    char line[64];
-    std::snprintf(line, sizeof line, "%d,%d,%.9g\n", corner.x, corner.y, double(corner.strength));
-    text += line;
-  }
-  write_file(path, text.data(), text.size());
-}
-
 Plane<float> strength_of(const Plane<float>& grey, const Options& options, Stopwatch& calls) {
   Plane<float> strength(grey.size);
   nuqi::Scratch scratch;
@@ -58,18 +48,18 @@ void find_corners(RowReader& rows, const Options& options) {
   const auto corners = strongest_corners(strength, size_t(options.top), options.distance);
   if (picture.channels == 1) picture = with_channels(picture, 3);
   write_picture(options.out, with_rings(std::move(picture), corners));
-  if (!options.csv.empty()) write_csv(options.csv, corners);
+  if (!options.csv.empty()) write_csv(options.csv, "strength", corners);
   report("%s: %s, %zu corner%s", options.out.c_str(), size_text(rows.size()).c_str(),
          corners.size(), corners.size() == 1 ? "" : "s");
   if (!corners.empty())
-    report(" of strength %.4g to %.4g", double(corners.front().strength),
-           double(corners.back().strength));
+    report(" of strength %.4g to %.4g", double(corners.front().value),
+           double(corners.back().value));
   report(" (aperture %d, block %d), %.2f ms with %s\n", options.aperture, options.block,
          1e3 * calls.seconds(), nuqi::name_of(nuqi::isa()));
 }
 
 void run(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   check_outputs_differ({options.out, options.csv});
   const auto rows = open_rows(options.in, Form::stored, Depth::stored);
   (rows->format().bits == 8 ? find_corners<uint8_t> : find_corners<float>)(*rows, options);

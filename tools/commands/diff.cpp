@@ -39,21 +39,21 @@ PictureOf<T> difference(const PictureOf<T>& a, const PictureOf<T>& b) {
 // Colours times alpha, rounded, and alpha; of an opaque picture those are its own, and the greatest.
 template <class T>
 PictureOf<T> weighted_by_alpha(const PictureOf<T>& picture) {
+  constexpr uint32_t kWhite = kGreatest<T>;
   if (picture.channels == 4) {
     PictureOf<T> result = picture;
     for (size_t i = 0; i < result.pixels.size(); ++i) {
-      const uint32_t alpha = uint32_t(picture.pixels[i | 3]);
-      if (i % 4 < 3) {
-        result.pixels[i] =
-            T((uint32_t(picture.pixels[i]) * alpha + kGreatest<T> / 2) / kGreatest<T>);
-      }
+      if (i % 4 == 3) continue;
+      const uint32_t product = uint32_t(picture.pixels[i]) * uint32_t(picture.pixels[i | 3]);
+      const uint32_t weighted = (product + kWhite / 2) / kWhite;
+      result.pixels[i] = T(weighted);
     }
     return result;
   }
   const PictureOf<T> colour = with_channels(picture, 3);
   PictureOf<T> result(picture.size, 4);
   for (size_t i = 0; i < result.pixels.size(); ++i) {
-    result.pixels[i] = i % 4 == 3 ? T(kGreatest<T>) : colour.pixels[i / 4 * 3 + i % 4];
+    result.pixels[i] = i % 4 == 3 ? T(kWhite) : colour.pixels[i / 4 * 3 + i % 4];
   }
   return result;
 }
@@ -90,7 +90,7 @@ void write_difference(RowReader& rows_a, RowReader& rows_b, const Options& optio
 }
 
 void compare(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   const auto a = open_rows(options.a, Form::stored, Depth::stored);
   const auto b = open_rows(options.b, Form::stored, Depth::stored);
   check_same_size(options.b, b->size(), options.a, a->size());

@@ -53,7 +53,7 @@ Plane<uint8_t> features_of(Plane<uint8_t> grey, const Options& options) {
 }
 
 void show_distances(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   check_outputs_differ({options.out, options.floats});
   const Plane<uint8_t> features = features_of(read_grey(options.in), options);
   Plane<float> distances(features.size);

@@ -54,7 +54,7 @@ nuqi::CannyThresholds thresholds_for(const Plane<uint8_t>& grey, const Options& 
 
 void find_edges(const Options& options) {
   check_thresholds(options);
-  check_ending(options.out);
+  check_picture_output(options.out);
   const Plane<uint8_t> grey = read_grey(options.in);
   const nuqi::CannyThresholds thresholds = thresholds_for(grey, options);
   Plane<uint8_t> edges(grey.size);

@@ -51,8 +51,8 @@ Plane<uint8_t> mask_between(const Plane<uint8_t>& a, const Plane<uint8_t>& b) {
 
 void fill_region(const Options& options) {
   const PixelPoint seed = point_of(options.seed);
-  check_ending(options.out);
-  if (!options.region.empty()) check_ending(options.region);
+  check_picture_output(options.out);
+  if (!options.region.empty()) check_picture_output(options.region);
   check_outputs_differ({options.out, options.region});
   if (options.lower + options.upper > 255)
     throw UserError("--lower and --upper: their sum must not exceed 255");

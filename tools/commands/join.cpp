@@ -44,7 +44,7 @@ std::vector<Plane<T>> read_planes(const std::vector<std::unique_ptr<RowReader>>&
 }
 
 void join(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   std::vector<std::string> names(std::begin(options.in), std::end(options.in));
   if (!options.alpha.empty()) names.push_back(options.alpha);
   std::vector<std::unique_ptr<RowReader>> rows;

@@ -65,16 +65,6 @@ class LateProgress {
   int32_t shown_ = 0;
 };
 
-void write_csv(const std::string& path, const std::vector<Peak>& places) {
-  std::string text = "x,y,score\n";
-  for (const Peak& place : places) {
-    char line[64];
-    std::snprintf(line, sizeof line, "%d,%d,%.9g\n", place.x, place.y, double(place.value));
-    text += line;
-  }
-  write_file(path, text.data(), text.size());
-}
-
 Picture one_above_other(const Picture& above, const Picture& below) {
   const int32_t width = above.size.width, height = above.size.height;
   const int32_t gap = std::max(4, width / 120);
@@ -87,7 +77,7 @@ Picture one_above_other(const Picture& above, const Picture& below) {
 }
 
 void find_template(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   check_outputs_differ({options.out, options.csv});
   const Measure& measure = measure_named(options.measure);
   const Picture picture = read_picture(options.in);
@@ -103,7 +93,7 @@ void find_template(const Options& options) {
   const Picture sheet = one_above_other(with_boxes(picture, places, tpl.size),
                                         in_middle_of(picture.size, colours(scores), tpl.size));
   write_picture(options.out, with_scale(sheet, scale, colours));
-  if (!options.csv.empty()) write_csv(options.csv, places);
+  if (!options.csv.empty()) write_csv(options.csv, "score", places);
   report("%s: %s in %s, %zu place%s, the best at %d,%d with %s %.6g, %.2f ms with %s\n",
          options.out.c_str(), size_text(tpl.size).c_str(), size_text(picture.size).c_str(),
          places.size(), places.size() == 1 ? "" : "s", places[0].x, places[0].y, measure.name,

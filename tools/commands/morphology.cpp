@@ -16,10 +16,9 @@ namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes a picture of IN's size, grey or in colours; channels are taken each on its own, alpha "
-    "is\n"
-    "copied unchanged. Pixels beyond an edge equal the edge pixel. Takes pictures larger than\n"
-    "memory (`nuqi --help`).\n"
+    "Writes a picture of IN's kind and size; channels are taken each on its own, also those of\n"
+    "transparent pixels, alpha is copied unchanged. Pixels beyond an edge equal the edge pixel.\n"
+    "Takes pictures larger than memory (`nuqi --help`).\n"
     "\n"
     "The element is a rectangle, a cross of the row and the column through the anchor, a filled\n"
     "ellipse, or a FILE of 0 and 1 in lines or a picture that is bright (128 and more) inside the\n"
@@ -153,7 +152,7 @@ double filter_rows(Operation operation, const Options& options, const Element& e
 }
 
 void run(Operation operation, const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   const NamedElement element = element_of(options.element);
   const auto in = open_rows(options.in, Form::stored, Depth::stored);
   const auto out = create_picture(options.out, in->size(), in->format());

@@ -68,7 +68,7 @@ void make_pyramid(RowReader& rows, const Options& options) {
 }
 
 void run(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   const auto rows =
       open_rows(options.in, options.laplacian ? Form::opaque : Form::stored, Depth::stored);
   const int most = most_levels(rows->size());

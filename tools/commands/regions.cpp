@@ -62,7 +62,7 @@ std::string csv_of(const Regions& regions, int64_t smallest) {
 }
 
 void find_regions(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   check_outputs_differ({options.out, options.csv});
   const Plane<uint8_t> grey = read_grey(options.in);
   const Regions regions(grey, options.connect);

@@ -41,8 +41,8 @@ void write_channels(RowReader& rows, const Options& options) {
 }
 
 void split(const Options& options) {
-  for (const std::string& out : options.out) check_ending(out);
-  if (!options.alpha.empty()) check_ending(options.alpha);
+  for (const std::string& out : options.out) check_picture_output(out);
+  if (!options.alpha.empty()) check_picture_output(options.alpha);
   check_outputs_differ({options.out[0], options.out[1], options.out[2], options.alpha});
   const auto rows =
       open_rows(options.in, options.alpha.empty() ? Form::opaque : Form::stored, Depth::stored);

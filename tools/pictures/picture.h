@@ -89,8 +89,9 @@ Picture read_picture(const std::string& path);
 template <class T>
 void write_picture(const std::string& path, const PictureOf<T>& picture);
 
-// Throws UserError unless `path` ends as pictures do or is "-": lets a command fail before its work.
-void check_ending(const std::string& path);
+// Throws UserError unless `path` ends as pictures do, in a folder that exists, or is "-": lets a command fail
+// before its work.
+void check_picture_output(const std::string& path);
 
 // Of red, green and blue.
 template <class Sample>

@@ -13,9 +13,9 @@ namespace {
 class PnmReader : public RowReader {
  public:
   PnmReader(File file, std::string name) : file_(std::move(file)), name_(std::move(name)) {
-    if (next() != 'P') broken("its first letter is no P");
+    const int letter = next();
     kind_ = next();
-    if (kind_ < '1' || kind_ > '7') broken("only P1 to P7 are read");
+    if (letter != 'P' || kind_ < '1' || kind_ > '7') fail_as_unknown(name_);
     const Header header = kind_ == '7' ? pam_header() : pnm_header();
     check_sides(header.width, header.height, name_);
     if (header.most < 1 || header.most > 65535) broken("its greatest value must be 1 to 65535");

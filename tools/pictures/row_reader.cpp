@@ -104,11 +104,14 @@ bool may_be_picture(const File& file, const std::string& name) {
   return first == kPngsFirst || first == kJpegsFirst || first == kPnmsFirst;
 }
 
+void fail_as_unknown(const std::string& name) {
+  throw UserError(name + ": is neither a PNG nor a JPEG nor a PNM picture: convert it to one");
+}
+
 std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form form, Depth depth) {
-  if (!may_be_picture(file, name)) {
-    throw UserError(name + ": is neither a PNG nor a JPEG nor a PNM picture");
-  }
   const int first = first_byte(file, name);
+  if (first == EOF) throw UserError(name + ": is empty");
+  if (!may_be_picture(file, name)) fail_as_unknown(name);
   auto* const read = first == kPngsFirst ? read_png : first == kJpegsFirst ? read_jpeg : read_pnm;
   std::unique_ptr<RowReader> rows = read(std::move(file), name);
   const PixelFormat stored = rows->format();

@@ -65,6 +65,7 @@ std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form fo
 
 // Whether a file that nothing was read of begins as one of these does.
 bool may_be_picture(const File& file, const std::string& name);
+[[noreturn]] void fail_as_unknown(const std::string& name);  // throws UserError
 
 // The rows of a file that is read twice. A pipe gives its picture only once, so it is kept.
 using RowOpener = std::function<std::unique_ptr<RowReader>()>;

@@ -113,11 +113,13 @@ void write_row(RowWriter& rows, const float* row, size_t count) {
   rows.write(bytes.data());
 }
 
-void check_ending(const std::string& path) { (void)kind_of(path); }
+void check_picture_output(const std::string& path) {
+  (void)kind_of(path);
+  if (path != kStandardStream) check_folder_of(path);
+}
 
 std::unique_ptr<RowWriter> create_picture(const std::string& path, RoiSize size,
                                           PixelFormat format) {
-  check_ending(path);
   return std::make_unique<PictureFile>(path, size, format);
 }
 

@@ -10,8 +10,8 @@ namespace tools {
 
 // The planes that a linear filter takes one by one. Of opaque pictures they are the channels; under alpha they
 // are the products of colour and alpha, so that a colour counts as much as it covers, and alpha itself. A
-// product of 16-bit samples is two planes, its digits to the base 65536: sums of fewer than 256 of them are
-// exact in floats.
+// product of 16-bit samples is two planes, its digits to the base 65536: sums of up to 256 of them are exact in
+// floats.
 template <class T, class Element>
 class WeightedPlanes {
  public:
@@ -35,11 +35,11 @@ class WeightedPlanes {
   template <class Sum>
   void put(const Sum& sum, uint32_t weight, T* pixel) const {
     if (channels_ < 4) {
-      for (size_t c = 0; c < channels_; ++c) pixel[c] = mean(uint64_t(sum(c)), weight);
+      for (size_t c = 0; c < channels_; ++c) pixel[c] = mean(uint32_t(sum(c)), weight);
       return;
     }
     const auto alphas = uint64_t(sum(count() - 1));
-    pixel[3] = mean(alphas, weight);
+    pixel[3] = mean(alphas, uint64_t{weight});
     for (size_t c = 0; c < 3; ++c) {
       uint64_t products = 0;
       for (size_t d = 0; d < digits_; ++d) {
@@ -50,7 +50,11 @@ class WeightedPlanes {
   }
 
  private:
-  static T mean(uint64_t sum, uint64_t weight) { return T((sum + weight / 2) / weight); }
+  template <class Number>
+  static T mean(Number sum, Number weight) {
+    const Number rounded = (sum + weight / 2) / weight;
+    return T(rounded);
+  }
 
   void take_weighted(const T* pixels, size_t count) {
     for (size_t i = 0; i < count; ++i) {

@@ -128,7 +128,7 @@ Section corners_section(const Scene& scene) {
                               picture_of(scene.grey));
   const Strength strength = strength_of(scene.grey);
   const auto corners = strongest_corners(strength.plane, 150, 10);
-  const double range = corners.empty() ? 1.0 : double(corners[corners.size() / 3].strength);
+  const double range = corners.empty() ? 1.0 : double(corners[corners.size() / 3].value);
   Figure heat("Strength", "The smaller eigenvalue, bright at corners",
               heat_colours(strength.plane, range), Shrink::brightest);
   heat.with(heat_legend(range, "smaller eigenvalue")).note("Sums over 5x5 pixels.");
