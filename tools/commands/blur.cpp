@@ -17,15 +17,13 @@ namespace {
 
 constexpr char kFooter[] =
     "Writes a picture of IN's kind and size: in each channel the mean of the square of pixels\n"
-    "around each pixel, rounded. Where there is alpha, colours are weighted by it, so that those "
-    "of\n"
-    "transparent pixels do not show. Pixels beyond an edge equal the edge pixel.\n"
+    "around each pixel, rounded. Where there is alpha, colours are weighted by it, so that\n"
+    "those of transparent pixels do not show. Pixels beyond an edge equal the edge pixel.\n"
     "Takes pictures larger than memory (`nuqi --help`).\n"
     "\n"
-    "nuqiBlur_8u16s_C1R, and nuqiBlur_32f_C1R for 16 bits and alpha, give sums, which are divided\n"
-    "here. nuqiConvolFree succeeds and leaves the state's memory allocated, by contract: a "
-    "program\n"
-    "that blurs often keeps its states.\n";
+    "nuqiBlur_8u16s_C1R, and nuqiBlur_32f_C1R for 16 bits and alpha, give sums, which are\n"
+    "divided here. nuqiConvolFree succeeds and leaves the state's memory allocated, by\n"
+    "contract: a program that blurs often keeps its states.\n";
 
 struct Options {
   std::string in, out;

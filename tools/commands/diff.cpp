@@ -15,11 +15,10 @@ namespace {
 
 constexpr char kFooter[] =
     "Writes the absolute difference of two pictures of one size, in each channel: black where\n"
-    "they are equal; grey where both are, of 16 bits where one has 16. Where one has alpha, "
-    "colours\n"
-    "are compared times alpha, and where alpha differs by more than a channel does, that is what\n"
-    "shows there: black is what looks the same over every background. Exit code 0, whether they\n"
-    "differ or not.\n";
+    "they are equal; grey where both are, of 16 bits where one has 16. Where one has alpha,\n"
+    "colours are compared times alpha, and where alpha differs by more than a channel does,\n"
+    "that is what shows there: black is what looks the same over every background. Exit code\n"
+    "0, whether they differ or not.\n";
 
 struct Options {
   std::string a, b, out;

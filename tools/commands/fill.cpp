@@ -20,11 +20,10 @@ namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Paints the region of the pixel X,Y: without --lower and --upper all connected pixels that\n"
-    "equal it, with them those reached from neighbour to neighbour in steps of at most --lower\n"
-    "down and --upper up. The region is found in the grey picture; grey or red, green and blue "
-    "are\n"
-    "painted, alpha stays.\n";
+    "Paints the region of the pixel X,Y: without --lower and --upper all connected pixels\n"
+    "that equal it, with them those reached from neighbour to neighbour in steps of at most\n"
+    "--lower down and --upper up. The region is found in the grey picture; grey or red, green\n"
+    "and blue are painted, alpha stays.\n";
 
 struct Options {
   std::string in, out, seed, region;

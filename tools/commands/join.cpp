@@ -14,9 +14,8 @@ namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes a colour picture whose channels are the grey levels of three pictures of one size, "
-    "and\n"
-    "its alpha those of a fourth: of 16 bits where one of them has 16.\n";
+    "Writes a colour picture whose channels are the grey levels of three pictures of one\n"
+    "size, and its alpha those of a fourth: of 16 bits where one of them has 16.\n";
 
 struct Options {
   std::string in[3], out, alpha;

@@ -14,9 +14,8 @@ const std::string kFooter =
     std::string(
         "Writes the second derivative of the grey levels in x plus that in y, smoothed by the\n"
         "aperture: negative on spots and lines brighter than what surrounds them. Values are sums\n"
-        "with integer weights, not divided; beyond 16 bits, which takes an aperture of 7, they "
-        "stay\n"
-        "at the limit.\n") +
+        "with integer weights, not divided; beyond 16 bits, which takes an aperture of 7, they\n"
+        "stay at the limit.\n") +
     kSignedFooter;
 
 void apply_laplace(const SignedFilter& options) {

@@ -20,8 +20,8 @@ namespace {
 
 constexpr char kFooter[] =
     "Scores every place at which TEMPLATE lies wholly inside IN, both in grey. OUT shows the\n"
-    "picture with boxes around the best places, orange around the best of all, and below it the\n"
-    "scores in colours with their scale, each in the middle of its place.\n"
+    "picture with boxes around the best places, orange around the best of all, and below it\n"
+    "the scores in colours with their scale, each in the middle of its place.\n"
     "\n"
     "  sqdiff         sum of squared differences: 0 where both are equal\n"
     "  sqdiff-normed  the same over the root of both sums of squares\n"
@@ -31,10 +31,10 @@ constexpr char kFooter[] =
     "  coeff-normed   the same over the root of both variances: from -1 to 1, whatever the\n"
     "                 brightness and the contrast\n"
     "\n"
-    "The best places are local extrema, and no box overlaps another. Of equal ones the upper "
-    "comes\n"
-    "first, then the left one; of a plateau one pixel counts. --csv writes a line x,y,score for\n"
-    "each, which are the box's pixel at the upper left and its score, the best first.\n";
+    "The best places are local extrema, and no box overlaps another. Of equal ones the upper\n"
+    "comes first, then the left one; of a plateau one pixel counts. --csv writes a line\n"
+    "x,y,score for each, which are the box's pixel at the upper left and its score, the best\n"
+    "first.\n";
 
 struct Options {
   std::string in, tpl, out, csv;

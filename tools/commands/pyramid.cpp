@@ -18,17 +18,15 @@ namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes the picture and N levels below it, each smoothed and half as wide and high as the one\n"
-    "above, of IN's kind. Where a width or height is odd, the last column or row is repeated "
-    "first.\n"
-    "Where there is alpha, colours are weighted by it, so that those of transparent pixels do not\n"
-    "show. All levels come on one sheet, or one file each where OUT holds %d: that becomes 0 for\n"
-    "the picture, 1 for the first level below it, and so on.\n"
-    "With --laplacian all levels but the last are what they lack that the level below, brought up\n"
-    "to their size, gives: mid-grey where nothing, as much brighter or darker as the difference;\n"
-    "alpha is laid over white. The differences are kept whole; the picture is rebuilt from them "
-    "and\n"
-    "the last level, and the largest deviation from IN is printed: 0.\n";
+    "Writes the picture and N levels below it, each smoothed and half as wide and high as the\n"
+    "one above, of IN's kind. Where a width or height is odd, the last column or row is\n"
+    "repeated first. Where there is alpha, colours are weighted by it, so that those of\n"
+    "transparent pixels do not show. All levels come on one sheet, or one file each where OUT\n"
+    "holds %d: that becomes 0 for the picture, 1 for the first level below it, and so on.\n"
+    "With --laplacian all levels but the last are what they lack that the level below,\n"
+    "brought up to their size, gives: mid-grey where nothing, as much brighter or darker as\n"
+    "the difference; alpha is laid over white. The differences are kept whole; the picture is\n"
+    "rebuilt from them and the last level, and the largest deviation from IN is printed: 0.\n";
 
 constexpr char kNumber[] = "%d";
 

@@ -15,9 +15,8 @@ const std::string kFooter =
     std::string(
         "Writes the derivative of the grey levels, smoothed by the aperture. --xorder 1 and\n"
         "--yorder 0 are positive where it gets brighter to the right, --xorder 0 and --yorder 1\n"
-        "where downwards. Values are sums with integer weights, not divided; beyond 16 bits, "
-        "which\n"
-        "takes an aperture of 5 or 7, they stay at the limit.\n") +
+        "where downwards. Values are sums with integer weights, not divided; beyond 16 bits,\n"
+        "which takes an aperture of 5 or 7, they stay at the limit.\n") +
     kSignedFooter;
 
 struct Options : SignedFilter {

@@ -15,10 +15,9 @@ namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes three grey pictures, one for each channel, of 16 bits where IN has 16. --alpha writes\n"
-    "the fourth; without it, transparent pixels are laid over white. `nuqi join` puts them "
-    "together\n"
-    "again; PNG files lose nothing on the way.\n";
+    "Writes three grey pictures, one for each channel, of 16 bits where IN has 16. --alpha\n"
+    "writes the fourth; without it, transparent pixels are laid over white. `nuqi join` puts\n"
+    "them together again; PNG files lose nothing on the way.\n";
 
 struct Options {
   std::string in, out[3], alpha;

@@ -11,10 +11,10 @@
 
 #include "core/isa.h"
 #include "failure.h"
+#include "pictures/colours.h"
 #include "pictures/file.h"
 #include "pictures/pfm.h"
 #include "report.h"
-#include "tour/colours.h"
 
 namespace tools {
 namespace {

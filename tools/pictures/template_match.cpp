@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "failure.h"
+#include "pictures/colours.h"
 #include "pictures/plot.h"
-#include "tour/colours.h"
 
 namespace tools {
 namespace {

@@ -1,5 +1,5 @@
 // The tour's section on Canny's edges.
-#include "tour/colours.h"
+#include "pictures/colours.h"
 #include "tour/families.h"
 #include "tour/plain.h"
 

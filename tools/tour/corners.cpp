@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "pictures/colours.h"
 #include "pictures/corner_points.h"
 #include "pictures/plot.h"
-#include "tour/colours.h"
 #include "tour/families.h"
 #include "tour/page.h"
 #include "tour/plain.h"

@@ -1,9 +1,9 @@
 // The tour's section on distances to edges.
 #include <algorithm>
 
+#include "pictures/colours.h"
 #include "pictures/distance_picture.h"
 #include "pictures/plot.h"
-#include "tour/colours.h"
 #include "tour/families.h"
 #include "tour/plain.h"
 

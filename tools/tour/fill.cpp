@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <nuqi/nuqi.hpp>
 
-#include "commands/regions.h"
+#include "pictures/regions.h"
 #include "tour/families.h"
 #include "tour/plain.h"
 

@@ -7,6 +7,7 @@
 
 #include "clock.h"
 #include "failure.h"
+#include "pictures/colours.h"
 #include "pictures/picture.h"
 #include "tour/page_picture.h"
 #include "tour/snippet.h"
@@ -36,11 +37,6 @@ double median_of(std::vector<double> values);
 
 // The page shows the very text that was compiled.
 #define NUQI_TIMED(call) ::tools::timed_call(#call, [&] { return call; })
-
-struct Legend {
-  std::string gradient;  // CSS colours, from the lowest value to the highest
-  std::string low, middle, high;
-};
 
 struct Figure {
   Figure(std::string title, std::string alt, const Picture& picture, Shrink how = Shrink::mean);
