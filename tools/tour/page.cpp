@@ -131,10 +131,10 @@ class PageWriter {
     std::string html = "<div class=\"" + stage + "\">\n";
     for (size_t i = 0; i < figures.size(); ++i) {
       const Figure& figure = figures[i];
-      html += "<figure>\n" +
-              pictures_.html(figure.shown, figure.alt,
-                             section.id + "-" + stage + "-" + std::to_string(i + 1)) +
-              "<figcaption>\n<h3><small>" + stage + "</small> ";
+      std::string stem = section.id;
+      stem.append("-").append(stage).append("-").append(std::to_string(i + 1));
+      html += "<figure>\n" + pictures_.html(figure.shown, figure.alt, stem);
+      html.append("<figcaption>\n<h3><small>").append(stage).append("</small> ");
       html += escaped(figure.title) + "</h3>\n";
       if (!figure.caption.empty()) html += "<p>" + figure.caption + "</p>\n";
       for (const Legend& legend : figure.legends) html += legend_html(legend);
