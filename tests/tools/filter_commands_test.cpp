@@ -5,9 +5,9 @@
 #include <cstring>
 #include <nuqi/nuqi.hpp>
 
+#include "pictures/colours.h"
 #include "pictures/file.h"
 #include "run_program.h"
-#include "tour/colours.h"
 
 namespace tools::test {
 namespace {

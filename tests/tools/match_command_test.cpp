@@ -120,11 +120,13 @@ TEST(ScoresOfATemplate, AreTheSameInBandsOfRows) {
   tpl.values = noise(piece, 4);
   for (const Measure& measure : kMeasures) {
     int32_t rows = 0, calls = 0;
-    const Plane<float> scores = scores_of(picture, tpl, measure, [&](int32_t done, int32_t of) {
-      EXPECT_GT(done, rows);
-      EXPECT_EQ(of, 641);
-      rows = done, ++calls;
-    });
+    Stopwatch watch;
+    const Plane<float> scores =
+        scores_of(picture, tpl, measure, watch, [&](int32_t done, int32_t of) {
+          EXPECT_GT(done, rows);
+          EXPECT_EQ(of, 641);
+          rows = done, ++calls;
+        });
     EXPECT_EQ(rows, 641);
     EXPECT_GT(calls, 2);
     Plane<float> whole(scores.size);

@@ -94,8 +94,9 @@ class MorphologyCommands : public ProgramTest {
     arguments.insert(arguments.begin(), {command, path("in.png"), path("out.png")});
     const Outcome outcome = run(arguments);
     EXPECT_EQ(outcome.code, 0) << outcome.err;
-    return outcome.code == 0 ? whole_picture(*open_rows(path("out.png"), Form::stored), "out")
-                             : Picture();
+    return outcome.code == 0
+               ? whole_picture<uint8_t>(*open_rows(path("out.png"), Form::stored), "out")
+               : Picture();
   }
 };
 
@@ -200,7 +201,7 @@ TEST_F(MorphologyCommands, GreyWithAlphaAndJpegKeepWhatTheyCan) {
   write_text("grey.png", std::string(png.begin(), png.end()));
   ASSERT_EQ(run({"dilate", path("grey.png"), path("out.png")}).code, 0);
   ASSERT_EQ(run({"dilate", path("grey.png"), path("out.jpg")}).code, 0);
-  const Picture out = whole_picture(*open_rows(path("out.png"), Form::stored), "out");
+  const Picture out = whole_picture<uint8_t>(*open_rows(path("out.png"), Form::stored), "out");
   ASSERT_EQ(out.channels, 4);
   for (int i = 0; i < 81; ++i) {
     EXPECT_EQ(int(out.pixels[size_t(4 * i)]), std::min(100 + i % 9 + 1, 108));
@@ -216,7 +217,7 @@ TEST_F(MorphologyCommands, PicturesMayBeLargerThanMemory) {
 #endif
   const auto open_of_height = [&](int32_t height) {
     constexpr int32_t kWidth = 40000;
-    const auto rows = create_picture(path("in.png"), {kWidth, height}, 1);
+    const auto rows = create_picture(path("in.png"), {kWidth, height}, {1, 8});
     for (int32_t y = 0; y < height; ++y) rows->write(Bytes(kWidth, uint8_t(y)).data());
     rows->finish();
     return run({"open", path("in.png"), path("out.png"), "--size", "15x15"});

@@ -50,6 +50,13 @@ TEST(Pictures, EveryKindOfPngShowsItsPixels) {
   }
 }
 
+// Samples of 16 bits.
+PictureOf<float> wide_picture_of(const Bytes& file) {
+  File stream(fmemopen(const_cast<uint8_t*>(file.data()), file.size(), "rb"));
+  return whole_picture<float>(*open_rows(std::move(stream), "wide", Form::stored, Depth::stored),
+                              "wide");
+}
+
 TEST(Pictures, RowsHaveTheChannelsThatAreAskedFor) {
   const RoiSize size{5, 3};
   for (const PngKind& kind : kPngKinds) {
@@ -63,6 +70,11 @@ TEST(Pictures, RowsHaveTheChannelsThatAreAskedFor) {
     ASSERT_EQ(stored.channels, alpha ? 4 : grey ? 1 : 3);
     ASSERT_EQ(opaque.channels, grey && !alpha ? 1 : 3);
     EXPECT_EQ(picture_of_bytes(file, "sample", Form::grey).pixels, grey_of(colour).values);
+    const PictureOf<float> wide = wide_picture_of(file);
+    ASSERT_EQ(wide.pixels.size(), stored.pixels.size());
+    for (size_t i = 0; i < wide.pixels.size(); ++i) {
+      EXPECT_EQ(wide.pixels[i], 257 * stored.pixels[i]);
+    }
     for (size_t i = 0; i < colour.pixels.size(); ++i) {
       const size_t pixel = i / 3, c = i % 3;
       EXPECT_EQ(opaque.pixels[opaque.channels == 1 ? pixel : i], colour.pixels[i]);
@@ -120,14 +132,17 @@ TEST(Pictures, PngsOrientationIsApplied) {
   const auto dark_left = [](int x, int) {
     return x < 2 ? Rgba{9, 9, 9, 255} : Rgba{230, 230, 230, 255};
   };
-  for (const bool interlaced : {false, true}) {
-    PngKind kind{"", PNG_COLOR_TYPE_GRAY, 8, interlaced};
-    kind.orientation = 6;
-    const Picture picture =
-        picture_of_bytes(png_of(kind, {4, 3}, dark_left), "sample", Form::stored);
-    EXPECT_EQ(size_text(picture.size), "3x4");
-    EXPECT_EQ(picture.pixels,
-              (std::vector<uint8_t>{9, 9, 9, 9, 9, 9, 230, 230, 230, 230, 230, 230}));
+  for (const int depth : {8, 16}) {
+    for (const bool interlaced : {false, true}) {
+      PngKind kind{"", PNG_COLOR_TYPE_GRAY, depth, interlaced};
+      kind.orientation = 6;
+      const Bytes file = png_of(kind, {4, 3}, dark_left);
+      const Picture picture = picture_of_bytes(file, "sample", Form::stored);
+      EXPECT_EQ(size_text(picture.size), "3x4");
+      EXPECT_EQ(picture.pixels,
+                (std::vector<uint8_t>{9, 9, 9, 9, 9, 9, 230, 230, 230, 230, 230, 230}));
+      EXPECT_EQ(wide_picture_of(file).pixels[6], 257.0f * 230);
+    }
   }
 }
 
@@ -145,9 +160,22 @@ TEST(Pictures, EveryKindOfPnmShowsItsPixels) {
   EXPECT_EQ(pixels("P5 3 1 65535 \x01\x01\x01\x82\xFF\xFF", "wide"), (Values{1, 2, 255}));
   EXPECT_NE(testing::internal::GetCapturedStderr().find("wide: its 16 bits are rounded to 8"),
             std::string::npos);
+  // In bitmaps 1 is black; rows of bits end with a byte.
+  EXPECT_EQ(pixels("P1\n# bits\n3 2\n011\n1 0 0"), (Values{255, 0, 0, 0, 255, 255}));
+  EXPECT_EQ(pixels("P4 9 2 \x80\x80\x7F\x7F"),
+            (Values{0, 255, 255, 255, 255, 255, 255, 255, 0, 255, 0, 0, 0, 0, 0, 0, 0, 255}));
+  const auto pam = [&](const std::string& depth_and_most, const std::string& samples) {
+    return pixels("P7\nWIDTH 1\n# any order\nHEIGHT 1\n" + depth_and_most + "\nENDHDR\n" + samples);
+  };
+  EXPECT_EQ(pam("DEPTH 1\nMAXVAL 1\nTUPLTYPE BLACKANDWHITE", "\x01"), (Values{255}));
+  EXPECT_EQ(pam("MAXVAL 255\nDEPTH 2\nTUPLTYPE GRAYSCALE_ALPHA", "\x07@"), (Values{7, 7, 7, 64}));
+  EXPECT_EQ(pam("DEPTH 4\nMAXVAL 255", "\x01\x02\x03\x04"), (Values{1, 2, 3, 4}));
   for (const char* broken :
-       {"P5 2 2 255 abc", "P2 1 1 255", "P2 1 1 15 16", "P4 1 1 a", "P5 0 1 255 a", "P5 1 1 0 a",
-        "P5 1 1 65536 ab", "P5 99999999999 1 255 a", "P"}) {
+       {"P5 2 2 255 abc", "P2 1 1 255", "P2 1 1 15 16", "P4 9 1 a", "P1 1 1 2", "P5 0 1 255 a",
+        "P5 1 1 0 a", "P5 1 1 65536 ab", "P5 99999999999 1 255 a", "P", "P8 1 1 255 a",
+        "P7 WIDTH 1 HEIGHT 1 DEPTH 1 MAXVAL 255", "P7 WIDTH 1 HEIGHT 1 MAXVAL 255 ENDHDR a",
+        "P7 WIDTH 1 HEIGHT 1 DEPTH 5 MAXVAL 255 ENDHDR abcde",
+        "P7 WIDTH 1 HEIGHT 1 DEPTH 4 MAXVAL 255 TUPLTYPE CMYK ENDHDR abcd"}) {
     EXPECT_THROW(pixels(broken), UserError) << broken;
   }
 }

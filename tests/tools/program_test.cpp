@@ -82,12 +82,14 @@ TEST_F(Mistakes, FilesThatAreNoPictures) {
   const std::string good = write_grey("good.png", {2, 2}, {1, 2, 3, 4});
   write_text("text.png", "This is no picture.\n");
   write_text("empty.jpg", "");
+  write_text("floats.pfm", "Pf\n1 1\n-1.0\n\1\2\3\4");
   write_text("cut.png", read_text("good.png").substr(0, 40));
   write_text("cut.jpg", "\xFF\xD8\xFF\xE0");
   write_text("cut.pgm", "P5 2 2 255\n123");
   const std::vector<std::pair<std::string, std::string>> files = {
       {"text.png", "neither a PNG nor a JPEG nor a PNM"},
-      {"empty.jpg", "neither a PNG nor a JPEG"},
+      {"empty.jpg", "is empty"},
+      {"floats.pfm", "neither a PNG nor a JPEG nor a PNM"},
       {"cut.png", "broken PNG"},
       {"cut.jpg", "broken JPEG"},
       {"cut.pgm", "broken PNM"},
@@ -105,7 +107,7 @@ TEST_F(Mistakes, FilesThatAreNoPictures) {
 TEST_F(Mistakes, OutputsThatCannotBeWritten) {
   const std::string in = write_grey("in.png", {2, 2}, {1, 2, 3, 4});
   std::filesystem::create_directory(path("folder.png"));
-  expect_refused({"edges", in, path("none/out.png")}, {"none/out.png", "No such file"});
+  expect_refused({"edges", in, path("none/out.png")}, {"none/out.png", "no folder", "none"});
   expect_refused({"edges", in, path("folder.png")}, {"folder.png", "Is a directory"});
   expect_refused({"edges", in, path("out.gif")}, {"out.gif", ".png"});
   expect_refused({"background", path("out"), in}, {"/out:", ".png"});

@@ -69,7 +69,8 @@ TEST_F(Pyramid, DifferencesHave16Bits) {
   for (size_t i = 0; i < picture.pixels.size(); ++i) picture.pixels[i] = i / 3 % 2 ? 255 : 0;
   write_picture(path("in.png"), picture);
   out_of({"--levels", "1", "--laplacian"});
-  const auto levels = levels_of(picture, 1);
+  Stopwatch calls;
+  const auto levels = levels_of(picture, 1, calls);
   const Differences differences = differences_of(levels[0], levels[1]);
   EXPECT_LT(*std::min_element(differences.begin(), differences.end()), -100);
   EXPECT_GT(*std::max_element(differences.begin(), differences.end()), 100);
@@ -82,7 +83,8 @@ TEST_F(Pyramid, WritesAFileForEachLevel) {
   const Picture picture = write_sample({10, 7});
   const std::string in = path("in.png"), out = path("level%d.png");
   ASSERT_EQ(run({"pyramid", in, out, "--levels", "2"}).code, 0);
-  const auto levels = levels_of(picture, 2);
+  Stopwatch calls;
+  const auto levels = levels_of(picture, 2, calls);
   for (size_t i = 0; i < 3; ++i) {
     EXPECT_EQ(read_picture(path("level" + std::to_string(i) + ".png")).pixels, levels[i].pixels);
   }

@@ -142,7 +142,7 @@ Bytes jpeg_of(JpegKind kind, RoiSize size, const Sample& sample, int orientation
 
 Picture picture_of_bytes(const Bytes& file, const std::string& name, Form form) {
   File stream(fmemopen(const_cast<uint8_t*>(file.data()), file.size(), "rb"));
-  return whole_picture(*open_rows(std::move(stream), name, form), name);
+  return whole_picture<uint8_t>(*open_rows(std::move(stream), name, form), name);
 }
 
 }  // namespace tools::test

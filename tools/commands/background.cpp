@@ -122,8 +122,8 @@ void make_background(const Options& options) {
   if (options.exponential && !(options.alpha > 0 && options.alpha <= 1)) {
     throw UserError("--alpha: must be above 0 and at most 1");
   }
-  check_ending(options.out);
-  if (!options.variance.empty()) check_ending(options.variance);
+  check_picture_output(options.out);
+  if (!options.variance.empty()) check_picture_output(options.variance);
   check_outputs_differ({options.out, options.variance});
   Progress progress("frames", int(options.frames.size()));
   std::unique_ptr<Moments> moments;

@@ -9,46 +9,54 @@
 #include "commands/commands.h"
 #include "core/isa.h"
 #include "pictures/strips.h"
+#include "pictures/weighted_planes.h"
 #include "report.h"
 
 namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes a picture of IN's size, grey or in colours: in each channel the mean of the square of\n"
-    "pixels around each pixel, rounded. Pixels beyond an edge equal the edge pixel.\n"
+    "Writes a picture of IN's kind and size: in each channel the mean of the square of pixels\n"
+    "around each pixel, rounded. Where there is alpha, colours are weighted by it, so that\n"
+    "those of transparent pixels do not show. Pixels beyond an edge equal the edge pixel.\n"
     "Takes pictures larger than memory (`nuqi --help`).\n"
     "\n"
-    "nuqiBlur_8u16s_C1R gives sums, which are divided here. nuqiConvolFree succeeds and leaves "
-    "the\n"
-    "state's memory allocated, by contract: a program that blurs often keeps its states.\n";
+    "nuqiBlur_8u16s_C1R, and nuqiBlur_32f_C1R for 16 bits and alpha, give sums, which are\n"
+    "divided here. nuqiConvolFree succeeds and leaves the state's memory allocated, by\n"
+    "contract: a program that blurs often keeps its states.\n";
 
 struct Options {
   std::string in, out;
   int size = 3;
 };
 
-// Blurs strips of a picture of 1 or 3 channels, each by itself.
+// Blurs strips of a picture whose samples are T. The library sums planes of Element to Sum.
+template <class T, class Element, class Sum>
 class Blur {
  public:
   Blur(RoiSize picture, int channels, int size)
-      : row_(size_t(picture.width)), channels_(size_t(channels)) {
-    for (int c = 0; c < channels; ++c) stages_.emplace_back(nuqi::BoxSum(size), picture, 1);
-    const int area = size * size;
-    for (int sum = 0; sum <= 255 * area; ++sum) means_.push_back(uint8_t((sum + area / 2) / area));
+      : row_(size_t(picture.width)),
+        channels_(size_t(channels)),
+        area_(uint32_t(size * size)),
+        planes_(channels) {
+    for (size_t i = 0; i < planes_.count(); ++i)
+      stages_.emplace_back(nuqi::BoxSum(size), picture, 1);
   }
 
-  Strip<uint8_t> operator()(Strip<uint8_t> strip) {
-    Strip<int16_t> sums{nullptr, 0};
-    for (size_t c = 0; c < channels_; ++c) {
-      sums = stages_[c](channel_of(strip, c));
-      result_.resize(size_t(sums.rows) * row_ * channels_);
-      uint8_t* out = result_.data() + c;
-      for (size_t i = 0; i < size_t(sums.rows) * row_; ++i, out += channels_) {
-        *out = means_[size_t(sums.values[i])];
-      }
+  Strip<T> operator()(Strip<T> strip) {
+    planes_.take(strip.values, size_t(strip.rows) * row_);
+    std::vector<const Sum*> sums;
+    int32_t rows = 0;
+    for (size_t i = 0; i < stages_.size(); ++i) {
+      const Strip<Sum> blurred = stages_[i]({planes_.plane(i), strip.rows});
+      sums.push_back(blurred.values);
+      rows = blurred.rows;
     }
-    return {result_.data(), sums.rows};
+    result_.resize(size_t(rows) * row_ * channels_);
+    for (size_t i = 0; i < size_t(rows) * row_; ++i) {
+      planes_.put([&](size_t plane) { return sums[plane][i]; }, area_, &result_[i * channels_]);
+    }
+    return {result_.data(), rows};
   }
 
   // What the library took, without the ways between channels and planes.
@@ -59,32 +67,36 @@ class Blur {
   }
 
  private:
-  using Stage = FilterStage<uint8_t, int16_t, nuqi::BoxSum, 1>;
-
-  Strip<uint8_t> channel_of(Strip<uint8_t> strip, size_t c) {
-    if (channels_ == 1) return strip;
-    plane_.resize(size_t(strip.rows) * row_);
-    for (size_t i = 0; i < plane_.size(); ++i) plane_[i] = strip.values[i * channels_ + c];
-    return {plane_.data(), strip.rows};
-  }
+  using Stage = FilterStage<Element, Sum, nuqi::BoxSum, 1>;
 
   size_t row_, channels_;
+  uint32_t area_;
+  WeightedPlanes<T, Element> planes_;
   std::vector<Stage> stages_;
-  Bytes means_, plane_, result_;  // a mean for every sum
+  std::vector<T> result_;
 };
 
+// Returns the seconds that the library took.
+template <class T, class Element, class Sum>
+double blur_rows(RowReader& in, int size, RowWriter& out) {
+  Blur<T, Element, Sum> blur(in.size(), in.channels(), size);
+  RowProgress progress(in.size(), 1);
+  for_strips<T>(in, progress,
+                [&](Strip<T> strip) { write_strip(out, blur(strip), in.row_samples()); });
+  return blur.seconds();
+}
+
 void blur(const Options& options) {
-  check_ending(options.out);
-  const auto in = open_rows(options.in, Form::opaque);
-  const RoiSize size = in->size();
-  const auto out = create_picture(options.out, size, in->channels());
-  Blur blur(size, in->channels(), options.size);
-  RowProgress progress(size, 1);
-  for_strips(*in, progress,
-             [&](Strip<uint8_t> strip) { write_strip(*out, blur(strip), in->row_bytes()); });
+  check_picture_output(options.out);
+  const auto in = open_rows(options.in, Form::stored, Depth::stored);
+  const auto out = create_picture(options.out, in->size(), in->format());
+  auto* const filter = in->format().bits == 16 ? blur_rows<float, float, float>
+                       : in->channels() == 4   ? blur_rows<uint8_t, float, float>
+                                               : blur_rows<uint8_t, uint8_t, int16_t>;
+  const double seconds = filter(*in, options.size, *out);
   out->finish();
   report("%s: %s, means of %dx%d pixels, %.2f ms with %s\n", options.out.c_str(),
-         size_text(size).c_str(), options.size, options.size, 1e3 * blur.seconds(),
+         size_text(in->size()).c_str(), options.size, options.size, 1e3 * seconds,
          nuqi::name_of(nuqi::isa()));
 }
 

@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
+#include <nuqi/nuqi.hpp>
 #include <string>
 
 #include "clock.h"
@@ -9,13 +10,15 @@
 #include "core/isa.h"
 #include "pictures/corner_points.h"
 #include "pictures/file.h"
+#include "pictures/row_reader.h"
 #include "report.h"
 
 namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes IN with a ring around each of its strongest corners. A pixel's strength is the\n"
+    "Writes IN, of 16 bits and with alpha where it has them, with a ring around each of its\n"
+    "strongest corners in the grey picture, alpha over white. A pixel's strength is the\n"
     "smaller eigenvalue of the products of the derivatives, by Sobel kernels of --aperture,\n"
     "summed over a square of --block pixels: grey levels from 0 to 255, so that strengths are\n"
     "the same on every machine. Corners are local maxima above 0; none is nearer than\n"
@@ -29,34 +32,37 @@ struct Options {
   double distance = 10;
 };
 
-void write_csv(const std::string& path, const std::vector<Corner>& corners) {
-  std::string text = "x,y,strength\n";
-  for (const Corner& corner : corners) {
-    char line[64];
-    std::snprintf(line, sizeof line, "%d,%d,%.9g\n", corner.x, corner.y, double(corner.strength));
-    text += line;
-  }
-  write_file(path, text.data(), text.size());
+Plane<float> strength_of(const Plane<float>& grey, const Options& options, Stopwatch& calls) {
+  Plane<float> strength(grey.size);
+  nuqi::Scratch scratch;
+  fetch(scratch, nuqiMinEigenValGetSize, grey.size.width, options.aperture, options.block);
+  calls.time([&] { nuqi::min_eigen(grey, strength, {options.aperture, options.block}, scratch); });
+  return strength;
 }
 
-void find_corners(const Options& options) {
-  check_ending(options.out);
-  check_outputs_differ({options.out, options.csv});
-  const Picture picture = read_picture(options.in);
-  const Plane<float> grey = floats_of(grey_of(picture));
-  Plane<float> strength;
-  const double seconds =
-      seconds_of([&] { strength = corner_strength(grey, options.aperture, options.block); });
+template <class T>
+void find_corners(RowReader& rows, const Options& options) {
+  PictureOf<T> picture = whole_picture<T>(rows, options.in);
+  Stopwatch calls;
+  const Plane<float> strength = strength_of(floats_of(grey_of(picture)), options, calls);
   const auto corners = strongest_corners(strength, size_t(options.top), options.distance);
-  write_picture(options.out, with_rings(picture, corners));
-  if (!options.csv.empty()) write_csv(options.csv, corners);
-  report("%s: %s, %zu corner%s", options.out.c_str(), size_text(picture.size).c_str(),
+  if (picture.channels == 1) picture = with_channels(picture, 3);
+  write_picture(options.out, with_rings(std::move(picture), corners));
+  if (!options.csv.empty()) write_csv(options.csv, "strength", corners);
+  report("%s: %s, %zu corner%s", options.out.c_str(), size_text(rows.size()).c_str(),
          corners.size(), corners.size() == 1 ? "" : "s");
   if (!corners.empty())
-    report(" of strength %.4g to %.4g", double(corners.front().strength),
-           double(corners.back().strength));
+    report(" of strength %.4g to %.4g", double(corners.front().value),
+           double(corners.back().value));
   report(" (aperture %d, block %d), %.2f ms with %s\n", options.aperture, options.block,
-         1e3 * seconds, nuqi::name_of(nuqi::isa()));
+         1e3 * calls.seconds(), nuqi::name_of(nuqi::isa()));
+}
+
+void run(const Options& options) {
+  check_picture_output(options.out);
+  check_outputs_differ({options.out, options.csv});
+  const auto rows = open_rows(options.in, Form::stored, Depth::stored);
+  (rows->format().bits == 8 ? find_corners<uint8_t> : find_corners<float>)(*rows, options);
 }
 
 }  // namespace
@@ -80,7 +86,7 @@ void add_corners(CLI::App& app) {
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
   command->add_option("--csv", options->csv, "A file for places and strengths")->type_name("FILE");
-  command->callback([options] { find_corners(*options); });
+  command->callback([options] { run(*options); });
 }
 
 }  // namespace tools

@@ -23,14 +23,12 @@ namespace {
 constexpr char kFooter[] =
     "Writes each pixel's distance, in pixels, to the nearest one whose grey level is below\n"
     "--threshold: black at 0, over purple and orange, to pale yellow at the largest distance;\n"
-    "below the picture is the scale. With --invert, the distance to the nearest pixel at or above\n"
-    "the threshold. A way goes by steps to neighbours: chessboard counts the larger of columns "
-    "and\n"
-    "rows, city both together; euclid3 and euclid5 come close to the straight line, by steps "
-    "within\n"
-    "3x3 and 5x5 pixels. No distance exceeds 4096, which is also that of all pixels where there "
-    "is\n"
-    "none to reach. A PFM file holds the distances as 32-bit floats.\n";
+    "below the picture is the scale. With --invert, the distance to the nearest pixel at or\n"
+    "above the threshold. A way goes by steps to neighbours: chessboard counts the larger of\n"
+    "columns and rows, city both together; euclid3 and euclid5 come close to the straight\n"
+    "line, by steps within 3x3 and 5x5 pixels. No distance exceeds 4096, which is also that\n"
+    "of all pixels where there is none to reach. A PFM file holds the distances as 32-bit\n"
+    "floats.\n";
 
 const std::map<std::string, nuqi::Distance> kMetrics = {{"chessboard", nuqi::Distance::chessboard},
                                                         {"city", nuqi::Distance::city_block},
@@ -53,7 +51,7 @@ Plane<uint8_t> features_of(Plane<uint8_t> grey, const Options& options) {
 }
 
 void show_distances(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   check_outputs_differ({options.out, options.floats});
   const Plane<uint8_t> features = features_of(read_grey(options.in), options);
   Plane<float> distances(features.size);

@@ -49,7 +49,7 @@ Plane<uint8_t> mask_of_picture(File file, const std::string& path) {
   const auto rows = open_rows(std::move(file), path, Form::grey);
   check_element_size(path, rows->size());
   Plane<uint8_t> mask(rows->size());
-  mask.values = whole_picture(*rows, path).pixels;
+  mask.values = whole_picture<uint8_t>(*rows, path).pixels;
   for (uint8_t& level : mask.values) level = level >= 128;
   return mask;
 }

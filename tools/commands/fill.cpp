@@ -20,11 +20,10 @@ namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Paints the region of the pixel X,Y: without --lower and --upper all connected pixels that\n"
-    "equal it, with them those reached from neighbour to neighbour in steps of at most --lower\n"
-    "down and --upper up. The region is found in the grey picture; grey or red, green and blue "
-    "are\n"
-    "painted, alpha stays.\n";
+    "Paints the region of the pixel X,Y: without --lower and --upper all connected pixels\n"
+    "that equal it, with them those reached from neighbour to neighbour in steps of at most\n"
+    "--lower down and --upper up. The region is found in the grey picture; grey or red, green\n"
+    "and blue are painted, alpha stays.\n";
 
 struct Options {
   std::string in, out, seed, region;
@@ -51,8 +50,8 @@ Plane<uint8_t> mask_between(const Plane<uint8_t>& a, const Plane<uint8_t>& b) {
 
 void fill_region(const Options& options) {
   const PixelPoint seed = point_of(options.seed);
-  check_ending(options.out);
-  if (!options.region.empty()) check_ending(options.region);
+  check_picture_output(options.out);
+  if (!options.region.empty()) check_picture_output(options.region);
   check_outputs_differ({options.out, options.region});
   if (options.lower + options.upper > 255)
     throw UserError("--lower and --upper: their sum must not exceed 255");

@@ -20,8 +20,8 @@ namespace {
 
 constexpr char kFooter[] =
     "Scores every place at which TEMPLATE lies wholly inside IN, both in grey. OUT shows the\n"
-    "picture with boxes around the best places, orange around the best of all, and below it the\n"
-    "scores in colours with their scale, each in the middle of its place.\n"
+    "picture with boxes around the best places, orange around the best of all, and below it\n"
+    "the scores in colours with their scale, each in the middle of its place.\n"
     "\n"
     "  sqdiff         sum of squared differences: 0 where both are equal\n"
     "  sqdiff-normed  the same over the root of both sums of squares\n"
@@ -31,10 +31,10 @@ constexpr char kFooter[] =
     "  coeff-normed   the same over the root of both variances: from -1 to 1, whatever the\n"
     "                 brightness and the contrast\n"
     "\n"
-    "The best places are local extrema, and no box overlaps another. Of equal ones the upper "
-    "comes\n"
-    "first, then the left one; of a plateau one pixel counts. --csv writes a line x,y,score for\n"
-    "each, which are the box's pixel at the upper left and its score, the best first.\n";
+    "The best places are local extrema, and no box overlaps another. Of equal ones the upper\n"
+    "comes first, then the left one; of a plateau one pixel counts. --csv writes a line\n"
+    "x,y,score for each, which are the box's pixel at the upper left and its score, the best\n"
+    "first.\n";
 
 struct Options {
   std::string in, tpl, out, csv;
@@ -65,16 +65,6 @@ class LateProgress {
   int32_t shown_ = 0;
 };
 
-void write_csv(const std::string& path, const std::vector<Peak>& places) {
-  std::string text = "x,y,score\n";
-  for (const Peak& place : places) {
-    char line[64];
-    std::snprintf(line, sizeof line, "%d,%d,%.9g\n", place.x, place.y, double(place.value));
-    text += line;
-  }
-  write_file(path, text.data(), text.size());
-}
-
 Picture one_above_other(const Picture& above, const Picture& below) {
   const int32_t width = above.size.width, height = above.size.height;
   const int32_t gap = std::max(4, width / 120);
@@ -87,29 +77,27 @@ Picture one_above_other(const Picture& above, const Picture& below) {
 }
 
 void find_template(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   check_outputs_differ({options.out, options.csv});
   const Measure& measure = measure_named(options.measure);
   const Picture picture = read_picture(options.in);
   const Plane<uint8_t> tpl = grey_of(read_picture(options.tpl));
   check_template(tpl, options.tpl, picture.size, measure);
-  Plane<float> scores;
   LateProgress progress;
-  const double seconds = seconds_of([&] {
-    scores = scores_of(grey_of(picture), tpl, measure,
-                       [&](int32_t rows, int32_t of) { progress.done(rows, of); });
-  });
+  Stopwatch calls;
+  const Plane<float> scores = scores_of(grey_of(picture), tpl, measure, calls,
+                                        [&](int32_t rows, int32_t of) { progress.done(rows, of); });
   const auto places = best_places(scores, measure, tpl.size, size_t(options.top));
   const Scale scale = score_scale(scores, measure);
   const Colouring colours = score_colours(measure, scale);
   const Picture sheet = one_above_other(with_boxes(picture, places, tpl.size),
                                         in_middle_of(picture.size, colours(scores), tpl.size));
   write_picture(options.out, with_scale(sheet, scale, colours));
-  if (!options.csv.empty()) write_csv(options.csv, places);
+  if (!options.csv.empty()) write_csv(options.csv, "score", places);
   report("%s: %s in %s, %zu place%s, the best at %d,%d with %s %.6g, %.2f ms with %s\n",
          options.out.c_str(), size_text(tpl.size).c_str(), size_text(picture.size).c_str(),
          places.size(), places.size() == 1 ? "" : "s", places[0].x, places[0].y, measure.name,
-         double(places[0].value), 1e3 * seconds, nuqi::name_of(nuqi::isa()));
+         double(places[0].value), 1e3 * calls.seconds(), nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

@@ -16,10 +16,9 @@ namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Writes a picture of IN's size, grey or in colours; channels are taken each on its own, alpha "
-    "is\n"
-    "copied unchanged. Pixels beyond an edge equal the edge pixel. Takes pictures larger than\n"
-    "memory (`nuqi --help`).\n"
+    "Writes a picture of IN's kind and size; channels are taken each on its own, also those of\n"
+    "transparent pixels, alpha is copied unchanged. Pixels beyond an edge equal the edge pixel.\n"
+    "Takes pictures larger than memory (`nuqi --help`).\n"
     "\n"
     "The element is a rectangle, a cross of the row and the column through the anchor, a filled\n"
     "ellipse, or a FILE of 0 and 1 in lines or a picture that is bright (128 and more) inside the\n"
@@ -52,6 +51,8 @@ struct Options {
 using nuqi::Element;
 using nuqi::Extremum;
 
+// T is float where samples have 16 bits.
+template <class T>
 class Chain {
  public:
   void add(Extremum extremum, const Element& element, int times, RoiSize picture, int channels) {
@@ -60,7 +61,7 @@ class Chain {
     }
   }
 
-  Strip<uint8_t> operator()(Strip<uint8_t> strip) {
+  Strip<T> operator()(Strip<T> strip) {
     for (Stage& stage : stages_) strip = stage(strip);
     return strip;
   }
@@ -72,16 +73,17 @@ class Chain {
   }
 
  private:
-  using Stage = FilterStage<uint8_t, uint8_t, nuqi::Morphology, 1, 3, 4>;
+  using Stage = FilterStage<T, T, nuqi::Morphology, 1, 3, 4>;
 
   std::vector<Stage> stages_;
 };
 
+template <class T>
 class Morphology {
  public:
   Morphology(Operation operation, const Element& element, int times, RoiSize picture, int channels)
       : row_(size_t(picture.width) * size_t(channels)), has_alpha_(channels == 4) {
-    const auto add = [&](Chain& chain, Extremum extremum, const Element& shape) {
+    const auto add = [&](Chain<T>& chain, Extremum extremum, const Element& shape) {
       chain.add(extremum, shape, times, picture, channels);
     };
     switch (operation) {
@@ -103,9 +105,9 @@ class Morphology {
     subtracts_ = operation == Operation::gradient;
   }
 
-  Strip<uint8_t> operator()(Strip<uint8_t> strip) {
+  Strip<T> operator()(Strip<T> strip) {
     if (has_alpha_) keep_alpha(strip);
-    Strip<uint8_t> result = chain_(strip);
+    Strip<T> result = chain_(strip);
     if (!subtracts_ && !has_alpha_) return result;
     result_.assign(result.values, result.values + row_ * size_t(result.rows));
     if (subtracts_) subtract(subtracted_(strip));
@@ -117,14 +119,14 @@ class Morphology {
 
  private:
   // Both chains have the same elements, so that they give the same rows.
-  void subtract(Strip<uint8_t> least) {
+  void subtract(Strip<T> least) {
     for (size_t i = 0; i < row_ * size_t(least.rows); ++i) {
-      result_[i] = uint8_t(result_[i] - least.values[i]);
+      result_[i] = T(result_[i] - least.values[i]);
     }
   }
 
   // Alpha waits for the rows that it belongs to.
-  void keep_alpha(Strip<uint8_t> strip) {
+  void keep_alpha(Strip<T> strip) {
     for (size_t i = 3; i < row_ * size_t(strip.rows); i += 4) alpha_.push_back(strip.values[i]);
   }
   void put_alpha() {
@@ -134,26 +136,34 @@ class Morphology {
 
   size_t row_;
   bool has_alpha_, subtracts_ = false;
-  Chain chain_, subtracted_;
-  Bytes result_, alpha_;
+  Chain<T> chain_, subtracted_;
+  std::vector<T> result_, alpha_;
 };
 
+// Returns the seconds that the library took.
+template <class T>
+double filter_rows(Operation operation, const Options& options, const Element& element,
+                   RowReader& in, RowWriter& out) {
+  Morphology<T> morphology(operation, element, options.times, in.size(), in.channels());
+  RowProgress progress(in.size(), 1);
+  for_strips<T>(in, progress,
+                [&](Strip<T> strip) { write_strip(out, morphology(strip), in.row_samples()); });
+  return morphology.seconds();
+}
+
 void run(Operation operation, const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   const NamedElement element = element_of(options.element);
-  const auto in = open_rows(options.in, Form::stored);
-  const RoiSize size = in->size();
-  const auto out = create_picture(options.out, size, in->channels());
-  Morphology morphology(operation, element.element, options.times, size, in->channels());
-  RowProgress progress(size, 1);
-  for_strips(*in, progress,
-             [&](Strip<uint8_t> strip) { write_strip(*out, morphology(strip), in->row_bytes()); });
+  const auto in = open_rows(options.in, Form::stored, Depth::stored);
+  const auto out = create_picture(options.out, in->size(), in->format());
+  auto* const filter = in->format().bits == 8 ? filter_rows<uint8_t> : filter_rows<float>;
+  const double seconds = filter(operation, options, element.element, *in, *out);
   out->finish();
   const std::string times =
       options.times == 1 ? "" : ", " + std::to_string(options.times) + " times";
-  report("%s: %s, %s with a %s%s, %.2f ms with %s\n", options.out.c_str(), size_text(size).c_str(),
-         kCommands[int(operation)].done, element.name.c_str(), times.c_str(),
-         1e3 * morphology.seconds(), nuqi::name_of(nuqi::isa()));
+  report("%s: %s, %s with a %s%s, %.2f ms with %s\n", options.out.c_str(),
+         size_text(in->size()).c_str(), kCommands[int(operation)].done, element.name.c_str(),
+         times.c_str(), 1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace

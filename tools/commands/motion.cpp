@@ -98,7 +98,7 @@ std::string direction_text(float degrees) {
 }
 
 void show_motion(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   if (options.frames.size() < 2) throw UserError(options.frames[0] + ": motion takes two frames");
   RoiSize size{0, 0};
   Motion motion = history_of(options, size);

@@ -58,7 +58,7 @@ void write_plot(const std::string& path, const Picture& samples, const Plane<uin
 
 void print_profile(const Options& options) {
   const PixelPoint start = point_of(options.start), end = point_of(options.end);
-  if (!options.plot.empty()) check_ending(options.plot);
+  if (!options.plot.empty()) check_picture_output(options.plot);
   if (options.plot == kStandardStream) {
     throw UserError("--plot -: standard output has the numbers");
   }

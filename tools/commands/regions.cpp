@@ -1,53 +1,32 @@
 // nuqi regions: every connected region of equal pixels.
-#include "commands/regions.h"
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <bit>
 #include <cstdio>
 #include <memory>
-#include <nuqi/nuqi.hpp>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "clock.h"
 #include "commands/commands.h"
 #include "core/isa.h"
 #include "pictures/file.h"
 #include "pictures/picture.h"
-#include "progress.h"
+#include "pictures/regions.h"
 #include "report.h"
 
 namespace tools {
 namespace {
 
 constexpr char kFooter[] =
-    "Regions are of equal levels in the grey picture. OUT shows each in a colour of its own, "
-    "those\n"
-    "of fewer than --smallest pixels in black. The CSV lists the others in the order of their "
-    "first\n"
-    "pixels, row by row: level, area, x, y, width, height of the rectangle, first pixel.\n";
-
-constexpr int64_t kLarge = 4'000'000;  // pixels from which a bar shows the progress
+    "Regions are of equal levels in the grey picture. OUT shows each in a colour of its own,\n"
+    "those of fewer than --smallest pixels in black. The CSV lists the others in the order of\n"
+    "their first pixels, row by row: level, area, x, y, width, height of the rectangle, first\n"
+    "pixel.\n";
 
 struct Options {
   std::string in, out, csv;
   int connect = 4;
   int64_t smallest = 1;
 };
-
-// Every region is painted with a number of its own, as a negative float: more of them differ than a
-// picture has pixels, and none is a grey level.
-float paint_of(size_t number) { return std::bit_cast<float>(0xBF800000u + uint32_t(number)); }
-size_t number_of(float paint) { return std::bit_cast<uint32_t>(paint) - 0xBF800000u; }
-
-// Neighbouring numbers get unlike colours, none of them dark.
-void colour_of(size_t number, uint8_t* rgb) {
-  uint32_t bits = uint32_t(number) * 0x9E3779B1u;
-  bits ^= bits >> 15;
-  for (int c = 0; c < 3; ++c) rgb[c] = uint8_t(64 + (bits >> (8 * c) & 0xFF) * 191 / 255);
-}
 
 std::string csv_of(const Regions& regions, int64_t smallest) {
   std::string text = "level,area,x,y,width,height,first_x,first_y\n";
@@ -63,56 +42,24 @@ std::string csv_of(const Regions& regions, int64_t smallest) {
 }
 
 void find_regions(const Options& options) {
-  check_ending(options.out);
+  check_picture_output(options.out);
   check_outputs_differ({options.out, options.csv});
   const Plane<uint8_t> grey = read_grey(options.in);
-  std::optional<Regions> regions;
-  const double seconds = seconds_of([&] { regions.emplace(grey, options.connect); });
-  write_picture(options.out, regions->coloured(options.smallest));
+  const Regions regions(grey, options.connect);
+  write_picture(options.out, regions.coloured(options.smallest));
   if (!options.csv.empty()) {
-    const std::string text = csv_of(*regions, options.smallest);
+    const std::string text = csv_of(regions, options.smallest);
     write_file(options.csv, text.data(), text.size());
   }
   const auto kept = std::count_if(
-      regions->all().begin(), regions->all().end(),
+      regions.all().begin(), regions.all().end(),
       [&](const Region& region) { return region.found.area >= double(options.smallest); });
   report("%s: %s, %zu regions, %td of them shown, %.2f ms with %s\n", options.out.c_str(),
-         size_text(grey.size).c_str(), regions->all().size(), kept, 1e3 * seconds,
+         size_text(grey.size).c_str(), regions.all().size(), kept, 1e3 * regions.seconds(),
          nuqi::name_of(nuqi::isa()));
 }
 
 }  // namespace
-
-Regions::Regions(const Plane<uint8_t>& grey, int connect) : paint_(grey.size) {
-  std::copy(grey.values.begin(), grey.values.end(), paint_.values.begin());
-  nuqi::Scratch scratch;
-  const auto connectivity = connect == 4 ? nuqi::Connectivity::four : nuqi::Connectivity::eight;
-
-  const RoiSize roi = grey.size;
-  std::optional<Progress> progress;
-  if (int64_t{roi.width} * roi.height >= kLarge) progress.emplace("rows", roi.height);
-  for (int32_t y = 0; y < roi.height; ++y) {
-    for (int32_t x = 0; x < roi.width; ++x) {
-      const float level = paint_.values[size_t(y) * size_t(roi.width) + size_t(x)];
-      if (level < 0) continue;
-      const FillRegion found =
-          nuqi::flood_fill(paint_, {x, y}, paint_of(all_.size()), connectivity, scratch);
-      all_.push_back({found, {x, y}, uint8_t(level)});
-    }
-    if (progress) progress->advance();
-  }
-}
-
-Picture Regions::coloured(int64_t smallest, int dark) const {
-  Picture picture(paint_.size, 3);
-  for (size_t i = 0; i < paint_.values.size(); ++i) {
-    const size_t number = number_of(paint_.values[i]);
-    const Region& region = all_[number];
-    if (region.found.area >= double(smallest) && region.level != dark)
-      colour_of(number, &picture.pixels[3 * i]);
-  }
-  return picture;
-}
 
 void add_regions(CLI::App& app) {
   auto options = std::make_shared<Options>();

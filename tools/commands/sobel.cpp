@@ -6,7 +6,7 @@
 
 #include "commands/commands.h"
 #include "failure.h"
-#include "pictures/signed_output.h"
+#include "pictures/signed_filter.h"
 
 namespace tools {
 namespace {
@@ -15,15 +15,12 @@ const std::string kFooter =
     std::string(
         "Writes the derivative of the grey levels, smoothed by the aperture. --xorder 1 and\n"
         "--yorder 0 are positive where it gets brighter to the right, --xorder 0 and --yorder 1\n"
-        "where downwards. Values are sums with integer weights, not divided; beyond 16 bits, "
-        "which\n"
-        "takes an aperture of 5 or 7, they stay at the limit.\n") +
+        "where downwards. Values are sums with integer weights, not divided; beyond 16 bits,\n"
+        "which takes an aperture of 5 or 7, they stay at the limit.\n") +
     kSignedFooter;
 
-struct Options {
-  std::string in;
-  SignedOutput out;
-  int size = 3, x_order = 1, y_order = 0;
+struct Options : SignedFilter {
+  int x_order = 1, y_order = 0;
 };
 
 void check_order(const char* name, int order, int size) {
@@ -35,9 +32,9 @@ void check_order(const char* name, int order, int size) {
 void differentiate(const Options& options) {
   check_order("--xorder", options.x_order, options.size);
   check_order("--yorder", options.y_order, options.size);
-  check(options.out);
+  check(options);
   write_signed<nuqi::Sobel>(
-      options.in, options.out,
+      options,
       "order " + std::to_string(options.x_order) + " in x and " + std::to_string(options.y_order) +
           " in y, aperture " + std::to_string(options.size),
       [&] { return nuqi::Sobel(options.x_order, options.y_order, options.size); });
@@ -49,11 +46,7 @@ void add_sobel(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App* command = app.add_subcommand("sobel", "Differentiates a picture");
   command->footer(kFooter);
-  command->add_option("IN", options->in, "The picture")->required();
-  add_signed_output(*command, options->out);
-  command->add_option("--size", options->size, "The aperture: 3, 5 or 7")
-      ->check(CLI::IsMember({3, 5, 7}))
-      ->capture_default_str();
+  add_signed_filter(*command, *options);
   command->add_option("--xorder", options->x_order, "The order of the derivative in x")
       ->capture_default_str();
   command->add_option("--yorder", options->y_order, "The order of the derivative in y")

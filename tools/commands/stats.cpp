@@ -59,7 +59,7 @@ Selection selection_of(const Options& options, const Levels& in) {
 
 void print_stats(const Options& options) {
   static constexpr const char* kChannels[] = {"grey levels", "red", "green", "blue"};
-  if (!options.histogram.empty()) check_ending(options.histogram);
+  if (!options.histogram.empty()) check_picture_output(options.histogram);
   if (options.histogram == kStandardStream) {
     throw UserError("--histogram -: standard output has the numbers");
   }

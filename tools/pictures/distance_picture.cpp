@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "pictures/colours.h"
 #include "pictures/plot.h"
 #include "pictures/scale.h"
-#include "tour/colours.h"
 
 namespace tools {
 namespace {

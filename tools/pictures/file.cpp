@@ -118,8 +118,20 @@ void check_outputs_differ(const std::vector<std::string>& paths) {
   }
 }
 
+void check_folder_of(const std::string& path) {
+  namespace fs = std::filesystem;
+  const fs::path folder = fs::path(link_target(path)).parent_path();
+  std::error_code error;
+  const fs::file_type type = fs::status(folder.empty() ? "." : folder, error).type();
+  if (type != fs::file_type::not_found && type != fs::file_type::regular) return;
+  throw UserError(path + ": cannot be written: there is no folder " + folder.string());
+}
+
 OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   if (path_ == kStandardStream) {
+    if (isatty(STDOUT_FILENO) != 0) {
+      throw UserError("-: standard output is a terminal: redirect it, or name a file");
+    }
     leave_stdout_to_files();
     file_.reset(fdopen(dup(STDOUT_FILENO), "wb"));
   } else {
@@ -134,6 +146,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::open_target() {
+  check_folder_of(path_);
   target_ = link_target(path_);
   struct stat old {};
   const bool exists = stat(target_.c_str(), &old) == 0;

@@ -32,6 +32,9 @@ bool is_regular_file(const std::string& path);
 // Throws UserError where two of them would be one file. Empty ones say nothing; devices may repeat.
 void check_outputs_differ(const std::vector<std::string>& paths);
 
+// Throws UserError where the folder in which a file would be is missing.
+void check_folder_of(const std::string& path);
+
 // A file written under another name in the same folder: commit() gives it its own. Until then, and
 // for ever where it is not called or a signal ends the program, a file of that name stays as it was. It
 // keeps the mode of the one that it replaces, and symbolic links stay: what they lead to is replaced.

@@ -1,8 +1,8 @@
 // From frames to the picture of a motion: what lies between the library's calls.
 #pragma once
 
+#include "pictures/colours.h"
 #include "pictures/picture.h"
-#include "tour/page.h"
 
 namespace tools {
 

@@ -2,6 +2,9 @@
 #include "pictures/peaks.h"
 
 #include <algorithm>
+#include <cstdio>
+
+#include "pictures/file.h"
 
 namespace tools {
 namespace {
@@ -58,6 +61,17 @@ std::vector<Peak> peaks_of(const Plane<float>& plane) {
   std::stable_sort(peaks.begin(), peaks.end(),
                    [](const Peak& a, const Peak& b) { return a.value > b.value; });
   return peaks;
+}
+
+void write_csv(const std::string& path, const std::string& value_name,
+               const std::vector<Peak>& peaks) {
+  std::string text = "x,y," + value_name + "\n";
+  for (const Peak& peak : peaks) {
+    char line[64];
+    std::snprintf(line, sizeof line, "%d,%d,%.9g\n", peak.x, peak.y, double(peak.value));
+    text += line;
+  }
+  write_file(path, text.data(), text.size());
 }
 
 }  // namespace tools

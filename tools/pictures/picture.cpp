@@ -34,50 +34,50 @@ void check_size(uint32_t width, uint32_t height, const std::string& name) {
 Picture read_picture(const std::string& path) { return read_picture(path, Form::colour); }
 
 Picture read_picture(const std::string& path, Form form) {
-  return whole_picture(*open_rows(path, form), path);
+  return whole_picture<uint8_t>(*open_rows(path, form), path);
 }
 
-Plane<uint8_t> grey_of(const Picture& picture) {
-  Plane<uint8_t> grey(picture.size);
+template <class T>
+Plane<T> grey_of(const PictureOf<T>& picture) {
+  Plane<T> grey(picture.size);
   if (picture.channels == 1) {
     grey.values = picture.pixels;
     return grey;
   }
-  const uint8_t* pixel = picture.pixels.data();
-  for (uint8_t& value : grey.values) {
-    uint8_t rgb[3];
+  const T* pixel = picture.pixels.data();
+  for (T& value : grey.values) {
+    uint32_t rgb[3];
     for (int c = 0; c < 3; ++c) {
-      rgb[c] = picture.channels == 3 ? pixel[c] : over_white(pixel[c], pixel[3]);
+      rgb[c] = uint32_t(pixel[c]);
+      if (picture.channels == 4) rgb[c] = over_white(rgb[c], uint32_t(pixel[3]), kGreatest<T>);
     }
-    value = grey_level(rgb);
+    value = T(grey_level(rgb));
     pixel += picture.channels;
   }
   return grey;
 }
 
-Picture with_channels(const Picture& picture, int channels) {
+template <class T>
+PictureOf<T> with_channels(const PictureOf<T>& picture, int channels) {
   if (picture.channels == channels) return picture;
-  Picture result(picture.size, channels);
+  PictureOf<T> result(picture.size, channels);
   for (size_t i = 0; i < result.pixels.size(); ++i) {
     result.pixels[i] = picture.pixels[i / size_t(channels) * size_t(picture.channels)];
   }
   return result;
 }
 
+template Plane<uint8_t> grey_of(const Picture&);
+template Plane<float> grey_of(const PictureOf<float>&);
+template Picture with_channels(const Picture&, int);
+template PictureOf<float> with_channels(const PictureOf<float>&, int);
+
 Plane<uint8_t> read_grey(const std::string& path) {
-  Picture picture = whole_picture(*open_rows(path, Form::grey), path);
+  Picture picture = whole_picture<uint8_t>(*open_rows(path, Form::grey), path);
   Plane<uint8_t> grey;
   grey.size = picture.size;
   grey.values = std::move(picture.pixels);
   return grey;
-}
-
-Picture picture_of(const Plane<uint8_t>& plane) {
-  Picture picture;
-  picture.size = plane.size;
-  picture.channels = 1;
-  picture.pixels = plane.values;
-  return picture;
 }
 
 Plane<uint8_t> with_two_rows(Plane<uint8_t> plane) {

@@ -42,23 +42,38 @@ struct nuqi::ImageTraits<tools::Plane<T>> {
 namespace tools {
 
 // A picture to look at: 1 channel (grey), 3 (red, green, blue) or 4 (and alpha), interleaved, tight rows.
-struct Picture {
+// Samples of 8 bits are bytes, those of 16 bits floats from 0 to 65535: exact, and what the library computes
+// with.
+template <class T>
+struct PictureOf {
   RoiSize size{0, 0};
   int channels = 3;
-  std::vector<uint8_t> pixels;
+  std::vector<T> pixels;
 
-  Picture() = default;
-  Picture(RoiSize roi, int count)
+  PictureOf() = default;
+  PictureOf(RoiSize roi, int count)
       : size(roi), channels(count), pixels(size_t(roi.width) * size_t(roi.height) * count) {}
-};
 
-inline nuqi::View<const uint8_t, nuqi::kAnyChannels> view_of(const Picture& picture) {
+  size_t row_samples() const { return size_t(size.width) * size_t(channels); }
+};
+using Picture = PictureOf<uint8_t>;
+
+template <class T>
+inline constexpr int kBits = 8;
+template <>
+inline constexpr int kBits<float> = 16;
+template <class T>
+inline constexpr uint32_t kGreatest = (1u << kBits<T>)-1;
+
+template <class T>
+nuqi::View<const T, nuqi::kAnyChannels> view_of(const PictureOf<T>& picture) {
   return {picture.pixels.data(), picture.size.width, picture.size.height, picture.channels,
-          ptrdiff_t(picture.size.width) * picture.channels};
+          ptrdiff_t(picture.row_samples() * sizeof(T))};
 }
-inline nuqi::View<uint8_t, nuqi::kAnyChannels> view_of(Picture& picture) {
+template <class T>
+nuqi::View<T, nuqi::kAnyChannels> view_of(PictureOf<T>& picture) {
   return {picture.pixels.data(), picture.size.width, picture.size.height, picture.channels,
-          ptrdiff_t(picture.size.width) * picture.channels};
+          ptrdiff_t(picture.row_samples() * sizeof(T))};
 }
 
 std::string size_text(RoiSize size);  // "640x480"
@@ -71,26 +86,39 @@ void check_same_size(const std::string& name, RoiSize size, const std::string& f
 Picture read_picture(const std::string& path);
 
 // Writes in the format that the ending of `path` names. Throws UserError.
-void write_picture(const std::string& path, const Picture& picture);
+template <class T>
+void write_picture(const std::string& path, const PictureOf<T>& picture);
 
-// Throws UserError unless `path` ends as pictures do or is "-": lets a command fail before its work.
-void check_ending(const std::string& path);
+// Throws UserError unless `path` ends as pictures do, in a folder that exists, or is "-": lets a command fail
+// before its work.
+void check_picture_output(const std::string& path);
 
-inline uint8_t grey_level(const uint8_t* rgb) {
-  return uint8_t((77 * rgb[0] + 150 * rgb[1] + 29 * rgb[2] + 128) / 256);
+// Of red, green and blue.
+template <class Sample>
+uint32_t grey_level(const Sample* rgb) {
+  return (77 * uint32_t(rgb[0]) + 150 * uint32_t(rgb[1]) + 29 * uint32_t(rgb[2]) + 128) / 256;
 }
-Plane<uint8_t> grey_of(const Picture& picture);
+// With alpha over white.
+template <class T>
+Plane<T> grey_of(const PictureOf<T>& picture);
 
 // A grey picture with three equal channels, or the first channel of three.
-Picture with_channels(const Picture& picture, int channels);
+template <class T>
+PictureOf<T> with_channels(const PictureOf<T>& picture, int channels);
 
 // grey_of(read_picture(path)), in a third of its memory.
 Plane<uint8_t> read_grey(const std::string& path);
 
-inline uint8_t over_white(uint32_t value, uint32_t alpha) {
-  return uint8_t((value * alpha + 255 * (255 - alpha) + 127) / 255);
+// `white` is the greatest sample, of 8 or of 16 bits.
+inline uint32_t over_white(uint32_t value, uint32_t alpha, uint32_t white) {
+  return (value * alpha + white * (white - alpha) + white / 2) / white;
 }
-Picture picture_of(const Plane<uint8_t>& plane);
+template <class T>
+PictureOf<T> picture_of(const Plane<T>& plane) {
+  PictureOf<T> picture(plane.size, 1);
+  picture.pixels = plane.values;
+  return picture;
+}
 
 // The derivatives need two rows. A row twice has the derivatives of the row alone: pixels beyond an
 // edge equal the edge pixel.
@@ -107,6 +135,7 @@ void check_size(uint32_t width, uint32_t height, const std::string& name);
 
 // The orientation, 1 to 8, in an Exif block, which begins with its byte order; 1 where there is none.
 int exif_orientation(const uint8_t* block, size_t length);
-Picture turned_upright(Picture picture, int orientation);
+template <class T>
+PictureOf<T> turned_upright(PictureOf<T> picture, int orientation);
 
 }  // namespace tools

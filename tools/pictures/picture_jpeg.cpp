@@ -78,7 +78,7 @@ class JpegReader : public RowReader {
     guarded([&] { start(); });
     if (four_) cmyk_.resize(size_t{4} * info().output_width);
     set_shape({int32_t(info().output_width), int32_t(info().output_height)},
-              four_ ? 3 : info().output_components);
+              {four_ ? 3 : info().output_components, 8});
   }
 
   int orientation() const { return orientation_; }
@@ -145,7 +145,7 @@ class JpegReader : public RowReader {
 
 class JpegWriter : public RowWriter {
  public:
-  JpegWriter(std::FILE* file, std::string name, RoiSize size, int channels)
+  JpegWriter(std::FILE* file, std::string name, RoiSize size, int channels)  // 1 or 3
       : file_(file), name_(std::move(name)) {
     info().err = set_up(errors_);
     guarded([&] {
@@ -153,24 +153,15 @@ class JpegWriter : public RowWriter {
       jpeg_stdio_dest(&info(), file);
       info().image_width = JDIMENSION(size.width);
       info().image_height = JDIMENSION(size.height);
-      info().input_components = channels == 1 ? 1 : 3;
+      info().input_components = channels;
       info().in_color_space = channels == 1 ? JCS_GRAYSCALE : JCS_RGB;
       jpeg_set_defaults(&info());
       jpeg_set_quality(&info(), kQuality, TRUE);
       jpeg_start_compress(&info(), TRUE);
     });
-    if (channels == 4) print_note(name_ + ": JPEG keeps no alpha, the picture is laid over white");
-    if (channels == 4) opaque_.resize(size_t{3} * info().image_width);
   }
 
   void write(const uint8_t* row) override {
-    if (!opaque_.empty()) {
-      for (size_t i = 0; i < opaque_.size(); ++i) {
-        const uint8_t* pixel = row + i / 3 * 4;
-        opaque_[i] = over_white(pixel[i % 3], pixel[3]);
-      }
-      row = opaque_.data();
-    }
     auto* rows = const_cast<uint8_t*>(row);  // libjpeg only reads it
     guarded([&] { jpeg_write_scanlines(&info(), &rows, 1); });
   }
@@ -202,7 +193,6 @@ class JpegWriter : public RowWriter {
   std::string name_;
   ErrorManager errors_{};
   Compressor compressor_;
-  Bytes opaque_;
 };
 
 }  // namespace
@@ -210,14 +200,12 @@ class JpegWriter : public RowWriter {
 std::unique_ptr<RowReader> read_jpeg(File file, const std::string& name) {
   auto rows = std::make_unique<JpegReader>(std::move(file), name);
   const int orientation = rows->orientation();
-  if (orientation == 1) return rows;
-  return rows_of(
-      std::make_shared<const Picture>(turned_upright(whole_picture(*rows, name), orientation)));
+  return upright(std::move(rows), orientation, name);
 }
 
 std::unique_ptr<RowWriter> write_jpeg(std::FILE* file, const std::string& name, RoiSize size,
-                                      int channels) {
-  return std::make_unique<JpegWriter>(file, name, size, channels);
+                                      PixelFormat format) {
+  return std::make_unique<JpegWriter>(file, name, size, format.channels);
 }
 
 }  // namespace tools

@@ -1,5 +1,5 @@
 // Cameras store a picture as the sensor lay and note its orientation in an Exif block.
-#include <cstring>
+#include <algorithm>
 
 #include "pictures/picture.h"
 
@@ -40,26 +40,30 @@ int exif_orientation(const uint8_t* block, size_t length) {
   return 1;
 }
 
-Picture turned_upright(Picture picture, int orientation) {
+template <class T>
+PictureOf<T> turned_upright(PictureOf<T> picture, int orientation) {
   if (orientation == 1) return picture;
   const bool swap = orientation >= 5;
   const bool flip_x = orientation == 2 || orientation == 3 || orientation >= 7;
   const bool flip_y = orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7;
   const RoiSize from = picture.size;
   const RoiSize to = swap ? RoiSize{from.height, from.width} : from;
-  Picture upright(to, picture.channels);
+  PictureOf<T> upright(to, picture.channels);
   const size_t pixel = size_t(picture.channels);
-  uint8_t* out = upright.pixels.data();
+  T* out = upright.pixels.data();
   for (int32_t y = 0; y < to.height; ++y) {
     for (int32_t x = 0; x < to.width; ++x, out += pixel) {
       int32_t from_x = swap ? y : x, from_y = swap ? x : y;
       if (flip_x) from_x = from.width - 1 - from_x;
       if (flip_y) from_y = from.height - 1 - from_y;
       const size_t at = size_t(from_y) * size_t(from.width) + size_t(from_x);
-      std::memcpy(out, picture.pixels.data() + pixel * at, pixel);
+      std::copy_n(picture.pixels.data() + pixel * at, pixel, out);
     }
   }
   return upright;
 }
+
+template Picture turned_upright(Picture, int);
+template PictureOf<float> turned_upright(PictureOf<float>, int);
 
 }  // namespace tools

@@ -11,7 +11,6 @@
 #include "failure.h"
 #include "pictures/row_reader.h"
 #include "pictures/row_writer.h"
-#include "report.h"
 
 namespace tools {
 namespace {
@@ -77,27 +76,12 @@ class PngReader : public RowReader {
     const uint32_t height = png_get_image_height(handle_.png, handle_.info);
     check_sides(width, height, name_);
     guarded([&] { choose_layout(); });
-    set_shape({int32_t(width), int32_t(height)}, png_get_channels(handle_.png, handle_.info));
-    if (sixteen_bits_) print_note(name_ + ": its 16 bits are rounded to 8");
+    set_shape({int32_t(width), int32_t(height)}, {png_get_channels(handle_.png, handle_.info),
+                                                  png_get_bit_depth(handle_.png, handle_.info)});
+    if (passes_ > 1) check_size(width, height, name_);
   }
 
-  bool interlaced() const { return passes_ > 1; }
   int orientation() const { return orientation_; }
-
-  Picture whole() {
-    check_size(uint32_t(size().width), uint32_t(size().height), name_);
-    Picture picture(size(), channels());
-    guarded([&] {
-      for (int pass = 0; pass < passes_; ++pass) {
-        uint8_t* row = picture.pixels.data();
-        for (int32_t y = 0; y < size().height; ++y, row += row_bytes()) {
-          png_read_row(handle_.png, row, nullptr);
-        }
-      }
-    });
-    finish();
-    return picture;
-  }
 
  private:
   template <class Calls>
@@ -118,25 +102,40 @@ class PngReader : public RowReader {
     }
   }
 
-  // Every kind becomes grey, colour, or colour and alpha of 8 bits.
+  // Every kind becomes grey, colour, or colour and alpha, of 8 or 16 bits.
   void choose_layout() {
     png_structp png = handle_.png;
     const bool alpha = (png_get_color_type(png, handle_.info) & PNG_COLOR_MASK_ALPHA) != 0 ||
                        png_get_valid(png, handle_.info, PNG_INFO_tRNS) != 0;
-    sixteen_bits_ = png_get_bit_depth(png, handle_.info) == 16;
     png_set_expand(png);
-    png_set_scale_16(png);
+    if (std::endian::native == std::endian::little) png_set_swap(png);
     if (alpha) png_set_gray_to_rgb(png);
     passes_ = png_set_interlace_handling(png);
     png_read_update_info(png, handle_.info);
-    const size_t width = png_get_image_width(png, handle_.info);
-    if (png_get_rowbytes(png, handle_.info) != width * png_get_channels(png, handle_.info)) {
+    const PixelFormat pixel = {png_get_channels(png, handle_.info),
+                               png_get_bit_depth(png, handle_.info)};
+    if (png_get_rowbytes(png, handle_.info) !=
+        png_get_image_width(png, handle_.info) * pixel.bytes()) {
       png_error(png, "its pixels have an unknown layout");
     }
   }
 
   void next_row(uint8_t* row) override {
-    guarded([&] { png_read_row(handle_.png, row, nullptr); });
+    if (passes_ == 1) return guarded([&] { png_read_row(handle_.png, row, nullptr); });
+    if (whole_.empty()) read_passes();
+    std::memcpy(row, whole_.data() + at_, row_bytes());
+    at_ += row_bytes();
+  }
+  // Of an interlaced picture, each completes rows that the ones before began.
+  void read_passes() {
+    whole_.resize(row_bytes() * size_t(size().height));
+    guarded([&] {
+      for (int pass = 0; pass < passes_; ++pass) {
+        for (size_t at = 0; at < whole_.size(); at += row_bytes()) {
+          png_read_row(handle_.png, whole_.data() + at, nullptr);
+        }
+      }
+    });
   }
   void finish() override {
     guarded([&] { png_read_end(handle_.png, nullptr); });
@@ -146,7 +145,8 @@ class PngReader : public RowReader {
   std::string name_;
   ReadHandle handle_;
   int passes_ = 1, orientation_ = 1;
-  bool sixteen_bits_ = false;
+  Bytes whole_;  // of an interlaced picture
+  size_t at_ = 0;
 };
 
 // Level 1 with one filter takes a seventeenth of libpng's own choice for a photograph, for files a sixth
@@ -161,7 +161,7 @@ int colour_type_of(int channels) {
 
 class PngWriter : public RowWriter {
  public:
-  PngWriter(std::FILE* file, std::string name, RoiSize size, int channels, int depth)
+  PngWriter(std::FILE* file, std::string name, RoiSize size, PixelFormat format)
       : name_(std::move(name)) {
     handle_.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, static_cast<Handle*>(&handle_),
                                           on_error, on_warning);
@@ -169,13 +169,13 @@ class PngWriter : public RowWriter {
     guarded([&] {
       handle_.info = png_create_info_struct(handle_.png);
       png_set_write_fn(handle_.png, file, put_bytes, flush);
-      png_set_IHDR(handle_.png, handle_.info, uint32_t(size.width), uint32_t(size.height), depth,
-                   colour_type_of(channels), PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                   PNG_FILTER_TYPE_DEFAULT);
+      png_set_IHDR(handle_.png, handle_.info, uint32_t(size.width), uint32_t(size.height),
+                   format.bits, colour_type_of(format.channels), PNG_INTERLACE_NONE,
+                   PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
       png_set_compression_level(handle_.png, compression);
       png_set_filter(handle_.png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
       png_write_info(handle_.png, handle_.info);
-      if (depth == 16 && std::endian::native == std::endian::little) png_set_swap(handle_.png);
+      if (std::endian::native == std::endian::little) png_set_swap(handle_.png);
     });
   }
 
@@ -204,13 +204,12 @@ void set_png_compression(int level) { compression = level; }
 std::unique_ptr<RowReader> read_png(File file, const std::string& name) {
   auto rows = std::make_unique<PngReader>(std::move(file), name);
   const int orientation = rows->orientation();
-  if (!rows->interlaced() && orientation == 1) return rows;
-  return rows_of(std::make_shared<const Picture>(turned_upright(rows->whole(), orientation)));
+  return upright(std::move(rows), orientation, name);
 }
 
 std::unique_ptr<RowWriter> write_png(std::FILE* file, const std::string& name, RoiSize size,
-                                     int channels, int depth) {
-  return std::make_unique<PngWriter>(file, name, size, channels, depth);
+                                     PixelFormat format) {
+  return std::make_unique<PngWriter>(file, name, size, format);
 }
 
 }  // namespace tools

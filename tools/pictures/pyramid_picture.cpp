@@ -1,25 +1,111 @@
-// Levels of a pyramid of colour pictures, and the differences between them.
+// Levels of a pyramid of pictures, and the differences between them.
 #include "pictures/pyramid_picture.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <nuqi/nuqi.hpp>
+#include <type_traits>
+
+#include "pictures/weighted_planes.h"
 
 namespace tools {
 namespace {
 
-constexpr int kChannels = 3;
-
-int32_t step_of(const Picture& picture) { return picture.size.width * kChannels; }
-
 // `from` at (x, y) of `to`, or what of it has room there.
-void place(const Picture& from, Picture& to, int32_t x, int32_t y) {
-  const int32_t width = std::min(from.size.width, to.size.width - x) * kChannels;
+template <class T>
+void place(const PictureOf<T>& from, PictureOf<T>& to, int32_t x, int32_t y) {
+  const size_t channels = size_t(from.channels);
+  const size_t width = channels * size_t(std::min(from.size.width, to.size.width - x));
   const int32_t height = std::min(from.size.height, to.size.height - y);
   for (int32_t row = 0; row < height; ++row) {
-    std::copy_n(&from.pixels[size_t(row) * size_t(step_of(from))], width,
-                &to.pixels[size_t(y + row) * size_t(step_of(to)) + size_t(x) * kChannels]);
+    std::copy_n(&from.pixels[size_t(row) * from.row_samples()], width,
+                &to.pixels[size_t(y + row) * to.row_samples() + size_t(x) * channels]);
   }
+}
+
+struct Down {
+  static constexpr uint32_t kWeight = 256;  // that its sums are divided by
+  static constexpr auto* kBytes = nuqiPyrDownGetBufSize_Gauss5x5;
+  static RoiSize size(RoiSize size) { return {size.width / 2, size.height / 2}; }
+  template <class Src, class Dst>
+  static void call(const Src& src, Dst dst, nuqi::Scratch& scratch) {
+    nuqi::pyramid_down(src, dst, scratch);
+  }
+};
+
+struct Up {
+  static constexpr uint32_t kWeight = 64;
+  static constexpr auto* kBytes = nuqiPyrUpGetBufSize_Gauss5x5;
+  static RoiSize size(RoiSize size) { return {2 * size.width, 2 * size.height}; }
+  template <class Src, class Dst>
+  static void call(const Src& src, Dst dst, nuqi::Scratch& scratch) {
+    nuqi::pyramid_up(src, dst, scratch);
+  }
+};
+
+template <class Level, class Src, class Dst>
+void call_timed(const Src& src, const Dst& dst, Stopwatch& calls) {
+  constexpr int32_t kDataType = std::is_same_v<typename Src::element, float> ? 9 : 1;
+  nuqi::Scratch scratch;
+  fetch(scratch, Level::kBytes, int32_t(src.width()), kDataType, Src::channels());
+  calls.time([&] { Level::call(src, dst, scratch); });
+}
+
+template <class Level>
+Picture level_of_bytes(const Picture& src, Stopwatch& calls) {
+  Picture dst(Level::size(src.size), src.channels);
+  if (src.channels == 1) {
+    call_timed<Level>(view_of(src).as<1>(), view_of(dst).as<1>(), calls);
+  } else {
+    call_timed<Level>(view_of(src).as<3>(), view_of(dst).as<3>(), calls);
+  }
+  return dst;
+}
+
+// Floats hold the sums exactly: 16 bits times the weight are 24.
+template <class Level, class T>
+PictureOf<T> level_of_planes(const PictureOf<T>& src, Stopwatch& calls) {
+  WeightedPlanes<T, float> planes(src.channels);
+  planes.take(src.pixels.data(), src.pixels.size() / size_t(src.channels));
+  std::vector<Plane<float>> results;
+  for (size_t i = 0; i < planes.count(); ++i) {
+    results.emplace_back(Level::size(src.size));
+    const nuqi::View plane(planes.plane(i), src.size.width, src.size.height);
+    call_timed<Level>(plane, nuqi::as_view(results[i]), calls);
+  }
+  PictureOf<T> dst(Level::size(src.size), src.channels);
+  for (size_t i = 0; i < results[0].values.size(); ++i) {
+    planes.put([&](size_t p) { return results[p].values[i] * Level::kWeight; }, Level::kWeight,
+               &dst.pixels[i * size_t(src.channels)]);
+  }
+  return dst;
+}
+
+template <class Level, class T>
+PictureOf<T> level_of(const PictureOf<T>& src, Stopwatch& calls) {
+  if constexpr (std::is_same_v<T, uint8_t>) {
+    if (src.channels < 4) return level_of_bytes<Level>(src, calls);
+  }
+  return level_of_planes<Level>(src, calls);
+}
+
+// To `size`: twice the picture's, or one pixel less.
+template <class T>
+PictureOf<T> level_up(const PictureOf<T>& picture, RoiSize size) {
+  Stopwatch calls;
+  const PictureOf<T> up = level_of<Up>(picture, calls);
+  PictureOf<T> result(size, picture.channels);
+  place(up, result, 0, 0);
+  return result;
+}
+
+template <class T>
+PictureOf<T> picture_of(const Differences& differences, const PictureOf<T>& level) {
+  PictureOf<T> picture(level.size, level.channels);
+  const int32_t most = kGreatest<T>;
+  std::transform(differences.begin(), differences.end(), picture.pixels.begin(),
+                 [=](int32_t value) { return T(std::clamp(most / 2 + 1 + value, 0, most)); });
+  return picture;
 }
 
 }  // namespace
@@ -30,9 +116,10 @@ int most_levels(RoiSize size) {
   return levels;
 }
 
-Picture made_even(const Picture& picture) {
+template <class T>
+PictureOf<T> made_even(const PictureOf<T>& picture) {
   const auto [width, height] = picture.size;
-  Picture even({width + width % 2, height + height % 2}, kChannels);
+  PictureOf<T> even({width + width % 2, height + height % 2}, picture.channels);
   // What sticks out is covered by the copies before it.
   for (const int32_t y : {height % 2, 0}) {
     for (const int32_t x : {width % 2, 0}) place(picture, even, x, y);
@@ -40,43 +127,35 @@ Picture made_even(const Picture& picture) {
   return even;
 }
 
-Picture level_down(const Picture& picture) {
-  const Picture src = made_even(picture);
-  Picture dst({src.size.width / 2, src.size.height / 2}, kChannels);
-  nuqi::pyramid_down(view_of(src).as<kChannels>(), view_of(dst).as<kChannels>());
-  return dst;
-}
-
-Picture level_up(const Picture& picture, RoiSize size) {
-  Picture dst({2 * picture.size.width, 2 * picture.size.height}, kChannels);
-  nuqi::pyramid_up(view_of(picture).as<kChannels>(), view_of(dst).as<kChannels>());
-  Picture result(size, kChannels);
-  place(dst, result, 0, 0);
-  return result;
-}
-
-std::vector<Picture> levels_of(const Picture& picture, int count) {
-  std::vector<Picture> levels = {picture};
-  for (int i = 0; i < count; ++i) levels.push_back(level_down(levels.back()));
+template <class T>
+std::vector<PictureOf<T>> levels_of(const PictureOf<T>& picture, int count, Stopwatch& calls) {
+  std::vector<PictureOf<T>> levels = {picture};
+  for (int i = 0; i < count; ++i) {
+    levels.push_back(level_of<Down>(made_even(levels.back()), calls));
+  }
   return levels;
 }
 
-Differences differences_of(const Picture& level, const Picture& below) {
-  const Picture up = level_up(below, level.size);
+template <class T>
+Differences differences_of(const PictureOf<T>& level, const PictureOf<T>& below) {
+  const PictureOf<T> up = level_up(below, level.size);
   Differences result(level.pixels.size());
   std::transform(level.pixels.begin(), level.pixels.end(), up.pixels.begin(), result.begin(),
-                 [](uint8_t a, uint8_t b) { return int16_t(a - b); });
+                 [](T a, T b) { return int32_t(a - b); });
   return result;
 }
 
-Picture rebuilt_level(const Differences& differences, const Picture& below, RoiSize size) {
-  Picture result = level_up(below, size);
+template <class T>
+PictureOf<T> rebuilt_level(const Differences& differences, const PictureOf<T>& below,
+                           RoiSize size) {
+  PictureOf<T> result = level_up(below, size);
   std::transform(differences.begin(), differences.end(), result.pixels.begin(),
-                 result.pixels.begin(), [](int16_t a, uint8_t b) { return uint8_t(a + b); });
+                 result.pixels.begin(), [](int32_t a, T b) { return T(a + int32_t(b)); });
   return result;
 }
 
-std::vector<Differences> differences_of(const std::vector<Picture>& levels) {
+template <class T>
+std::vector<Differences> differences_of(const std::vector<PictureOf<T>>& levels) {
   std::vector<Differences> all;
   for (size_t i = 0; i + 1 < levels.size(); ++i) {
     all.push_back(differences_of(levels[i], levels[i + 1]));
@@ -84,46 +163,44 @@ std::vector<Differences> differences_of(const std::vector<Picture>& levels) {
   return all;
 }
 
-Picture rebuilt(const std::vector<Differences>& differences, const std::vector<Picture>& levels) {
-  Picture result = levels.back();
+template <class T>
+PictureOf<T> rebuilt(const std::vector<Differences>& differences,
+                     const std::vector<PictureOf<T>>& levels) {
+  PictureOf<T> result = levels.back();
   for (size_t i = differences.size(); i-- > 0;) {
     result = rebuilt_level(differences[i], result, levels[i].size);
   }
   return result;
 }
 
-int largest_deviation(const Picture& a, const Picture& b) {
+template <class T>
+int largest_deviation(const PictureOf<T>& a, const PictureOf<T>& b) {
   int largest = 0;
   for (size_t i = 0; i < a.pixels.size(); ++i) {
-    largest = std::max(largest, std::abs(a.pixels[i] - b.pixels[i]));
+    largest = std::max(largest, std::abs(int(a.pixels[i]) - int(b.pixels[i])));
   }
   return largest;
 }
 
-Picture picture_of(const Differences& differences, RoiSize size) {
-  Picture picture(size, kChannels);
-  std::transform(differences.begin(), differences.end(), picture.pixels.begin(),
-                 [](int16_t value) { return uint8_t(std::clamp(128 + value, 0, 255)); });
-  return picture;
-}
-
-std::vector<Picture> pictures_of(const std::vector<Differences>& differences,
-                                 const std::vector<Picture>& levels) {
-  std::vector<Picture> pictures;
+template <class T>
+std::vector<PictureOf<T>> pictures_of(const std::vector<Differences>& differences,
+                                      const std::vector<PictureOf<T>>& levels) {
+  std::vector<PictureOf<T>> pictures;
   for (size_t i = 0; i < differences.size(); ++i) {
-    pictures.push_back(picture_of(differences[i], levels[i].size));
+    pictures.push_back(picture_of(differences[i], levels[i]));
   }
   pictures.push_back(levels.back());
   return pictures;
 }
 
-Picture sheet_of(const std::vector<Picture>& levels) {
+template <class T>
+PictureOf<T> sheet_of(const std::vector<PictureOf<T>>& levels) {
   const RoiSize top = levels[0].size;
   int32_t below = 0;
   for (size_t i = 1; i < levels.size(); ++i) below += levels[i].size.width;
   const int32_t row = levels.size() > 1 ? levels[1].size.height : 0;
-  Picture sheet({std::max(top.width, below), top.height + row}, kChannels);
-  std::fill(sheet.pixels.begin(), sheet.pixels.end(), uint8_t{255});
+  PictureOf<T> sheet({std::max(top.width, below), top.height + row}, levels[0].channels);
+  std::fill(sheet.pixels.begin(), sheet.pixels.end(), T(kGreatest<T>));
   place(levels[0], sheet, 0, 0);
   int32_t x = 0;
   for (size_t i = 1; i < levels.size(); ++i) {
@@ -132,5 +209,21 @@ Picture sheet_of(const std::vector<Picture>& levels) {
   }
   return sheet;
 }
+
+#define NUQI_INSTANTIATE(T)                                                              \
+  template PictureOf<T> made_even(const PictureOf<T>&);                                  \
+  template std::vector<PictureOf<T>> levels_of(const PictureOf<T>&, int, Stopwatch&);    \
+  template Differences differences_of(const PictureOf<T>&, const PictureOf<T>&);         \
+  template PictureOf<T> rebuilt_level(const Differences&, const PictureOf<T>&, RoiSize); \
+  template std::vector<Differences> differences_of(const std::vector<PictureOf<T>>&);    \
+  template PictureOf<T> rebuilt(const std::vector<Differences>&,                         \
+                                const std::vector<PictureOf<T>>&);                       \
+  template int largest_deviation(const PictureOf<T>&, const PictureOf<T>&);              \
+  template std::vector<PictureOf<T>> pictures_of(const std::vector<Differences>&,        \
+                                                 const std::vector<PictureOf<T>>&);      \
+  template PictureOf<T> sheet_of(const std::vector<PictureOf<T>>&);
+NUQI_INSTANTIATE(uint8_t)
+NUQI_INSTANTIATE(float)
+#undef NUQI_INSTANTIATE
 
 }  // namespace tools

@@ -1,8 +1,9 @@
-// Levels of a pyramid of colour pictures, and the differences between them.
+// Levels of a pyramid of pictures, and the differences between them.
 #pragma once
 
 #include <vector>
 
+#include "clock.h"
 #include "pictures/picture.h"
 
 namespace tools {
@@ -11,31 +12,36 @@ namespace tools {
 int most_levels(RoiSize size);
 
 // The picture with its last column and row once more, where that makes its width and height even.
-Picture made_even(const Picture& picture);
+template <class T>
+PictureOf<T> made_even(const PictureOf<T>& picture);
 
-// One level down, and up to `size`: twice the picture's, or one pixel less.
-Picture level_down(const Picture& picture);
-Picture level_up(const Picture& picture, RoiSize size);
+// The picture, and so many levels down from it. `calls` times the library.
+template <class T>
+std::vector<PictureOf<T>> levels_of(const PictureOf<T>& picture, int count, Stopwatch& calls);
 
-// The picture, and so many levels down from it.
-std::vector<Picture> levels_of(const Picture& picture, int count);
-
-// What a level lacks that comes up from the one below, in 16 bits.
-using Differences = std::vector<int16_t>;
-Differences differences_of(const Picture& level, const Picture& below);
-Picture rebuilt_level(const Differences& differences, const Picture& below, RoiSize size);
+// What a level lacks that comes up from the one below; of opaque pictures.
+using Differences = std::vector<int32_t>;
+template <class T>
+Differences differences_of(const PictureOf<T>& level, const PictureOf<T>& below);
+template <class T>
+PictureOf<T> rebuilt_level(const Differences& differences, const PictureOf<T>& below, RoiSize size);
 // Of all levels but the last; and the first level again, from those and the last.
-std::vector<Differences> differences_of(const std::vector<Picture>& levels);
-Picture rebuilt(const std::vector<Differences>& differences, const std::vector<Picture>& levels);
-int largest_deviation(const Picture& a, const Picture& b);
+template <class T>
+std::vector<Differences> differences_of(const std::vector<PictureOf<T>>& levels);
+template <class T>
+PictureOf<T> rebuilt(const std::vector<Differences>& differences,
+                     const std::vector<PictureOf<T>>& levels);
+template <class T>
+int largest_deviation(const PictureOf<T>& a, const PictureOf<T>& b);
 
-// Differences to look at: 128 is none.
-Picture picture_of(const Differences& differences, RoiSize size);
-// The levels with their differences in place of all but the last.
-std::vector<Picture> pictures_of(const std::vector<Differences>& differences,
-                                 const std::vector<Picture>& levels);
+// The levels with their differences, to look at, in place of all but the last: the middle level, 128 of bytes,
+// is none.
+template <class T>
+std::vector<PictureOf<T>> pictures_of(const std::vector<Differences>& differences,
+                                      const std::vector<PictureOf<T>>& levels);
 
 // All on one white sheet: the first on top, the others in a row below.
-Picture sheet_of(const std::vector<Picture>& levels);
+template <class T>
+PictureOf<T> sheet_of(const std::vector<PictureOf<T>>& levels);
 
 }  // namespace tools

@@ -2,6 +2,7 @@
 #include "pictures/row_reader.h"
 
 #include <cstring>
+#include <type_traits>
 
 #include "failure.h"
 #include "report.h"
@@ -22,54 +23,44 @@ int first_byte(const File& file, const std::string& name) {
   return first;
 }
 
+// The rows of a picture in memory.
+template <class T>
 class PictureRows : public RowReader {
  public:
-  explicit PictureRows(std::shared_ptr<const Picture> picture) : picture_(std::move(picture)) {
-    set_shape(picture_->size, picture_->channels);
+  explicit PictureRows(std::shared_ptr<const PictureOf<T>> picture) : picture_(std::move(picture)) {
+    set_shape(picture_->size, {picture_->channels, kBits<T>});
   }
 
  private:
   void next_row(uint8_t* row) override {
-    std::memcpy(row, picture_->pixels.data() + at_, row_bytes());
-    at_ += row_bytes();
+    const T* const samples = picture_->pixels.data() + at_;
+    if constexpr (std::is_same_v<T, float>) {
+      from_floats(samples, row_samples(), row);
+    } else {
+      std::memcpy(row, samples, row_bytes());
+    }
+    at_ += row_samples();
   }
 
-  std::shared_ptr<const Picture> picture_;
+  std::shared_ptr<const PictureOf<T>> picture_;
   size_t at_ = 0;
 };
 
-// Red, green and blue of a pixel as it is seen over white.
-void put_colour(const uint8_t* pixel, int channels, uint8_t* rgb) {
-  for (int c = 0; c < 3; ++c) {
-    rgb[c] = channels == 1 ? pixel[0] : channels == 3 ? pixel[c] : over_white(pixel[c], pixel[3]);
-  }
-}
-
 class Converted : public RowReader {
  public:
-  Converted(std::unique_ptr<RowReader> rows, int channels)
+  Converted(std::unique_ptr<RowReader> rows, PixelFormat format)
       : rows_(std::move(rows)), row_(rows_->row_bytes()) {
-    set_shape(rows_->size(), channels);
+    set_shape(rows_->size(), format);
   }
 
  private:
   void next_row(uint8_t* row) override {
     rows_->read(row_.data());
-    const uint8_t* const end = row_.data() + row_.size();
-    for (const uint8_t* pixel = row_.data(); pixel < end; pixel += rows_->channels()) {
-      uint8_t rgb[3];
-      put_colour(pixel, rows_->channels(), rgb);
-      if (channels() == 1) {
-        *row = grey_level(rgb);
-      } else {
-        std::memcpy(row, rgb, 3);
-      }
-      row += channels();
-    }
+    convert(row_.data(), rows_->format(), size_t(size().width), row, format());
   }
 
   std::unique_ptr<RowReader> rows_;
-  std::vector<uint8_t> row_;
+  Bytes row_;
 };
 
 int channels_in(Form form, int stored) {
@@ -89,9 +80,15 @@ void RowReader::read(uint8_t* row) {
   if (++done_ == size_.height) finish();
 }
 
-void RowReader::set_shape(RoiSize size, int channels) {
+void RowReader::read(float* row) {
+  bytes_.resize(row_bytes());
+  read(bytes_.data());
+  to_floats(bytes_.data(), format_.bits, row_samples(), row);
+}
+
+void RowReader::set_shape(RoiSize size, PixelFormat format) {
   size_ = size;
-  channels_ = channels;
+  format_ = format;
 }
 
 void check_sides(uint32_t width, uint32_t height, const std::string& name) {
@@ -107,40 +104,58 @@ bool may_be_picture(const File& file, const std::string& name) {
   return first == kPngsFirst || first == kJpegsFirst || first == kPnmsFirst;
 }
 
-std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form form) {
-  if (!may_be_picture(file, name)) {
-    throw UserError(name + ": is neither a PNG nor a JPEG nor a PNM picture");
-  }
-  const int first = first_byte(file, name);
-  auto* const read = first == kPngsFirst ? read_png : first == kJpegsFirst ? read_jpeg : read_pnm;
-  std::unique_ptr<RowReader> rows = read(std::move(file), name);
-  const int channels = channels_in(form, rows->channels());
-  if (rows->channels() == 4 && channels < 4) print_note(name + ": its alpha is laid over white");
-  if (channels == rows->channels()) return rows;
-  return std::make_unique<Converted>(std::move(rows), channels);
+void fail_as_unknown(const std::string& name) {
+  throw UserError(name + ": is neither a PNG nor a JPEG nor a PNM picture: convert it to one");
 }
 
-std::unique_ptr<RowReader> open_rows(const std::string& path, Form form) {
-  return open_rows(open_input(path), path, form);
+std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form form, Depth depth) {
+  const int first = first_byte(file, name);
+  if (first == EOF) throw UserError(name + ": is empty");
+  if (!may_be_picture(file, name)) fail_as_unknown(name);
+  auto* const read = first == kPngsFirst ? read_png : first == kJpegsFirst ? read_jpeg : read_pnm;
+  std::unique_ptr<RowReader> rows = read(std::move(file), name);
+  const PixelFormat stored = rows->format();
+  const PixelFormat format = {channels_in(form, stored.channels),
+                              depth == Depth::eight ? 8 : stored.bits};
+  if (format.bits < stored.bits) print_note(name + ": its 16 bits are rounded to 8");
+  if (stored.channels == 4 && format.channels < 4) {
+    print_note(name + ": its alpha is laid over white");
+  }
+  if (format == stored) return rows;
+  return std::make_unique<Converted>(std::move(rows), format);
+}
+
+std::unique_ptr<RowReader> open_rows(const std::string& path, Form form, Depth depth) {
+  return open_rows(open_input(path), path, form, depth);
 }
 
 RowOpener rereadable(const std::string& path, Form form) {
   if (is_regular_file(path)) return [path, form] { return open_rows(path, form); };
-  const auto picture = std::make_shared<const Picture>(whole_picture(*open_rows(path, form), path));
-  return [picture] { return rows_of(picture); };
+  const auto picture =
+      std::make_shared<const Picture>(whole_picture<uint8_t>(*open_rows(path, form), path));
+  return [picture] { return std::make_unique<PictureRows<uint8_t>>(picture); };
 }
 
-Picture whole_picture(RowReader& rows, const std::string& name) {
+template <class T>
+PictureOf<T> whole_picture(RowReader& rows, const std::string& name) {
   check_size(uint32_t(rows.size().width), uint32_t(rows.size().height), name);
-  Picture picture(rows.size(), rows.channels());
-  for (size_t at = 0; at < picture.pixels.size(); at += rows.row_bytes()) {
+  PictureOf<T> picture(rows.size(), rows.channels());
+  for (size_t at = 0; at < picture.pixels.size(); at += rows.row_samples()) {
     rows.read(picture.pixels.data() + at);
   }
   return picture;
 }
+template Picture whole_picture(RowReader&, const std::string&);
+template PictureOf<float> whole_picture(RowReader&, const std::string&);
 
-std::unique_ptr<RowReader> rows_of(std::shared_ptr<const Picture> picture) {
-  return std::make_unique<PictureRows>(std::move(picture));
+std::unique_ptr<RowReader> upright(std::unique_ptr<RowReader> rows, int orientation,
+                                   const std::string& name) {
+  if (orientation == 1) return rows;
+  const auto turned = [&]<class T>(T) -> std::unique_ptr<RowReader> {
+    return std::make_unique<PictureRows<T>>(std::make_shared<const PictureOf<T>>(
+        turned_upright(whole_picture<T>(*rows, name), orientation)));
+  };
+  return rows->format().bits == 8 ? turned(uint8_t{}) : turned(float{});
 }
 
 }  // namespace tools

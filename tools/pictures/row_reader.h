@@ -7,6 +7,7 @@
 
 #include "pictures/file.h"
 #include "pictures/picture.h"
+#include "pictures/pixel_format.h"
 
 namespace tools {
 
@@ -20,22 +21,26 @@ class RowReader {
   RowReader& operator=(const RowReader&) = delete;
 
   RoiSize size() const { return size_; }
-  int channels() const { return channels_; }
-  size_t row_bytes() const { return size_t(size_.width) * size_t(channels_); }
+  PixelFormat format() const { return format_; }
+  int channels() const { return format_.channels; }
+  size_t row_bytes() const { return size_t(size_.width) * format_.bytes(); }
+  size_t row_samples() const { return size_t(size_.width) * size_t(format_.channels); }
 
-  // The next row. Throws UserError where the file is broken or ends too early; once the last row is
-  // there, so is the rest of the file.
+  // The next row: its bytes, or its samples from 0 to 65535, whatever its depth. Throws UserError where the
+  // file is broken or ends too early; once the last row is there, so is the rest of the file.
   void read(uint8_t* row);
+  void read(float* row);
 
  protected:
-  void set_shape(RoiSize size, int channels);
+  void set_shape(RoiSize size, PixelFormat format);
   virtual void next_row(uint8_t* row) = 0;
   virtual void finish() {}
 
  private:
   RoiSize size_{0, 0};
-  int channels_ = 0;
+  PixelFormat format_{0, 8};
   int32_t done_ = 0;
+  Bytes bytes_;  // of a row that becomes floats
 };
 
 enum class Form {
@@ -45,26 +50,37 @@ enum class Form {
   grey,    // the same, colour becoming grey
 };
 
-// The rows of a PNG, JPEG or PNM file of any kind. 16 bits are rounded to 8, CMYK is converted, a
-// camera's orientation applied. Interlaced and progressive files, and those to be turned, are held in
-// memory. Throws UserError where the file cannot be read or is no picture.
-std::unique_ptr<RowReader> open_rows(const std::string& path, Form form);
-std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form form);
+enum class Depth {
+  eight,   // 16 bits are rounded to 8
+  stored,  // 8 or 16 bits, as in the file
+};
+
+// The rows of a PNG, JPEG or PNM file of any kind. CMYK is converted, a camera's orientation applied; a
+// note says what is lost. Interlaced and progressive files, and those to be turned, are held in memory.
+// Throws UserError where the file cannot be read or is no picture.
+std::unique_ptr<RowReader> open_rows(const std::string& path, Form form,
+                                     Depth depth = Depth::eight);
+std::unique_ptr<RowReader> open_rows(File file, const std::string& name, Form form,
+                                     Depth depth = Depth::eight);
 
 // Whether a file that nothing was read of begins as one of these does.
 bool may_be_picture(const File& file, const std::string& name);
+[[noreturn]] void fail_as_unknown(const std::string& name);  // throws UserError
 
 // The rows of a file that is read twice. A pipe gives its picture only once, so it is kept.
 using RowOpener = std::function<std::unique_ptr<RowReader>()>;
 RowOpener rereadable(const std::string& path, Form form);
 
-// All rows together. Throws UserError where the picture is larger than every command can take.
-Picture whole_picture(RowReader& rows, const std::string& name);
+// All rows together: of 8 bits as bytes, of any as floats. Throws UserError where the picture is larger than
+// every command can take.
+template <class T>
+PictureOf<T> whole_picture(RowReader& rows, const std::string& name);
 
 Picture read_picture(const std::string& path, Form form);
 
-// The rows of a picture in memory.
-std::unique_ptr<RowReader> rows_of(std::shared_ptr<const Picture> picture);
+// The rows as a viewer shows them, where `orientation` (1 to 8) is how they lie in the file.
+std::unique_ptr<RowReader> upright(std::unique_ptr<RowReader> rows, int orientation,
+                                   const std::string& name);
 
 // ---- The formats, one source file each ---------------------------------------------------------
 

@@ -7,28 +7,60 @@
 #include <new>
 
 #include "failure.h"
+#include "report.h"
 
 namespace tools {
 namespace {
 
-constexpr const char* kPnmEndings[] = {".pgm", ".ppm", ".pnm"};
+using MakeWriter = std::unique_ptr<RowWriter>(std::FILE* file, const std::string& name,
+                                              RoiSize size, PixelFormat format);
 
-bool is_pnm(const std::string& path) {
-  return std::any_of(std::begin(kPnmEndings), std::end(kPnmEndings),
-                     [&](const char* ending) { return ends_with(path, ending); });
+struct FileKind {
+  const char* ending;
+  const char* name;
+  MakeWriter* make;
+  PixelFormat most;  // that it can hold
+};
+constexpr FileKind kKinds[] = {
+    {".png", "PNG", write_png, {4, 16}},   {".jpg", "JPEG", write_jpeg, {3, 8}},
+    {".jpeg", "JPEG", write_jpeg, {3, 8}}, {".pgm", "PNM", write_map, {3, 16}},
+    {".ppm", "PNM", write_map, {3, 16}},   {".pnm", "PNM", write_map, {3, 16}},
+    {".pam", "PAM", write_pam, {4, 16}},
+};
+
+const FileKind& kind_of(const std::string& path) {
+  if (path == kStandardStream) return kKinds[0];
+  std::string endings;
+  for (const FileKind& kind : kKinds) {
+    if (ends_with(path, kind.ending)) return kind;
+    endings += (endings.empty() ? "" : &kind == std::end(kKinds) - 1 ? " or " : ", ");
+    endings += kind.ending;
+  }
+  throw UserError(path + ": cannot be written: its ending must be " + endings);
 }
-
-bool is_png(const std::string& path) { return path == kStandardStream || ends_with(path, ".png"); }
 
 class PictureFile : public RowWriter {
  public:
-  PictureFile(const std::string& path, RoiSize size, int channels, int depth) : file_(path) {
-    rows_ = is_png(path)   ? write_png(file_.stream(), path, size, channels, depth)
-            : is_pnm(path) ? write_pnm(file_.stream(), path, size, channels)
-                           : write_jpeg(file_.stream(), path, size, channels);
+  PictureFile(const std::string& path, RoiSize size, PixelFormat given)
+      : file_(path), width_(size_t(size.width)), given_(given) {
+    const FileKind& kind = kind_of(path);
+    format_ = {std::min(given.channels, kind.most.channels), std::min(given.bits, kind.most.bits)};
+    const std::string name = path + ": " + kind.name;
+    if (format_.channels < given.channels) {
+      print_note(name + " keeps no alpha, the picture is laid over white");
+    }
+    if (format_.bits < given.bits) print_note(name + " keeps 8 bits, 16 are rounded");
+    rows_ = kind.make(file_.stream(), path, size, format_);
   }
 
-  void write(const uint8_t* row) override { rows_->write(row); }
+  void write(const uint8_t* row) override {
+    if (format_ != given_) {
+      converted_.resize(width_ * format_.bytes());
+      convert(row, given_, width_, converted_.data(), format_);
+      row = converted_.data();
+    }
+    rows_->write(row);
+  }
   void finish() override {
     rows_->finish();
     file_.commit();
@@ -36,13 +68,17 @@ class PictureFile : public RowWriter {
 
  private:
   OutputFile file_;
+  size_t width_;
+  PixelFormat given_, format_{};
   std::unique_ptr<RowWriter> rows_;
+  Bytes converted_;
 };
 
-void write_rows(RowWriter& rows, const Picture& picture) {
-  const size_t row_bytes = size_t(picture.size.width) * size_t(picture.channels);
-  for (size_t at = 0; at < picture.pixels.size(); at += row_bytes) {
-    rows.write(picture.pixels.data() + at);
+template <class T>
+void write_rows(RowWriter& rows, const PictureOf<T>& picture) {
+  const size_t row = picture.row_samples();
+  for (size_t at = 0; at < picture.pixels.size(); at += row) {
+    write_row(rows, picture.pixels.data() + at, row);
   }
   rows.finish();
 }
@@ -54,12 +90,11 @@ struct Memory {
   size_t length = 0;
 };
 
-template <class Writer>
-Bytes encoded(const Picture& picture, const Writer& writer_to) {
+Bytes encoded(const Picture& picture, const std::string& name, MakeWriter* make) {
   Memory memory;
   File file(open_memstream(&memory.bytes, &memory.length));
   if (!file) throw std::bad_alloc();
-  write_rows(*writer_to(file.get()), picture);
+  write_rows(*make(file.get(), name, picture.size, {picture.channels, 8}), picture);
   file.reset();
   return Bytes(memory.bytes, memory.bytes + memory.length);
 }
@@ -72,37 +107,36 @@ bool ends_with(const std::string& path, const std::string& ending) {
                     [](char a, char b) { return a == std::tolower(static_cast<uint8_t>(b)); });
 }
 
-void check_ending(const std::string& path) {
-  if (is_png(path) || is_pnm(path) || ends_with(path, ".jpg") || ends_with(path, ".jpeg")) return;
-  throw UserError(path +
-                  ": cannot be written: its ending must be .png, .jpg, .jpeg, .pgm, .ppm or "
-                  ".pnm");
+void write_row(RowWriter& rows, const float* row, size_t count) {
+  Bytes bytes(2 * count);
+  from_floats(row, count, bytes.data());
+  rows.write(bytes.data());
 }
 
-std::unique_ptr<RowWriter> create_picture(const std::string& path, RoiSize size, int channels) {
-  check_ending(path);
-  return std::make_unique<PictureFile>(path, size, channels, 8);
+void check_picture_output(const std::string& path) {
+  (void)kind_of(path);
+  if (path != kStandardStream) check_folder_of(path);
 }
 
-std::unique_ptr<RowWriter> create_png16(const std::string& path, RoiSize size) {
-  if (!is_png(path)) throw UserError(path + ": cannot be written: its ending must be .png");
-  return std::make_unique<PictureFile>(path, size, 1, 16);
+std::unique_ptr<RowWriter> create_picture(const std::string& path, RoiSize size,
+                                          PixelFormat format) {
+  return std::make_unique<PictureFile>(path, size, format);
 }
 
-void write_picture(const std::string& path, const Picture& picture) {
-  write_rows(*create_picture(path, picture.size, picture.channels), picture);
+template <class T>
+void write_picture(const std::string& path, const PictureOf<T>& picture) {
+  const PixelFormat format = {picture.channels, kBits<T>};
+  write_rows(*create_picture(path, picture.size, format), picture);
 }
+template void write_picture(const std::string&, const Picture&);
+template void write_picture(const std::string&, const PictureOf<float>&);
 
 Bytes encode_png(const Picture& picture, const std::string& name) {
-  return encoded(picture, [&](std::FILE* file) {
-    return write_png(file, name, picture.size, picture.channels);
-  });
+  return encoded(picture, name, write_png);
 }
 
 Bytes encode_jpeg(const Picture& picture, const std::string& name) {
-  return encoded(picture, [&](std::FILE* file) {
-    return write_jpeg(file, name, picture.size, picture.channels);
-  });
+  return encoded(picture, name, write_jpeg);
 }
 
 }  // namespace tools

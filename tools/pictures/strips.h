@@ -44,25 +44,30 @@ class RowProgress {
   std::optional<Progress> bar_;
 };
 
-// Calls `body` with each strip of a picture.
-template <class Body>
+// Calls `body` with each strip of a picture: of bytes where that has 8 bits, else of floats.
+template <class T, class Body>
 void for_strips(RowReader& reader, RowProgress& progress, const Body& body) {
-  const int32_t most = rows_of_strip(reader.row_bytes()), height = reader.size().height;
-  Bytes strip(size_t(most) * reader.row_bytes());
+  const size_t row = reader.row_samples();
+  const int32_t most = rows_of_strip(row * sizeof(T)), height = reader.size().height;
+  std::vector<T> strip(size_t(most) * row);
   for (int32_t y = 0; y < height;) {
     const int32_t rows = std::min(most, height - y);
-    for (int32_t i = 0; i < rows; ++i) reader.read(strip.data() + size_t(i) * reader.row_bytes());
-    body(Strip<uint8_t>{strip.data(), rows});
+    for (int32_t i = 0; i < rows; ++i) reader.read(strip.data() + size_t(i) * row);
+    body(Strip<T>{strip.data(), rows});
     y += rows;
     progress.advance(rows);
   }
 }
 
-inline void write_strip(RowWriter& writer, Strip<uint8_t> strip, size_t row_bytes) {
-  for (int32_t y = 0; y < strip.rows; ++y) writer.write(strip.values + size_t(y) * row_bytes);
+template <class T>
+void write_strip(RowWriter& writer, Strip<T> strip, size_t row_samples) {
+  for (int32_t y = 0; y < strip.rows; ++y) {
+    write_row(writer, strip.values + size_t(y) * row_samples, row_samples);
+  }
 }
 
-// A stage that is a filter of nuqi.hpp, for pictures of some numbers of channels. The rows that wait for others below them come with the picture's last strip.
+// A stage that is a filter of nuqi.hpp, for pictures of some numbers of channels. The rows that wait for others
+// below them come with the picture's last strip.
 template <class In, class Out, class Filter, int... kChannels>
 class FilterStage {
  public:

@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "failure.h"
+#include "pictures/colours.h"
 #include "pictures/plot.h"
-#include "tour/colours.h"
 
 namespace tools {
 namespace {
@@ -81,7 +81,7 @@ void check_template(const Plane<uint8_t>& tpl, const std::string& name, RoiSize 
 
 // All sums of bytes are exact, so that scores do not depend on which rows they are computed with.
 Plane<float> scores_of(const Plane<uint8_t>& picture, const Plane<uint8_t>& tpl,
-                       const Measure& measure, const RowsDone& rows_done) {
+                       const Measure& measure, Stopwatch& calls, const RowsDone& rows_done) {
   constexpr int32_t kLeastRows = 128, kBands = 50;
   Plane<float> scores(
       {picture.size.width - tpl.size.width + 1, picture.size.height - tpl.size.height + 1});
@@ -96,11 +96,13 @@ Plane<float> scores_of(const Plane<uint8_t>& picture, const Plane<uint8_t>& tpl,
   std::vector<uint8_t> buffer(static_cast<size_t>(bytes));
   for (int32_t y = 0; y < height; y += band) {
     const int32_t rows = std::min(band, height - y);
-    require_ok(measure.match(picture.data() + size_t(y) * size_t(picture.size.width),
-                             picture.step(), source_of(rows), tpl.data(), tpl.step(), tpl.size,
-                             scores.data() + size_t(y) * size_t(scores.size.width), scores.step(),
-                             buffer.data()),
-               measure.function);
+    calls.time([&] {
+      require_ok(measure.match(picture.data() + size_t(y) * size_t(picture.size.width),
+                               picture.step(), source_of(rows), tpl.data(), tpl.step(), tpl.size,
+                               scores.data() + size_t(y) * size_t(scores.size.width), scores.step(),
+                               buffer.data()),
+                 measure.function);
+    });
     rows_done(y + rows, height);
   }
   return scores;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+#include "clock.h"
 #include "pictures/peaks.h"
 #include "pictures/picture.h"
 #include "pictures/scale.h"
@@ -39,7 +40,7 @@ using RowsDone = std::function<void(int32_t rows, int32_t of)>;
 
 // The score of each place, by its pixel at the upper left.
 Plane<float> scores_of(const Plane<uint8_t>& picture, const Plane<uint8_t>& tpl,
-                       const Measure& measure, const RowsDone& rows_done);
+                       const Measure& measure, Stopwatch& calls, const RowsDone& rows_done);
 
 // The best local extrema, at most `count`, the best first, of equal ones the upper and then the left one;
 // the template on one touches it on no other.

@@ -1,7 +1,7 @@
 // The tour's section on accumulation: a sequence of frames in running sums.
 #include <algorithm>
 
-#include "tour/colours.h"
+#include "pictures/colours.h"
 #include "tour/families.h"
 #include "tour/plain.h"
 

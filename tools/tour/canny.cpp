@@ -1,6 +1,7 @@
 // The tour's section on Canny's edges.
-#include "tour/colours.h"
+#include "pictures/colours.h"
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -87,6 +88,12 @@ class Canny {
     constexpr char kNames[] = "float(low), float(high)";  // the page shows the numbers
     call.text.replace(call.text.find(kNames), sizeof kNames - 1,
                       std::to_string(low) + ".0f, " + std::to_string(high) + ".0f");
+    Plane<uint8_t> plain_edges(roi);
+    call = std::move(call).against([&] {
+      plain::canny(gradient_.dx_plane, gradient_.dy_plane, float(low), float(high), buffer_,
+                   plain_edges);
+    });
+    plain::require_same(plain_edges.values, edges_.values, "nuqiCanny_16s8u_C1R");
     return call;
   }
 

@@ -2,11 +2,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "pictures/colours.h"
 #include "pictures/corner_points.h"
 #include "pictures/plot.h"
-#include "tour/colours.h"
 #include "tour/families.h"
 #include "tour/page.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -55,8 +56,11 @@ Strength strength_of(const Plane<uint8_t>& grey) {
   require_ok(nuqiMinEigenValGetSize(roi.width, 3, 5, &size), "nuqiMinEigenValGetSize");
   std::vector<uint8_t> memory(static_cast<size_t>(size));
   void* buffer = memory.data();
+  Plane<float> plain_strength(roi);
   strength.calls.push_back(
-      NUQI_TIMED(nuqiMinEigenVal_32f_C1R(src, src_step, dst, dst_step, roi, 3, 5, buffer)));
+      NUQI_TIMED(nuqiMinEigenVal_32f_C1R(src, src_step, dst, dst_step, roi, 3, 5, buffer))
+          .against([&] { plain::corner_strength(floats, 3, 5, plain_strength); }));
+  plain::require_near(plain_strength.values, strength.plane.values, "nuqiMinEigenVal_32f_C1R");
   return strength;
 }
 
@@ -76,8 +80,10 @@ Vectors vectors_of(const Plane<uint8_t>& grey) {
   require_ok(nuqiEigenValsVecsGetSize(roi.width, 3, 5, &size), "nuqiEigenValsVecsGetSize");
   std::vector<uint8_t> memory(static_cast<size_t>(size));
   void* room = memory.data();
+  std::vector<float> plain_vectors(result.values.size());
   result.call =
-      NUQI_TIMED(nuqiEigenValsVecs_8u32f_C1R(levels, step, vectors, vectors_step, roi, 3, 5, room));
+      NUQI_TIMED(nuqiEigenValsVecs_8u32f_C1R(levels, step, vectors, vectors_step, roi, 3, 5, room))
+          .against([&] { plain::corner_vectors(grey, 3, 5, plain_vectors); });
   return result;
 }
 
@@ -122,7 +128,7 @@ Section corners_section(const Scene& scene) {
                               picture_of(scene.grey));
   const Strength strength = strength_of(scene.grey);
   const auto corners = strongest_corners(strength.plane, 150, 10);
-  const double range = corners.empty() ? 1.0 : double(corners[corners.size() / 3].strength);
+  const double range = corners.empty() ? 1.0 : double(corners[corners.size() / 3].value);
   Figure heat("Strength", "The smaller eigenvalue, bright at corners",
               heat_colours(strength.plane, range), Shrink::brightest);
   heat.with(heat_legend(range, "smaller eigenvalue")).note("Sums over 5x5 pixels.");

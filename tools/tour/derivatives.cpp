@@ -1,7 +1,7 @@
 // The tour's section on the fixed 3x3 derivatives.
 #include <algorithm>
 
-#include "tour/colours.h"
+#include "pictures/colours.h"
 #include "tour/families.h"
 #include "tour/plain.h"
 

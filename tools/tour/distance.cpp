@@ -1,10 +1,11 @@
 // The tour's section on distances to edges.
 #include <algorithm>
 
+#include "pictures/colours.h"
 #include "pictures/distance_picture.h"
 #include "pictures/plot.h"
-#include "tour/colours.h"
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -75,9 +76,12 @@ Measured measure(const Plane<uint8_t>& map, int32_t type) {
     measured.call =
         NUQI_TIMED(nuqiDistanceTransform_3x3_8u32f_C1R(edges, step, dst, dst_step, roi, weights));
   }
+  Plane<float> plain_distances(roi);
   measured.call =
       std::move(measured.call)
-          .made_by("nuqiGetDistanceTransformMask(" + std::to_string(type) + ", weights)");
+          .made_by("nuqiGetDistanceTransformMask(" + std::to_string(type) + ", weights)")
+          .against([&] { plain::distances(map, weights, type == 52, plain_distances); });
+  plain::require_same(plain_distances.values, measured.distances.values, "nuqiDistanceTransform");
   return measured;
 }
 

@@ -2,8 +2,9 @@
 #include <algorithm>
 #include <nuqi/nuqi.hpp>
 
-#include "commands/regions.h"
+#include "pictures/regions.h"
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -48,8 +49,17 @@ Figure gradient_figure(const Scene& scene) {
   const int32_t step = filled.step();
   void* const buffer = scratch.data();
   FillRegion region{};
-  Call call =
-      NUQI_TIMED(nuqiFloodFill_Grad4Con_8u_C1IR(image, step, roi, seed, 0, 3, 3, &region, buffer));
+  const auto prepare = [&] { filled.values = scene.grey.values; };
+  Call call = timed_call(
+      "nuqiFloodFill_Grad4Con_8u_C1IR(image, step, roi, seed, 0, 3, 3, &region, buffer)",
+      [&] {
+        return nuqiFloodFill_Grad4Con_8u_C1IR(image, step, roi, seed, 0, 3, 3, &region, buffer);
+      },
+      prepare);
+  Plane<uint8_t> plain_filled(roi);
+  call = std::move(call).against([&] { plain::fill(plain_filled, seed, 0, 3, 3, scratch); },
+                                 [&] { plain_filled.values = scene.grey.values; });
+  plain::require_same(plain_filled.values, filled.values, "nuqiFloodFill_Grad4Con_8u_C1IR");
   Figure figure("What gradual steps reach", "The region of the topmost pixels in orange",
                 region_over(scene.colour, scene.grey, filled));
   figure.with(std::move(call))

@@ -1,7 +1,7 @@
 // The tour's section on the filters with states: blur, Sobel and Laplace of several apertures.
 #include <memory>
 
-#include "tour/colours.h"
+#include "pictures/colours.h"
 #include "tour/families.h"
 #include "tour/plain.h"
 

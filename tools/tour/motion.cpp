@@ -1,8 +1,8 @@
 // The tour's section on motion: differences of frames, their history and its direction.
 #include <algorithm>
 
+#include "pictures/colours.h"
 #include "pictures/motion_picture.h"
-#include "tour/colours.h"
 #include "tour/families.h"
 #include "tour/plain.h"
 

@@ -103,7 +103,9 @@ class PageWriter {
       "</main>\n<footer><p>Times are medians of processor time on the machine that made this page, "
       "for whole "
       "pictures; a plain loop is one as anybody would write it, in C++, made by the same compiler "
-      "as this program and with the same options, which computes the same numbers. A call on one "
+      "as this program and with the same options, which computes the same numbers, those of "
+      "corners "
+      "but for their rounding. A call on one "
       "instruction set gives the same bits as on any other.</p></footer>\n</body>\n</html>\n";
 
   std::string head_html() const {
@@ -129,11 +131,11 @@ class PageWriter {
     std::string html = "<div class=\"" + stage + "\">\n";
     for (size_t i = 0; i < figures.size(); ++i) {
       const Figure& figure = figures[i];
-      html += "<figure>\n" +
-              pictures_.html(figure.shown, figure.alt,
-                             section.id + "-" + stage + "-" + std::to_string(i + 1)) +
-              "<figcaption>\n<h3><small>";
-      html += stage + "</small> " + escaped(figure.title) + "</h3>\n";
+      std::string stem = section.id;
+      stem.append("-").append(stage).append("-").append(std::to_string(i + 1));
+      html += "<figure>\n" + pictures_.html(figure.shown, figure.alt, stem);
+      html.append("<figcaption>\n<h3><small>").append(stage).append("</small> ");
+      html += escaped(figure.title) + "</h3>\n";
       if (!figure.caption.empty()) html += "<p>" + figure.caption + "</p>\n";
       for (const Legend& legend : figure.legends) html += legend_html(legend);
       for (const Call& call : figure.calls) html += call_html(call, figure, section, facts_.isa);
@@ -155,10 +157,11 @@ double processor_seconds() {
 
 // The times of several runs, fewer where they are slow.
 template <class Run>
-std::vector<double> times_of(const Run& run) {
+std::vector<double> times_of(const Run& run, const Prepare& prepare) {
   std::vector<double> seconds;
   double total = 0;
   while (seconds.size() < kMostRuns && (seconds.empty() || total < kMostSeconds)) {
+    if (prepare) prepare();
     const double start = processor_seconds();
     run();
     seconds.push_back(processor_seconds() - start);
@@ -175,8 +178,8 @@ double median_of(std::vector<double> values) {
   return *middle;
 }
 
-Call timed_call(const char* text, const std::function<StatusCode()>& run) {
-  const std::vector<double> seconds = times_of([&] { require_ok(run(), text); });
+Call timed_call(const char* text, const std::function<StatusCode()>& run, const Prepare& prepare) {
+  const std::vector<double> seconds = times_of([&] { require_ok(run(), text); }, prepare);
   return {text, median_of(seconds), int(seconds.size())};
 }
 
@@ -185,8 +188,8 @@ Call Call::made_by(const std::string& line) && {
   return std::move(*this);
 }
 
-Call Call::against(const std::function<void()>& plain_loop) && {
-  plain_seconds = median_of(times_of(plain_loop));
+Call Call::against(const std::function<void()>& plain_loop, const Prepare& prepare) && {
+  plain_seconds = median_of(times_of(plain_loop, prepare));
   return std::move(*this);
 }
 

@@ -7,11 +7,15 @@
 
 #include "clock.h"
 #include "failure.h"
+#include "pictures/colours.h"
 #include "pictures/picture.h"
 #include "tour/page_picture.h"
 #include "tour/snippet.h"
 
 namespace tools {
+
+// What precedes each run, for calls that work in place: no part of its time.
+using Prepare = std::function<void()>;
 
 // A call that was made: its text, after lines that make what it uses, its median time and the number of
 // runs; and how long a plain loop takes, where one was measured.
@@ -22,21 +26,17 @@ struct Call {
   double plain_seconds = 0;
 
   Call made_by(const std::string& line) &&;  // what makes its state
-  Call against(const std::function<void()>& plain_loop) &&;
+  Call against(const std::function<void()>& plain_loop, const Prepare& prepare = {}) &&;
 };
 
 // Runs the call several times, fewer where it is slow. Throws unless it succeeds.
-Call timed_call(const char* text, const std::function<StatusCode()>& run);
+Call timed_call(const char* text, const std::function<StatusCode()>& run,
+                const Prepare& prepare = {});
 
 double median_of(std::vector<double> values);
 
 // The page shows the very text that was compiled.
 #define NUQI_TIMED(call) ::tools::timed_call(#call, [&] { return call; })
-
-struct Legend {
-  std::string gradient;  // CSS colours, from the lowest value to the highest
-  std::string low, middle, high;
-};
 
 struct Figure {
   Figure(std::string title, std::string alt, const Picture& picture, Shrink how = Shrink::mean);

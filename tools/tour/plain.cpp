@@ -1,4 +1,4 @@
-// Plain loops, as anybody would write them, that calls are compared with: one for most families.
+// Plain loops, as anybody would write them, that calls are compared with: one for every family.
 #include "tour/plain.h"
 
 #include <algorithm>

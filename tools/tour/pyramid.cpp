@@ -3,6 +3,7 @@
 
 #include "pictures/pyramid_picture.h"
 #include "tour/families.h"
+#include "tour/plain.h"
 
 namespace tools {
 namespace {
@@ -30,6 +31,13 @@ const std::vector<Declaration> kDeclarations = {
      "void* room = malloc((size_t)bytes);"},
 };
 
+Call against_plain(Call call, const Picture& level, bool up, const Picture& result) {
+  Picture plain_result(result.size, result.channels);
+  call = std::move(call).against([&] { plain::pyramid(level, up, plain_result); });
+  plain::require_same(plain_result.pixels, result.pixels, "a level of the pyramid");
+  return call;
+}
+
 // The first step down, and the first up, once more with a clock.
 Call down_call(const Picture& level) {
   const Picture even = made_even(level);
@@ -43,7 +51,8 @@ Call down_call(const Picture& level) {
              "nuqiPyrDownGetBufSize_Gauss5x5");
   std::vector<uint8_t> room(static_cast<size_t>(size));
   uint8_t* buffer = room.data();
-  return NUQI_TIMED(nuqiPyrDown_Gauss5x5_8u_C3R(src, src_step, dst, dst_step, roi, buffer));
+  Call call = NUQI_TIMED(nuqiPyrDown_Gauss5x5_8u_C3R(src, src_step, dst, dst_step, roi, buffer));
+  return against_plain(std::move(call), even, false, result);
 }
 Call up_call(const Picture& level) {
   const RoiSize small_roi = level.size;
@@ -56,8 +65,9 @@ Call up_call(const Picture& level) {
              "nuqiPyrUpGetBufSize_Gauss5x5");
   std::vector<uint8_t> memory(static_cast<size_t>(size));
   uint8_t* room = memory.data();
-  return NUQI_TIMED(
-      nuqiPyrUp_Gauss5x5_8u_C3R(small, small_step, large, large_step, small_roi, room));
+  Call call =
+      NUQI_TIMED(nuqiPyrUp_Gauss5x5_8u_C3R(small, small_step, large, large_step, small_roi, room));
+  return against_plain(std::move(call), level, true, result);
 }
 
 }  // namespace
@@ -66,7 +76,8 @@ Section pyramid_section(const Scene& scene) {
   Section section{"pyramid", "Gaussian pyramid", kText, {}, {}, {}, kDeclarations};
   section.before.emplace_back("The picture", "The picture in colour", scene.colour);
   const int count = std::min(5, most_levels(scene.colour.size));
-  const std::vector<Picture> levels = levels_of(scene.colour, count);
+  Stopwatch calls;
+  const std::vector<Picture> levels = levels_of(scene.colour, count, calls);
   const std::vector<Differences> differences = differences_of(levels);
   const Picture whole = rebuilt(differences, levels);
 

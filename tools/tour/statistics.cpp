@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "pictures/colours.h"
 #include "pictures/plot.h"
-#include "tour/colours.h"
 #include "tour/families.h"
 #include "tour/plain.h"
 

@@ -1,10 +1,18 @@
 // Colours for numbers that are no picture: signed derivatives, variances, edges over a picture.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "pictures/picture.h"
-#include "tour/page.h"
 
 namespace tools {
+
+// What colours mean, to be shown beside them.
+struct Legend {
+  std::string gradient;  // CSS colours, from the lowest value to the highest
+  std::string low, middle, high;
+};
 
 // Colours of 16-bit values, looked up.
 class SignedColours {

@@ -12,8 +12,10 @@ class App;
 
 namespace tools {
 
-struct SignedOutput {
-  std::string path;
+struct SignedFilter {
+  std::string in;
+  int size = 3;  // the aperture
+  std::string out;
   std::string numbers;  // a file for the values themselves; empty: none
   double range = 0;     // 0: chosen from the values
 };
@@ -24,16 +26,16 @@ inline constexpr char kSignedFooter[] =
     "which IN is read twice. --numbers writes the values themselves: into a .png of 16 bits as\n"
     "value + 32768, or into a .pfm as floats. Takes pictures larger than memory (`nuqi --help`).\n";
 
-// Adds OUT, --numbers and --range.
-void add_signed_output(CLI::App& command, SignedOutput& output);
+// Adds IN, OUT, --size, --numbers and --range.
+void add_signed_filter(CLI::App& command, SignedFilter& options);
 
 // Throws UserError where it could not be written for a reason known before the work.
-void check(const SignedOutput& output);
+void check(const SignedFilter& options);
 
-// Writes what a filter that `make` makes, nuqi::Sobel or nuqi::Laplace, gives of the grey levels of `in`. `how`
+// Writes what a filter that `make` makes, nuqi::Sobel or nuqi::Laplace, gives of the grey levels of IN. `how`
 // says on stdout what the values are.
 template <class Filter>
-void write_signed(const std::string& in, const SignedOutput& output, const std::string& how,
+void write_signed(const SignedFilter& options, const std::string& how,
                   const std::function<Filter()>& make);
 
 }  // namespace tools

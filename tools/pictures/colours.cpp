@@ -1,5 +1,5 @@
 // Colours for numbers that are no picture: signed derivatives, variances, edges over a picture.
-#include "tour/colours.h"
+#include "pictures/colours.h"
 
 #include <algorithm>
 #include <cmath>

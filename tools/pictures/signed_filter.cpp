@@ -1,5 +1,5 @@
 // How commands show results that may be negative: in colours, with their extremes on stdout.
-#include "pictures/signed_output.h"
+#include "pictures/signed_filter.h"
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -11,10 +11,10 @@
 
 #include "core/isa.h"
 #include "failure.h"
+#include "pictures/colours.h"
 #include "pictures/file.h"
 #include "pictures/pfm.h"
 #include "report.h"
-#include "tour/colours.h"
 
 namespace tools {
 namespace {
@@ -26,7 +26,7 @@ class NumbersFile {
     if (ends_with(path, ".pfm")) {
       pfm_.emplace(path, size);
     } else {
-      png_ = create_png16(path, size);
+      png_ = create_picture(path, size, {1, 16});
     }
   }
 
@@ -59,44 +59,49 @@ class NumbersFile {
 
 }  // namespace
 
-void add_signed_output(CLI::App& command, SignedOutput& output) {
-  command.add_option("OUT", output.path, "The result in colours")->required();
-  command.add_option("--numbers", output.numbers, "A .png or .pfm file for the values themselves")
+void add_signed_filter(CLI::App& command, SignedFilter& options) {
+  command.add_option("IN", options.in, "The picture")->required();
+  command.add_option("OUT", options.out, "The result in colours")->required();
+  command.add_option("--size", options.size, "The aperture: 3, 5 or 7")
+      ->check(CLI::IsMember({3, 5, 7}))
+      ->capture_default_str();
+  command.add_option("--numbers", options.numbers, "A .png or .pfm file for the values themselves")
       ->type_name("FILE");
   command.add_option_function<double>(
       "--range",
-      [&output](double range) {
+      [&options](double range) {
         if (!(range > 0 && std::isfinite(range))) throw UserError("--range: must be above 0");
-        output.range = range;
+        options.range = range;
       },
       "The magnitude shown in the palest colours");
 }
 
-void check(const SignedOutput& output) {
-  check_ending(output.path);
-  if (output.numbers.empty()) return;
-  if (!ends_with(output.numbers, ".png") && !ends_with(output.numbers, ".pfm")) {
-    throw UserError(output.numbers + ": cannot be written: its ending must be .png or .pfm");
+void check(const SignedFilter& options) {
+  check_picture_output(options.out);
+  if (options.numbers.empty()) return;
+  if (!ends_with(options.numbers, ".png") && !ends_with(options.numbers, ".pfm")) {
+    throw UserError(options.numbers + ": cannot be written: its ending must be .png or .pfm");
   }
-  check_outputs_differ({output.path, output.numbers});
+  check_outputs_differ({options.out, options.numbers});
 }
 
 template <class Filter>
-void write_signed(const std::string& in, const SignedOutput& output, const std::string& how,
+void write_signed(const SignedFilter& options, const std::string& how,
                   const std::function<Filter()>& make) {
-  const bool chosen = output.range > 0;
+  const std::string& in = options.in;
+  const bool chosen = options.range > 0;
   const RowOpener once = [&] { return open_rows(in, Form::grey); };
   const RowOpener open = chosen ? once : rereadable(in, Form::grey);
   auto rows = open();
   const RoiSize size = rows->size();
-  const auto out = create_picture(output.path, size, 3);
+  const auto out = create_picture(options.out, size, {3, 8});
   std::optional<NumbersFile> numbers;
-  if (!output.numbers.empty()) numbers.emplace(output.numbers, size);
+  if (!options.numbers.empty()) numbers.emplace(options.numbers, size);
   RowProgress progress(size, chosen ? 1 : 2);
   double seconds = 0;
   const auto filter_rows = [&](const auto& use) {
     FilterStage<uint8_t, int16_t, Filter, 1> stage(make(), size, 1);
-    for_strips(*rows, progress, [&](Strip<uint8_t> strip) { use(stage(strip)); });
+    for_strips<uint8_t>(*rows, progress, [&](Strip<uint8_t> strip) { use(stage(strip)); });
     seconds = stage.seconds();
   };
 
@@ -110,7 +115,7 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
     rows = open();
     check_same_size(in, rows->size(), "what was read before", size);
   }
-  const double range = chosen ? output.range : counts.usual_range();
+  const double range = chosen ? options.range : counts.usual_range();
   const SignedColours colours(range);
   Bytes rgb;
   filter_rows([&](Strip<int16_t> strip) {
@@ -118,18 +123,18 @@ void write_signed(const std::string& in, const SignedOutput& output, const std::
     if (numbers) numbers->write(strip);
     rgb.resize(3 * width * size_t(strip.rows));
     colours.put(strip.values, width * size_t(strip.rows), rgb.data());
-    write_strip(*out, {rgb.data(), strip.rows}, 3 * width);
+    write_strip<uint8_t>(*out, {rgb.data(), strip.rows}, 3 * width);
   });
   out->finish();
   if (numbers) numbers->finish();
-  report("%s: %s, %s, values %d to %d, shown to %g, %.2f ms with %s\n", output.path.c_str(),
+  report("%s: %s, %s, values %d to %d, shown to %g, %.2f ms with %s\n", options.out.c_str(),
          size_text(size).c_str(), how.c_str(), counts.lowest(), counts.highest(), range,
          1e3 * seconds, nuqi::name_of(nuqi::isa()));
 }
 
-template void write_signed(const std::string&, const SignedOutput&, const std::string&,
+template void write_signed(const SignedFilter&, const std::string&,
                            const std::function<nuqi::Sobel()>&);
-template void write_signed(const std::string&, const SignedOutput&, const std::string&,
+template void write_signed(const SignedFilter&, const std::string&,
                            const std::function<nuqi::Laplace()>&);
 
 }  // namespace tools
