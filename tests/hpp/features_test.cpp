@@ -33,7 +33,7 @@ TEST(Derivatives, AreThoseOfTheirNames) {
   const auto expect = [&](StatusCode status, Derivative which, RowOrder order) {
     EXPECT_EQ(status, StatusOk);
     nuqi::sobel3x3(src, which, dst, order);
-    EXPECT_TRUE(equal(dst, expected)) << static_cast<int>(which);
+    EXPECT_TRUE(equal(dst, expected)) << which.text();
   };
   expect(nuqiSobel3x3_Dx_8u16s_C1R(src.data(), from_step, to, to_step, kRoi), Derivative::dx,
          RowOrder::top_down);
@@ -66,8 +66,8 @@ TEST(Derivatives, RefuseWhatDoesNotExist) {
   Image<float> slope(8, 8);
   Image<std::uint8_t> bytes(8, 8);
   Image<std::int16_t> dst(8, 8);
-  EXPECT_EQ(nuqi::sobel3x3(floats, Derivative::d2x, slope, std::nothrow), StatusUnsupported);
-  EXPECT_EQ(nuqi::scharr(bytes, Derivative::dxdy, dst, std::nothrow), StatusUnsupported);
+  EXPECT_EQ(nuqi::sobel3x3(floats, Derivative(Derivative::d2x), slope, std::nothrow), StatusUnsupported);
+  EXPECT_EQ(nuqi::scharr(bytes, Derivative(Derivative::dxdy), dst, std::nothrow), StatusUnsupported);
   EXPECT_EQ(nuqi::scharr(bytes, Derivative::dx, dst, -1, RowOrder::top_down, std::nothrow),
             StatusUnsupported);
   EXPECT_EQ(
