@@ -48,6 +48,19 @@ template <class Acc, class Call, class... Inputs>
   return write<Place::apart, Acc>(call, acc, inputs...);
 }
 
+template <class NotAMask, class Acc>
+using IfNoMask =
+    std::enable_if_t<!std::is_same_v<NotAMask, Mask> && !std::is_arithmetic_v<std::decay_t<Acc>> &&
+                         !std::is_same_v<std::decay_t<Acc>, std::nothrow_t>,
+                     StatusCode>;
+/// What is called with an image in the place of a mask: a sentence for the compiler to say.
+template <class NotAMask>
+constexpr StatusCode expect_mask() noexcept {
+  static_assert(std::is_same_v<NotAMask, Mask>,
+                "nuqi: an image stands where a mask belongs: nuqi::Mask(image) makes it one");
+  return StatusBadArg;
+}
+
 }  // namespace detail
 
 /// acc += src. Sources uint8_t, int8_t or float, accumulator float, one channel; all of one size, the accumulator
@@ -78,6 +91,10 @@ template <class Src, class Acc>
                                  mask)
       .status;
 }
+template <class Src, class NotAMask, class Acc, class... More>
+detail::IfNoMask<NotAMask, Acc> accumulate(const Src&, const NotAMask&, Acc&&, const More&...) {
+  return detail::expect_mask<NotAMask>();
+}
 
 /// acc += src * src. As accumulate().
 template <class Src, class Acc>
@@ -105,6 +122,11 @@ template <class Src, class Acc>
   return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddSquareMasked)), acc,
                                  src, mask)
       .status;
+}
+template <class Src, class NotAMask, class Acc, class... More>
+detail::IfNoMask<NotAMask, Acc> accumulate_square(const Src&, const NotAMask&, Acc&&,
+                                                  const More&...) {
+  return detail::expect_mask<NotAMask>();
 }
 
 /// acc += a * b, of two images of one type. As accumulate().
@@ -138,6 +160,11 @@ template <class A, class B, class Acc>
                                  a, b, mask)
       .status;
 }
+template <class A, class B, class NotAMask, class Acc, class... More>
+detail::IfNoMask<NotAMask, Acc> accumulate_product(const A&, const B&, const NotAMask&, Acc&&,
+                                                   const More&...) {
+  return detail::expect_mask<NotAMask>();
+}
 
 /// acc += alpha * (src - acc): a running average that forgets; alpha is any number, mostly from 0 to 1. As
 /// accumulate(); where a mask does not select, alpha is 0, so that an infinite difference becomes NaN there too.
@@ -167,6 +194,11 @@ template <class Src, class Acc>
   return detail::accumulate<Acc>(
              detail::flat(detail::find_for<Src>(detail::kAddWeightedMasked), alpha), acc, src, mask)
       .status;
+}
+template <class Src, class NotAMask, class Acc, class... More>
+detail::IfNoMask<NotAMask, Acc> accumulate_weighted(const Src&, const NotAMask&, Acc&&,
+                                                    const More&...) {
+  return detail::expect_mask<NotAMask>();
 }
 
 // ---- Absolute difference

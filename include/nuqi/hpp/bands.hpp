@@ -132,13 +132,12 @@ enum class Place { apart, in_place };
 /// Whether it certainly does. The views have one size.
 template <Place kPlace, class Output, class... Inputs>
 [[gnu::always_inline]] inline bool lies(Output out, Inputs... inputs) noexcept {
-  if constexpr (kPlace == Place::apart) {
-    return (far_apart(out, inputs) & ...);
-  } else {
-    return (
-        (far_apart(out, inputs) | ((out.data() == inputs.data()) & (out.step() == inputs.step()))) &
-        ...);
-  }
+  const auto lies_so = [&](auto input) {
+    if (far_apart(out, input)) return true;
+    return kPlace == Place::in_place && static_cast<const void*>(out.data()) == input.data() &&
+           out.step() == input.step();
+  };
+  return (lies_so(inputs) && ...);
 }
 
 /// All else: what is wrong is found out, and bands are cut.

@@ -26,13 +26,16 @@ template <class First, class... Others>
 bool same_step(First first, Others... others) noexcept {
   return ((first.step() == others.step()) && ...);
 }
-/// Whether several views certainly share no byte.
+/// Whether several planes of one size and step certainly share no byte.
 template <class First, class... Others>
 [[gnu::always_inline]] inline bool all_far_apart(First first, Others... others) noexcept {
   if constexpr (sizeof...(others) == 0) {
     return true;
   } else {
-    return (far_apart(first, others) & ...) & all_far_apart(others...);
+    const auto alike = [&](auto plane) {  // the same, and the compiler knows that they are
+      return First(Members{}, plane.data(), first.width(), first.height(), first.step());
+    };
+    return (far_apart(first, alike(others)) && ...) && all_far_apart(alike(others)...);
   }
 }
 
@@ -84,7 +87,8 @@ template <class... Planes, class Src>
   const CallSplit<T, std::remove_pointer_t<decltype(function)>> call{function};
   const auto in = as_input(src);
   if (ready(in, as_output<Planes>(planes)...) && same_step(as_output<Planes>(planes)...) &&
-      all_far_apart(in, as_output<Planes>(planes)...)) {
+      (far_apart(in, as_output<Planes>(planes)) && ...) &&
+      all_far_apart(as_output<Planes>(planes)...)) {
     return call(roi_of(in), whole(in), whole(as_output<Planes>(planes))...);
   }
   return split_slowly<Planes...>(call, src, planes...);

@@ -156,11 +156,17 @@ Outcome derive(Derivative which, const Src& src, std::remove_reference_t<Dst>& d
   return outcome;
 }
 
+/// A constant or a variable; for all else a sentence.
 template <class Which>
-constexpr void expect_derivative() noexcept {
+constexpr auto derivative(const Which& which) noexcept {
+  constexpr bool kIsOne = std::is_convertible_v<const Which&, Derivative>;
   static_assert(
-      std::is_convertible_v<Which, Derivative>,
-      "nuqi: behind the image comes the derivative: Derivative::dx, dy, d2x, d2y or dxdy");
+      kIsOne, "nuqi: behind the image comes the derivative: Derivative::dx, dy, d2x, d2y or dxdy");
+  if constexpr (kIsOne) {
+    return which;
+  } else {
+    return Derivative(Derivative::dx);
+  }
 }
 
 }  // namespace detail
@@ -169,19 +175,17 @@ constexpr void expect_derivative() noexcept {
 /// Sobel's weights: sobel3x3(image, Derivative::dx, result). Pixels beyond an edge equal the edge pixel. Two rows or
 /// more; dst lies apart.
 template <class Src, class Which, class Dst>
-void sobel3x3(const Src& src, Which which, Dst&& dst, RowOrder order = RowOrder::top_down) {
-  detail::expect_derivative<Which>();
-  detail::require(detail::derive<detail::OfSobel, Dst>(which, src, dst, order), "sobel3x3", src,
-                  Derivative(which), dst);
+void sobel3x3(const Src& src, const Which& which, Dst&& dst, RowOrder order = RowOrder::top_down) {
+  detail::require(detail::derive<detail::OfSobel, Dst>(detail::derivative(which), src, dst, order),
+                  "sobel3x3", src, Derivative(detail::derivative(which)), dst);
 }
 template <class Src, class Which, class Dst>
-[[nodiscard]] StatusCode sobel3x3(const Src& src, Which which, Dst&& dst, RowOrder order,
+[[nodiscard]] StatusCode sobel3x3(const Src& src, const Which& which, Dst&& dst, RowOrder order,
                                   std::nothrow_t /*tag*/) noexcept {
-  detail::expect_derivative<Which>();
-  return detail::derive<detail::OfSobel, Dst>(which, src, dst, order).status;
+  return detail::derive<detail::OfSobel, Dst>(detail::derivative(which), src, dst, order).status;
 }
 template <class Src, class Which, class Dst>
-[[nodiscard]] StatusCode sobel3x3(const Src& src, Which which, Dst&& dst,
+[[nodiscard]] StatusCode sobel3x3(const Src& src, const Which& which, Dst&& dst,
                                   std::nothrow_t tag) noexcept {
   return sobel3x3(src, which, std::forward<Dst>(dst), RowOrder::top_down, tag);
 }
@@ -189,21 +193,21 @@ template <class Src, class Which, class Dst>
 /// The first derivative along x or y by Scharr's weights, which are nearly the same in all directions; `shift`, 0 or
 /// more, divides by 2 to its power. All else as for sobel3x3().
 template <class Src, class Which, class Dst>
-void scharr(const Src& src, Which which, Dst&& dst, int shift = 0,
+void scharr(const Src& src, const Which& which, Dst&& dst, int shift = 0,
             RowOrder order = RowOrder::top_down) {
-  detail::expect_derivative<Which>();
-  detail::require(
-      detail::derive<detail::OfScharr, Dst>(which, src, dst, order, std::int32_t{shift}), "scharr",
-      src, Derivative(which), dst, shift);
+  detail::require(detail::derive<detail::OfScharr, Dst>(detail::derivative(which), src, dst, order,
+                                                        std::int32_t{shift}),
+                  "scharr", src, Derivative(detail::derivative(which)), dst, shift);
 }
 template <class Src, class Which, class Dst>
-[[nodiscard]] StatusCode scharr(const Src& src, Which which, Dst&& dst, int shift, RowOrder order,
-                                std::nothrow_t /*tag*/) noexcept {
-  detail::expect_derivative<Which>();
-  return detail::derive<detail::OfScharr, Dst>(which, src, dst, order, std::int32_t{shift}).status;
+[[nodiscard]] StatusCode scharr(const Src& src, const Which& which, Dst&& dst, int shift,
+                                RowOrder order, std::nothrow_t /*tag*/) noexcept {
+  return detail::derive<detail::OfScharr, Dst>(detail::derivative(which), src, dst, order,
+                                               std::int32_t{shift})
+      .status;
 }
 template <class Src, class Which, class Dst>
-[[nodiscard]] StatusCode scharr(const Src& src, Which which, Dst&& dst,
+[[nodiscard]] StatusCode scharr(const Src& src, const Which& which, Dst&& dst,
                                 std::nothrow_t tag) noexcept {
   return scharr(src, which, std::forward<Dst>(dst), 0, RowOrder::top_down, tag);
 }

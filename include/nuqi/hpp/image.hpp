@@ -239,6 +239,15 @@ template <class AnyImage>
 inline constexpr int kChannelsOf =
     Unpacked<decltype(as_view(std::declval<AnyImage&>()))>::kChannels;
 
+template <class AnyImage>
+View<const std::uint8_t> mask_view(const AnyImage& bytes) {
+  constexpr bool kIsMask =
+      std::is_same_v<ElementOf<const AnyImage>, std::uint8_t> && kChannelsOf<const AnyImage> == 1;
+  static_assert(kIsMask, "nuqi: a Mask is made of one channel of uint8_t");
+  if constexpr (kIsMask) return as_input(bytes);
+  return {};
+}
+
 }  // namespace detail
 
 /// Selects pixels: those where a byte is not 0. Made explicitly, so that no image is taken for one, and passed
@@ -246,11 +255,7 @@ inline constexpr int kChannelsOf =
 class Mask {
  public:
   template <class AnyImage>
-  explicit Mask(const AnyImage& bytes) : view_(detail::as_input(bytes)) {
-    static_assert(std::is_same_v<detail::ElementOf<const AnyImage>, std::uint8_t> &&
-                      detail::kChannelsOf<const AnyImage> == 1,
-                  "nuqi: a Mask is made of one channel of uint8_t");
-  }
+  explicit Mask(const AnyImage& bytes) : view_(detail::mask_view(bytes)) {}
 
   [[nodiscard]] View<const std::uint8_t> view() const noexcept { return view_; }
 

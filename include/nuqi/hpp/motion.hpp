@@ -56,10 +56,14 @@ template <class Angle, class Y, class X>
   const auto out = as_output<Angle>(angle);
   const auto of_y = as_input(y);
   const auto of_x = as_input(x);
-  const std::ptrdiff_t gaps = (out.step() ^ out.row_bytes()) | (of_y.step() ^ out.row_bytes()) |
-                              (of_x.step() ^ out.row_bytes());
-  if (ready(out, of_y, of_x) && gaps == 0 && out.size() <= kMost &&
-      lies<Place::in_place>(out, of_y, of_x)) {
+  const std::ptrdiff_t gap = (out.step() ^ out.row_bytes()) | (of_y.step() ^ out.row_bytes()) |
+                             (of_x.step() ^ out.row_bytes());
+  const auto tight =
+      [&](auto view) {  // the same, and the compiler knows that their steps are equal
+        return decltype(view)(Members{}, view.data(), out.width(), out.height(), out.row_bytes());
+      };
+  if (ready(out, of_y, of_x) && gap == 0 && out.size() <= kMost &&
+      lies<Place::in_place>(tight(out), tight(of_y), tight(of_x))) {
     return CallArctan{}(roi_of(out), whole(of_y), whole(of_x), whole(out));
   }
   return arctan_slowly<Angle>(y, x, angle);

@@ -40,7 +40,7 @@ void wrong() {
   // expect: masks come last among the inputs
   abs_diff(Mask(image), other, other);
 #elif WRONG_USE == 3
-  // expect: no matching function
+  // expect: an image stands where a mask belongs
   accumulate(image, other, floats);
 #elif WRONG_USE == 4
   // expect: the output is const
@@ -78,6 +78,21 @@ void wrong() {
 #elif WRONG_USE == 15
   // expect: a temporary Image: its pixels would be lost
   abs_diff(image, other, Image<std::uint8_t>(8, 8));
+#elif WRONG_USE == 16
+  // expect: these elements have no such derivative
+  sobel3x3(floats, Derivative::d2x, floats);
+#elif WRONG_USE == 17
+  // expect: these elements have no such derivative
+  scharr(image, Derivative::dxdy, slopes);
+#elif WRONG_USE == 18
+  // expect: an image stands where a mask belongs
+  accumulate_product(image, other, image, floats);
+#elif WRONG_USE == 19
+  // expect: behind the image comes the derivative
+  sobel3x3(image, slopes, slopes);
+#elif WRONG_USE == 20
+  // expect: an image stands where a mask belongs
+  (void)accumulate_weighted(image, other, floats, 0.5F, std::nothrow);
 #endif
 }
 #else
@@ -107,7 +122,7 @@ int main() {
          (void)histogram(image, {0, 300});
        }},
       {"there is no such derivative of these elements (StatusUnsupported)",
-       [] { sobel3x3(floats, Derivative::dxdy, Image<float>(8, 8).view()); }},
+       [] { sobel3x3(floats, Derivative(Derivative::dxdy), Image<float>(8, 8).view()); }},
   };
   int failures = 0;
   for (const Throwing& wrong : uses) {
