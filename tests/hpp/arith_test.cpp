@@ -68,6 +68,8 @@ TEST(AbsDiff, OfImagesAndNumbers) {
   each_pixel(a, [&](int x, int y) { EXPECT_EQ(dst(x, y), std::abs(a(x, y) - b(x, y))); });
   nuqi::abs_diff(a, b, b);
   EXPECT_TRUE(equal(b, dst)) << "in place";
+  const nuqi::View<std::uint8_t> denser(b.data(), 19, 7, 32);
+  EXPECT_EQ(nuqi::abs_diff(a, b, denser, std::nothrow), StatusBadArg) << "no pixel but the first";
   nuqi::abs_diff(a, 100, dst);
   EXPECT_EQ(dst(3, 3), std::abs(a(3, 3) - 100));
   nuqi::abs_diff(a, ~0ULL, dst);

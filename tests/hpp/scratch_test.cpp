@@ -50,6 +50,63 @@ TEST(Scratch, KnowsWhatTheLastCallNeeded) {
   EXPECT_EQ(get(scratch, 0, 1), nullptr) << "where nothing is needed there was no answer";
 }
 
+// A call differs from the last one in anything that its memory depends on: it gets what it needs.
+TEST(Scratch, IsAsLargeAsEachCallNeeds) {
+  const auto expect = [](const char* name, auto query, const auto& small, const auto& large) {
+    std::int32_t bytes = 0;
+    EXPECT_EQ(query(&bytes), StatusOk);
+    nuqi::Scratch scratch;
+    small(scratch);
+    EXPECT_LT(scratch.size(), static_cast<std::size_t>(bytes)) << name;
+    large(scratch);
+    EXPECT_GE(scratch.size(), static_cast<std::size_t>(bytes)) << name;
+  };
+  using nuqi::Scratch;
+  const auto src = random_image<std::uint8_t>(64, 64);
+  const auto floats = random_image<float>(64, 64);
+  const auto colours = random_image<std::uint8_t, 3>(64, 64);
+  Image<std::int16_t> d(64, 64);
+  Image<float> half(32, 32), dst(64, 64);
+  Image<std::uint8_t> half_bytes(32, 32), edges(64, 64);
+  Image<std::uint8_t, 3> half_colours(32, 32);
+  const auto down = [&](Scratch& s) { nuqi::pyramid_down(src, half_bytes, s); };
+  expect(
+      "channels", [](auto* n) { return nuqiPyrDownGetBufSize_Gauss5x5(64, 1, 3, n); }, down,
+      [&](Scratch& s) { nuqi::pyramid_down(colours, half_colours, s); });
+  expect(
+      "elements", [](auto* n) { return nuqiPyrDownGetBufSize_Gauss5x5(64, 9, 1, n); }, down,
+      [&](Scratch& s) { nuqi::pyramid_down(floats, half, s); });
+  expect(
+      "width", [](auto* n) { return nuqiMinEigenValGetSize(64, 3, 3, n); },
+      [&](Scratch& s) {
+        nuqi::min_eigen(src.roi(0, 0, 9, 9), dst.roi(0, 0, 9, 9), {3, 3}, s);
+      },
+      [&](Scratch& s) {
+        nuqi::min_eigen(src, dst, {3, 3}, s);
+      });
+  expect(
+      "height",
+      [](auto* n) {
+        return nuqiCannyGetSize({64, 64}, n);
+      },
+      [&](Scratch& s) {
+        const auto part = d.roi(0, 0, 64, 32);
+        nuqi::canny_from(part, part, edges.roi(0, 0, 64, 32), 1, 2, s);
+      },
+      [&](Scratch& s) { nuqi::canny_from(d, d, edges, 1, 2, s); });
+  expect(
+      "gradient",
+      [](auto* n) {
+        return nuqiFloodFillGetSize_Grad({64, 64}, n);
+      },
+      [&](Scratch& s) {
+        nuqi::flood_fill(edges, {0, 0}, 1, Connectivity::four, s);
+      },
+      [&](Scratch& s) {
+        nuqi::flood_fill(edges, {0, 0}, 1, 1, 1, Connectivity::four, s);
+      });
+}
+
 template <class T, int C, class Down, class Up>
 void expect_levels(const Down& down, const Up& up, nuqi::Scratch& scratch) {
   const auto src = random_image<T, C>(26, 18);
