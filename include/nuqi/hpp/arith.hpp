@@ -45,7 +45,7 @@ template <class Acc, class Call, class... Inputs>
 [[gnu::always_inline]] inline Outcome accumulate(Call call, std::remove_reference_t<Acc>& acc,
                                                  const Inputs&... inputs) noexcept {
   expect_output<float, 1, Acc>();
-  return write<Place::apart, Acc>(call, acc, inputs...);
+  return write<Where::apart, Acc>(call, acc, inputs...);
 }
 
 template <class NotAMask, class Acc>
@@ -226,14 +226,14 @@ template <class Dst, class A, class B>
                                                std::remove_reference_t<Dst>& dst) noexcept {
   if constexpr (!std::is_arithmetic_v<B>) {
     expect_alike<const A, const B, std::remove_reference_t<Dst>>();
-    return write<Place::in_place, Dst>(flat(find_for<A>(kAbsDiff)), dst, a, b);
+    return write<Where::in_place, Dst>(flat(find_for<A>(kAbsDiff)), dst, a, b);
   } else {
     expect_alike<const A, std::remove_reference_t<Dst>>();
     auto* const function = find_for<A>(kAbsDiffC);
     if constexpr (std::is_same_v<ElementOf<const A>, float>) {
-      return write<Place::in_place, Dst>(flat(function, static_cast<float>(b)), dst, a);
+      return write<Where::in_place, Dst>(flat(function, static_cast<float>(b)), dst, a);
     } else {
-      return write<Place::in_place, Dst>(flat(function, to_byte(b)), dst, a);
+      return write<Where::in_place, Dst>(flat(function, to_byte(b)), dst, a);
     }
   }
 }

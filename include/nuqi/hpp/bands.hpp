@@ -127,40 +127,40 @@ template <class AnyImage>
 }
 
 /// Where an output may lie.
-enum class Place { apart, in_place };
+enum class Where { apart, in_place };
 
 /// Whether it certainly does. The views have one size.
-template <Place kPlace, class Output, class... Inputs>
+template <Where kWhere, class Output, class... Inputs>
 [[gnu::always_inline]] inline bool lies(Output out, Inputs... inputs) noexcept {
   const auto lies_so = [&](auto input) {
     if (far_apart(out, input)) return true;
-    return kPlace == Place::in_place && static_cast<const void*>(out.data()) == input.data() &&
+    return kWhere == Where::in_place && static_cast<const void*>(out.data()) == input.data() &&
            out.step() == input.step();
   };
   return (lies_so(inputs) && ...);
 }
 
 /// All else: what is wrong is found out, and bands are cut.
-template <Place kPlace, class Dst, class Call, class... Inputs>
+template <Where kWhere, class Dst, class Call, class... Inputs>
 [[gnu::noinline, gnu::cold]] Outcome write_slowly(Call call, std::remove_reference_t<Dst>& dst,
                                                   const Inputs&... inputs) {
   const auto out = as_output<Dst>(dst);
   if (const Outcome bad = check_sizes(out, input(inputs)...); bad.failed()) return bad;
-  const Outcome bad = kPlace == Place::apart ? check_apart(out, input(inputs)...)
+  const Outcome bad = kWhere == Where::apart ? check_apart(out, input(inputs)...)
                                              : check_in_place(out, input(inputs)...);
   return bad.failed() ? bad : in_bands(kUnlimited, call, input(inputs)..., out);
 }
 
 /// Runs an operation on single pixels: checks the images, calls call(RoiSize, Part of each input..., Part of dst).
 /// What is not the common case goes elsewhere, and gets the images as they came: nothing is kept for it here.
-template <Place kPlace, class Dst, class Call, class... Inputs>
+template <Where kWhere, class Dst, class Call, class... Inputs>
 [[gnu::always_inline]] inline Outcome write(Call call, std::remove_reference_t<Dst>& dst,
                                             const Inputs&... inputs) {
   const auto out = as_output<Dst>(dst);
-  if (ready(out, input(inputs)...) && lies<kPlace>(out, input(inputs)...)) {
+  if (ready(out, input(inputs)...) && lies<kWhere>(out, input(inputs)...)) {
     return call(roi_of(out), whole(input(inputs))..., whole(out));
   }
-  return write_slowly<kPlace, Dst>(call, dst, inputs...);
+  return write_slowly<kWhere, Dst>(call, dst, inputs...);
 }
 
 template <class Dst, class... Inputs>
@@ -175,7 +175,7 @@ template <class Dst, class... Inputs>
 [[gnu::always_inline]] inline Outcome check_whole(std::remove_reference_t<Dst>& dst,
                                                   const Inputs&... inputs) noexcept {
   const auto out = as_output<Dst>(dst);
-  if (ready(out, input(inputs)...) && lies<Place::apart>(out, input(inputs)...)) return {};
+  if (ready(out, input(inputs)...) && lies<Where::apart>(out, input(inputs)...)) return {};
   return check_whole_slowly<Dst>(dst, inputs...);
 }
 

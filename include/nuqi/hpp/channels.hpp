@@ -115,7 +115,7 @@ template <class Dst, class... Planes>
                 "nuqi: join takes planes of one channel and of its output's elements");
   const auto function = find_for<To>(kJoin);
   const CallJoin<T, std::remove_pointer_t<decltype(function)>> call{function};
-  if (same_step(as_input(planes)...)) return write<Place::apart, Dst>(call, dst, planes...);
+  if (same_step(as_input(planes)...)) return write<Where::apart, Dst>(call, dst, planes...);
   return join_slowly<Dst>(call, dst, planes...);
 }
 
@@ -141,7 +141,7 @@ template <class Dst, class Src>
   constexpr int kChannels = kChannelsOf<const Src>;
   const auto function = find_for<Src>(kSplit);
   if (const Outcome bad = check_channel(channel, kChannels); bad.failed()) return bad;
-  return write<Place::apart, Dst>(
+  return write<Where::apart, Dst>(
       CallSplitOne<T, kChannels, std::remove_pointer_t<decltype(function)>>{function, channel}, dst,
       src);
 }

@@ -86,7 +86,7 @@ template <class Output, class Dx, class Dy>
   expect_output<std::uint8_t, 1, std::remove_reference_t<Output>>();
   const auto dx = as_input(of_x), dy = as_input(of_y);
   const auto dst = as_output<Output>(to);
-  if (ready(dst, dx, dy) && lies<Place::apart>(dst, dx, dy) && dx.step() == dy.step()) {
+  if (ready(dst, dx, dy) && lies<Where::apart>(dst, dx, dy) && dx.step() == dy.step()) {
     const RoiSize roi = roi_of(dst);
     void* const buffer =
         scratch.get_for({reinterpret_cast<void (*)()>(canny_bytes), size_key(dst), 0},

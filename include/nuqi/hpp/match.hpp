@@ -136,7 +136,7 @@ template <class Output, class Src, class Template>
   const auto tpl = as_input(part);
   const auto dst = as_output<Output>(to);
   if (!ready(src) || !ready(tpl) || !ready(dst) || !places_match(src, tpl, dst) ||
-      !lies<Place::apart>(dst, src, tpl)) {
+      !lies<Where::apart>(dst, src, tpl)) {
     if (const Outcome bad = check_match<Output>(image, part, to); bad.failed()) return bad;
   }
   const Matching<T> how = matching<T>(method);

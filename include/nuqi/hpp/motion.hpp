@@ -25,7 +25,7 @@ template <class History, class Silhouette>
                     kChannelsOf<const Silhouette> == 1,
                 "nuqi: a silhouette is one channel of uint8_t");
   expect_output<float, 1, std::remove_reference_t<History>>();
-  return write<Place::apart, History>(flat(nuqiUpdateMotionHistory_8u32f_C1IR, timestamp, duration),
+  return write<Where::apart, History>(flat(nuqiUpdateMotionHistory_8u32f_C1IR, timestamp, duration),
                                       history, silhouette);
 }
 
@@ -63,7 +63,7 @@ template <class Angle, class Y, class X>
         return decltype(view)(Members{}, view.data(), out.width(), out.height(), out.row_bytes());
       };
   if (ready(out, of_y, of_x) && gap == 0 && out.size() <= kMost &&
-      lies<Place::in_place>(tight(out), tight(of_y), tight(of_x))) {
+      lies<Where::in_place>(tight(out), tight(of_y), tight(of_x))) {
     return CallArctan{}(roi_of(out), whole(of_y), whole(of_x), whole(out));
   }
   return arctan_slowly<Angle>(y, x, angle);
