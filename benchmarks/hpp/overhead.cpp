@@ -134,6 +134,17 @@ void compare_pixels() {
                            to_bytes.data(), step(to_bytes), kRoi);
       },
       [] { nuqi::abs_diff(bytes, more_bytes, to_bytes); });
+  static nuqi::Image<std::uint8_t> picture(3 * kSide, kSide);
+  static const auto left = picture.roi(0, 0, kSide, kSide),
+                    middle = picture.roi(kSide, 0, kSide, kSide),
+                    right = picture.roi(2 * kSide, 0, kSide, kSide);
+  compare(
+      "abs_diff, one picture",
+      [] {
+        nuqiAbsDiff_8u_C1R(left.data(), step(left), middle.data(), step(middle), right.data(),
+                           step(right), kRoi);
+      },
+      [] { nuqi::abs_diff(left, middle, right); });
   compare(
       "split",
       [] {
