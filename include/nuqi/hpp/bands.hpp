@@ -140,11 +140,14 @@ template <Where kWhere, class Output, class... Inputs>
   return (lies_so(inputs) && ...);
 }
 
-/// All else: what is wrong is found out, and bands are cut.
+/// All else: regions of one picture, what is wrong, what is cut into bands.
 template <Where kWhere, class Dst, class Call, class... Inputs>
-[[gnu::noinline, gnu::cold]] Outcome write_slowly(Call call, std::remove_reference_t<Dst>& dst,
-                                                  const Inputs&... inputs) {
+[[gnu::noinline]] Outcome write_slowly(Call call, std::remove_reference_t<Dst>& dst,
+                                       const Inputs&... inputs) {
   const auto out = as_output<Dst>(dst);
+  if (ready(out, input(inputs)...) && (side_by_side(out, input(inputs)) && ...)) {
+    return call(roi_of(out), whole(input(inputs))..., whole(out));
+  }
   if (const Outcome bad = check_sizes(out, input(inputs)...); bad.failed()) return bad;
   const Outcome bad = kWhere == Where::apart ? check_apart(out, input(inputs)...)
                                              : check_in_place(out, input(inputs)...);

@@ -152,6 +152,20 @@ template <class A, class B>
   return distance - reach(b) <= 0 - (reach(a) + reach(b));
 }
 
+/// Whether two lie wholly before one another, or side by side in one picture: a whole number of steps aside, their
+/// rows do not meet.
+template <class A, class B>
+[[gnu::always_inline]] inline bool side_by_side(A a, B b) noexcept {
+  if (far_apart(a, b)) return true;
+  if (a.step() != b.step()) return false;
+  const std::uint64_t distance = std::uint64_t{reinterpret_cast<std::uintptr_t>(a.data())} -
+                                 reinterpret_cast<std::uintptr_t>(b.data());
+  const auto step = static_cast<std::uint64_t>(a.step());
+  const std::uint64_t aside = (distance + reach(a)) % step;
+  return aside >= static_cast<std::uint64_t>(b.row_bytes()) &&
+         aside + static_cast<std::uint64_t>(a.row_bytes()) <= step;
+}
+
 /// Whether two images, neither empty, share a byte.
 template <class A, class B>
 bool overlap(A a, B b) noexcept {
