@@ -4,7 +4,8 @@
 /// Images go in as View, Image, or anything that ImageTraits knows; outputs follow the inputs and are written,
 /// never allocated. Operations throw Error; those that write only images also take std::nothrow as their last
 /// argument and return the status: StatusBadSize for unequal sizes, StatusBadArg for forbidden overlap.
-/// An empty image is an error everywhere.
+/// An empty image is an error everywhere. With kept objects and -O2 a call takes some 5 ns more than that of its C
+/// function (./bench --hpp).
 #ifndef NUQI_NUQI_HPP
 #define NUQI_NUQI_HPP
 

@@ -1,8 +1,5 @@
-// Accumulation, absolute difference, splitting and joining against the C functions and plain formulas.
-#include <gtest/gtest.h>
-
+// Accumulation, absolute difference, splitting and joining against plain formulas.
 #include <cstdint>
-#include <nuqi/nuqi.hpp>
 
 #include "support.h"
 
@@ -10,66 +7,40 @@ namespace {
 
 using nuqi::Image;
 using nuqi::Mask;
-using nuqi::View;
-using nuqi::test::equal;
-using nuqi::test::random_image;
-using nuqi::test::status_of;
+using namespace nuqi::test;
 
 // acc after an operation, with a mask or without, against the formula of one pixel.
 template <class T, class Run, class Formula>
 void expect_accumulated(Run run, Formula formula) {
   for (const bool masked : {false, true}) {
-    const Image<T> a = random_image<T>(37, 11, 1);
-    const Image<T> b = random_image<T>(37, 11, 2);
-    const Image<std::uint8_t> mask = nuqi::test::random_mask(37, 11, 3);
+    const Image<T> a = random_image<T>(37, 11, 1), b = random_image<T>(37, 11, 2);
+    const Image<std::uint8_t> mask = random_mask(37, 11, 3);
     Image<float> acc = random_image<float>(37, 11, 4);
     const Image<float> before = acc.clone();
-    run(a, b, mask, acc, masked);
-    for (int y = 0; y < 11; ++y) {
-      for (int x = 0; x < 37; ++x) {
-        const bool taken = !masked || mask(x, y) != 0;
-        const float expected =
-            taken ? formula(static_cast<float>(a(x, y)), static_cast<float>(b(x, y)), before(x, y))
-                  : before(x, y);
-        EXPECT_EQ(acc(x, y), expected) << x << ", " << y;
-      }
-    }
+    masked ? run(a, b, acc, Mask(mask)) : run(a, b, acc);
+    each_pixel(acc, [&](int x, int y) {
+      const bool taken = !masked || mask(x, y) != 0;
+      const float old = before(x, y);
+      const auto of_a = static_cast<float>(a(x, y)), of_b = static_cast<float>(b(x, y));
+      EXPECT_EQ(acc(x, y), taken ? old + formula(of_a, of_b, old) : old) << x << ", " << y;
+    });
   }
 }
 
 template <class T>
 void expect_all_accumulations() {
   expect_accumulated<T>(
-      [](auto& a, auto&, auto& mask, auto& acc, bool masked) {
-        masked ? nuqi::accumulate(a, Mask(mask), acc) : nuqi::accumulate(a, acc);
-      },
-      [](float a, float, float acc) { return acc + a; });
+      [](auto& a, auto&, auto& acc, auto... mask) { nuqi::accumulate(a, mask..., acc); },
+      [](float a, float, float) { return a; });
   expect_accumulated<T>(
-      [](auto& a, auto&, auto& mask, auto& acc, bool masked) {
-        masked ? nuqi::accumulate_square(a, Mask(mask), acc) : nuqi::accumulate_square(a, acc);
-      },
-      [](float a, float, float acc) {
-        const float square = a * a;
-        return acc + square;
-      });
-  expect_accumulated<T>(
-      [](auto& a, auto& b, auto& mask, auto& acc, bool masked) {
-        masked ? nuqi::accumulate_product(a, b, Mask(mask), acc)
-               : nuqi::accumulate_product(a, b, acc);
-      },
-      [](float a, float b, float acc) {
-        const float product = a * b;
-        return acc + product;
-      });
-  expect_accumulated<T>(
-      [](auto& a, auto&, auto& mask, auto& acc, bool masked) {
-        masked ? nuqi::accumulate_weighted(a, Mask(mask), acc, 0.25F)
-               : nuqi::accumulate_weighted(a, acc, 0.25F);
-      },
-      [](float a, float, float acc) {
-        const float share = 0.25F * (a - acc);
-        return acc + share;
-      });
+      [](auto& a, auto&, auto& acc, auto... mask) { nuqi::accumulate_square(a, mask..., acc); },
+      [](float a, float, float) { return a * a; });
+  expect_accumulated<T>([](auto& a, auto& b, auto& acc,
+                           auto... mask) { nuqi::accumulate_product(a, b, mask..., acc); },
+                        [](float a, float b, float) { return a * b; });
+  expect_accumulated<T>([](auto& a, auto&, auto& acc,
+                           auto... mask) { nuqi::accumulate_weighted(a, mask..., acc, 0.25F); },
+                        [](float a, float, float acc) { return 0.25F * (a - acc); });
 }
 
 TEST(Accumulate, FollowsItsFormula) {
@@ -86,27 +57,27 @@ TEST(Accumulate, RefusesOverlapAndUnequalSizes) {
   EXPECT_EQ(nuqi::accumulate(bytes, Mask(bytes.roi(0, 0, 7, 8)), acc, std::nothrow), StatusBadSize);
   EXPECT_EQ(nuqi::accumulate(bytes.roi(0, 0, 0, 8), acc.roi(0, 0, 0, 8), std::nothrow),
             StatusBadSize);
-  EXPECT_EQ(status_of([&] { nuqi::accumulate_product(acc, acc, acc); }), StatusBadArg);
+  expect_throws(StatusBadArg, {[&] { nuqi::accumulate_product(acc, acc, acc); }});
 }
 
 TEST(AbsDiff, OfImagesAndNumbers) {
-  const Image<std::uint8_t> a = random_image<std::uint8_t>(19, 7, 1);
-  Image<std::uint8_t> b = random_image<std::uint8_t>(19, 7, 2);
+  const auto a = random_image<std::uint8_t>(19, 7, 1);
+  auto b = random_image<std::uint8_t>(19, 7, 2);
   Image<std::uint8_t> dst(19, 7);
   nuqi::abs_diff(a, b, dst);
-  for (int y = 0; y < 7; ++y)
-    for (int x = 0; x < 19; ++x) EXPECT_EQ(dst(x, y), std::abs(a(x, y) - b(x, y)));
+  each_pixel(a, [&](int x, int y) { EXPECT_EQ(dst(x, y), std::abs(a(x, y) - b(x, y))); });
   nuqi::abs_diff(a, b, b);
   EXPECT_TRUE(equal(b, dst)) << "in place";
+  const nuqi::View<std::uint8_t> denser(b.data(), 19, 7, 32);
+  EXPECT_EQ(nuqi::abs_diff(a, b, denser, std::nothrow), StatusBadArg) << "no pixel but the first";
   nuqi::abs_diff(a, 100, dst);
   EXPECT_EQ(dst(3, 3), std::abs(a(3, 3) - 100));
   nuqi::abs_diff(a, ~0ULL, dst);
-  EXPECT_EQ(dst(3, 3), 255 - a(3, 3))
-      << "numbers are held to the range of bytes, not cut to their low bits";
+  EXPECT_EQ(dst(3, 3), 255 - a(3, 3)) << "held to the range of bytes, not cut to the low bits";
   nuqi::abs_diff(a, -(1LL << 40), dst);
   EXPECT_EQ(dst(3, 3), a(3, 3));
 
-  const Image<float> f = random_image<float>(19, 7, 3);
+  const auto f = random_image<float>(19, 7, 3);
   Image<float> apart(19, 7);
   nuqi::abs_diff(f, 2, apart);
   EXPECT_EQ(apart(5, 5), std::abs(f(5, 5) - 2));
@@ -145,12 +116,10 @@ void split_and_join() {
                 StatusBadArg);
     }
     for (int i = 0; i < Channels; ++i) EXPECT_EQ(plane(i)(20, 5), src(20, 5, i));
-    if (Channels == 4) {
-      EXPECT_TRUE((equal(back, src)));
-    }
+    EXPECT_TRUE(Channels == 3 || equal(back, src));
     nuqi::split(src, 2, plane(0));
     EXPECT_EQ(plane(0)(7, 3), src(7, 3, 2));
-    EXPECT_EQ(status_of([&] { nuqi::split(src, Channels, plane(0)); }), StatusBadCoi);
+    expect_throws(StatusBadCoi, {[&] { nuqi::split(src, Channels, plane(0)); }});
     EXPECT_EQ(nuqi::split(src, -1, plane(0), std::nothrow), StatusBadCoi);
   }
 }

@@ -1,10 +1,9 @@
 // What is found out before a call: sizes, overlap, bands.
-#include <gtest/gtest.h>
-
 #include <cstdint>
-#include <nuqi/nuqi.hpp>
 #include <set>
 #include <vector>
+
+#include "support.h"
 
 namespace {
 
@@ -14,8 +13,7 @@ namespace detail = nuqi::detail;
 
 std::set<const void*> bytes_of(View<const std::uint8_t> view) {
   std::set<const void*> bytes;
-  for (std::int64_t y = 0; y < view.height(); ++y)
-    for (std::int64_t x = 0; x < view.width(); ++x) bytes.insert(view.row(y) + x);
+  nuqi::test::each_pixel(view, [&](int x, int y) { bytes.insert(view.row(y) + x); });
   return bytes;
 }
 
@@ -33,11 +31,35 @@ TEST(Checks, OverlapIsThatOfBytes) {
       const std::set<const void*> of_a = bytes_of(a);
       for (const void* byte : bytes_of(b)) expected = expected || of_a.count(byte) != 0;
       EXPECT_EQ(detail::overlap(a, b), expected) << a.text() << " and " << b.text();
+      EXPECT_FALSE(expected && detail::side_by_side(a, b)) << a.text() << " and " << b.text();
       shared += expected ? 1 : 0;
     }
   }
+  EXPECT_TRUE(detail::side_by_side(View<const std::uint8_t>(memory.data() + 9, 4, 9, 10),
+                                   View<const std::uint8_t>(memory.data() + 3, 6, 9, 10)));
   EXPECT_GT(shared, 100);
   EXPECT_LT(shared, static_cast<int>(views.size() * views.size()) - 100);
+}
+
+// The one comparison that stands for many.
+TEST(Checks, TheCommonCaseIsNoOther) {
+  std::uint8_t pixel = 0;
+  const auto view = [&](std::int64_t width, std::int64_t height, std::int64_t step) {
+    return View<const std::uint8_t>(nuqi::detail::Members{}, &pixel, width, height,
+                                    static_cast<std::ptrdiff_t>(step));
+  };
+  constexpr std::int64_t k = std::int64_t{1} << 31;
+  EXPECT_TRUE(detail::ready(view(7, 5, 8), view(7, 5, 9)));
+  EXPECT_TRUE(detail::ready(view(k - 1, k - 1, 8)));
+  EXPECT_FALSE(detail::ready(view(7, 5, 8), view(8, 5, 8)));
+  EXPECT_FALSE(detail::ready(view(7, 5, 8), view(7, 4, 8)));
+  EXPECT_FALSE(detail::ready(view(0, 5, 8), view(0, 5, 8)));
+  EXPECT_FALSE(detail::ready(view(7, 0, 8)));
+  EXPECT_FALSE(detail::ready(view(-1, -1, 0)));
+  if (sizeof(void*) == 4) return;
+  EXPECT_FALSE(detail::ready(view(k, 5, 8)));
+  EXPECT_FALSE(detail::ready(view(7, k, 8)));
+  EXPECT_FALSE(detail::ready(view(7, 5, 8), view(7, 5, k)));
 }
 
 TEST(Checks, OutputsMayBeInputsOnlyWhole) {
@@ -56,23 +78,20 @@ TEST(Bands, CoverAViewOnce) {
         pixels,
         [&](RoiSize roi, detail::Part<std::uint8_t> part, detail::Part<float> second) {
           EXPECT_LE(roi.width * roi.height, pixels);
-          for (int y = 0; y < roi.height; ++y) {
+          for (int y = 0; y < roi.height; ++y)
             for (int x = 0; x < roi.width; ++x) {
               part.data[y * part.step + x * 3 + 2]++;
               second.data[y * second.step / 4 + x]++;
             }
-          }
           return StatusOk;
         },
         image.view(), other.view());
     EXPECT_FALSE(outcome.failed());
   }
-  for (int y = 0; y < 9; ++y) {
-    for (int x = 0; x < 23; ++x) {
-      EXPECT_EQ(image(x, y, 2), 7);
-      EXPECT_EQ(other(x, y), 7);
-    }
-  }
+  nuqi::test::each_pixel(other, [&](int x, int y) {
+    EXPECT_EQ(image(x, y, 2), 7);
+    EXPECT_EQ(other(x, y), 7);
+  });
 }
 
 TEST(Bands, EndWithAFailure) {

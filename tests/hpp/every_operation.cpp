@@ -42,6 +42,8 @@ void on_elements() {
   Image<Slope> dx(16, 16), dy(16, 16);
   sobel3x3(a, Derivative::dx, dx), sobel3x3(a, Derivative::dy, dy, RowOrder::bottom_up);
   scharr(a, Derivative::dx, dx, 1);
+  const Derivative which = Derivative::dy;  // known when the program runs
+  sobel3x3(a, which, dy), scharr(a, which, dy);
   box_sum(a, dx), sobel(a, dx, 1, 0), laplace(a, dx);
   if constexpr (!std::is_same_v<T, float>) {
     Image<std::uint8_t> edges(16, 16);

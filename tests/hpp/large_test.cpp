@@ -1,11 +1,7 @@
-// Images beyond 32 bits: memory that is only reserved until a pixel is written.
-#include <gtest/gtest.h>
-#include <sys/mman.h>
-
+// Images beyond 32 bits: memory that is only reserved until a pixel is written. Bands, or a refusal.
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <nuqi/nuqi.hpp>
 
 #include "support.h"
 
@@ -13,33 +9,9 @@ namespace {
 
 using nuqi::Mask;
 using nuqi::View;
+using namespace nuqi::test;
 
 constexpr std::int64_t kBeyond = (std::int64_t{1} << 31) + 4096;
-
-class Reserved {
- public:
-  explicit Reserved(std::int64_t bytes) : bytes_(static_cast<std::size_t>(bytes)) {
-    if (sizeof(void*) == 4) return;
-    void* memory = mmap(nullptr, bytes_, PROT_READ | PROT_WRITE,
-                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (memory != MAP_FAILED) memory_ = memory;
-  }
-  Reserved(const Reserved&) = delete;
-  Reserved& operator=(const Reserved&) = delete;
-  ~Reserved() {
-    if (memory_ != nullptr) munmap(memory_, bytes_);
-  }
-  template <class T, int Channels = 1>
-  View<T, Channels> rows(std::int64_t width, std::int64_t height, std::int64_t step) const {
-    return View<T, Channels>(static_cast<T*>(memory_), width, height,
-                             static_cast<std::ptrdiff_t>(step));
-  }
-  bool usable() const { return memory_ != nullptr; }
-
- private:
-  std::size_t bytes_;
-  void* memory_ = nullptr;
-};
 
 TEST(Large, StepsMayExceed31Bits) {
   const Reserved memory(3 * kBeyond);
@@ -99,6 +71,28 @@ TEST(Large, RowsMayExceed31Bits) {
   const auto found = nuqi::min_max(image);
   EXPECT_EQ(found.max, 9);
   EXPECT_EQ(found.max_at.x, kBeyond - 1);
+}
+
+TEST(Large, StepsBeyond32BitsAreRefusedWhereThereAreNoBands) {
+  if (sizeof(void*) < 8) GTEST_SKIP() << "there are no such steps";
+  constexpr auto kApart = static_cast<std::ptrdiff_t>(std::int64_t{1} << 32);
+  // Nobody looks at their pixels.
+  const auto far = [](auto* first, std::int64_t width, std::int64_t height) {
+    return View<std::remove_pointer_t<decltype(first)>>(first, width, height, kApart);
+  };
+  alignas(64) static std::uint8_t a[64], b[64];
+  alignas(64) static std::int16_t dx[64], dy[64];
+  alignas(64) static float scores[64];
+  const auto src = far(a, 4, 4), dst = far(b, 4, 4);
+  EXPECT_EQ(nuqi::canny(src, dst, 1, 2, nuqi::EdgeOperator::sobel, std::nothrow), StatusBadSize);
+  EXPECT_EQ(nuqi::canny_from(far(dx, 4, 4), far(dy, 4, 4), dst, 1, 2, std::nothrow), StatusBadSize);
+  EXPECT_EQ(status_of([&] { (void)nuqi::canny_thresholds(src); }), StatusBadSize);
+  EXPECT_EQ(nuqi::pyramid_down(src, far(b, 2, 2), std::nothrow), StatusBadSize);
+  EXPECT_EQ(nuqi::pyramid_up(src, far(b, 8, 8), std::nothrow), StatusBadSize);
+  EXPECT_EQ(nuqi::match_template(src, View<std::uint8_t>(b, 2, 2), far(scores, 3, 3),
+                                 nuqi::MatchMethod::corr, std::nothrow),
+            StatusBadSize);
+  EXPECT_EQ(status_of([&] { nuqi::flood_fill(src, {0, 0}, 1); }), StatusBadSize);
 }
 
 }  // namespace

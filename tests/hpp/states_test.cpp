@@ -11,8 +11,7 @@
 namespace {
 
 using nuqi::Image;
-using nuqi::test::equal;
-using nuqi::test::random_image;
+using namespace nuqi::test;
 
 // Of this process, in memory now.
 std::int64_t resident_bytes() {

@@ -1,12 +1,8 @@
 // Statistics against sums that anybody would write, over sizes and values where the C functions are not exact.
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <nuqi/nuqi.hpp>
-#include <type_traits>
 #include <vector>
 
 #include "support.h"
@@ -15,10 +11,7 @@ namespace {
 
 using nuqi::Image;
 using nuqi::Mask;
-using nuqi::View;
-using nuqi::test::random_image;
-using nuqi::test::random_mask;
-using nuqi::test::status_of;
+using namespace nuqi::test;
 
 // The sums that all statistics of bytes are made of.
 struct Sums {
@@ -43,9 +36,9 @@ struct Sums {
 template <class T, int Channels, class Value>
 Sums sums_of(const Image<T, Channels>& image, const Image<std::uint8_t>* mask, Value value) {
   Sums sums;
-  for (std::int64_t y = 0; y < image.height(); ++y)
-    for (std::int64_t x = 0; x < image.width(); ++x)
-      if (mask == nullptr || (*mask)(x, y) != 0) sums.add(value(x, y));
+  each_pixel(image, [&](int x, int y) {
+    if (mask == nullptr || (*mask)(x, y) != 0) sums.add(value(x, y));
+  });
   return sums;
 }
 
@@ -78,19 +71,19 @@ void expect_statistics(const Image<T, Channels>& a, const Image<T, Channels>& b,
 template <class T>
 void expect_bytes() {
   for (const RoiSize size : {RoiSize{1, 1}, {49, 1}, {640, 37}, {20011, 3}}) {
-    const int width = size.width;
-    const int height = size.height;
-    Image<std::uint8_t> mask = random_mask(width, height, 3);
+    const auto random = [&](unsigned seed) {
+      return random_image<T>(size.width, size.height, seed);
+    };
+    const auto colours = [&](unsigned seed) {
+      return random_image<T, 3>(size.width, size.height, seed);
+    };
+    Image<std::uint8_t> mask = random_mask(size.width, size.height, 3);
     mask(0, 0) = 1;
-    const Image<T> a = random_image<T>(width, height, 1);
-    const Image<T> b = random_image<T>(width, height, 2);
-    expect_statistics(a, b, nullptr, 0);
-    expect_statistics(a, b, &mask, 0, Mask(mask));
-    const Image<T, 3> c = random_image<T, 3>(width, height, 4);
-    const Image<T, 3> d = random_image<T, 3>(width, height, 5);
+    expect_statistics(random(1), random(2), nullptr, 0);
+    expect_statistics(random(1), random(2), &mask, 0, Mask(mask));
     for (int channel = 0; channel < 3; ++channel) {
-      expect_statistics(c, d, nullptr, channel, channel);
-      expect_statistics(c, d, &mask, channel, Mask(mask), channel);
+      expect_statistics(colours(4), colours(5), nullptr, channel, channel);
+      expect_statistics(colours(4), colours(5), &mask, channel, Mask(mask), channel);
     }
   }
 }
@@ -100,40 +93,42 @@ TEST(Statistics, OfBytesAreExact) {
 }
 
 TEST(Statistics, SumsOfLargeImagesDoNotWrap) {
-  Image<std::uint8_t> row(6000, 4000, nuqi::uninitialised);
-  for (int y = 0; y < 4000; ++y) std::memset(row.row(y), 200, 6000);
-  Image<std::uint8_t> mask = random_mask(6000, 4000, 1);
+  const auto white = image_of<std::uint8_t>(6000, 4000, [](int, int) { return 200; });
+  const Image<std::uint8_t> mask = random_mask(6000, 4000, 1), black(6000, 4000);
   const double pixels = 24e6;
-  EXPECT_EQ(nuqi::mean(row), 200);
-  EXPECT_EQ(nuqi::mean(row, Mask(mask)), 200);
-  EXPECT_EQ(nuqi::mean_std(row).mean, 200);
-  EXPECT_EQ(nuqi::mean_std(row).deviation, 0);
-  EXPECT_EQ(nuqi::mean_std(row, Mask(mask)).deviation, 0);
-  EXPECT_EQ(nuqi::norm_l1(row), 200 * pixels);
-  EXPECT_EQ(nuqi::norm_l1(row, Mask(row)), 200 * pixels);
-  EXPECT_EQ(nuqi::norm_l2(row, Mask(row)), std::sqrt(40000 * pixels));
-  const Image<std::uint8_t> black(6000, 4000);
-  EXPECT_EQ(nuqi::norm_diff_l1(row, black), 200 * pixels);
-  EXPECT_EQ(nuqi::norm_rel_l1(black, row, Mask(row)), 1);
-  EXPECT_EQ(nuqi::norm_rel_l2(black, row, Mask(row)), 1);
-  EXPECT_EQ(nuqi::histogram(row, {0, 200, 201, 256}), (std::vector<std::int64_t>{0, 24000000, 0}));
+  EXPECT_EQ(nuqi::mean(white), 200);
+  EXPECT_EQ(nuqi::mean(white, Mask(mask)), 200);
+  EXPECT_EQ(nuqi::mean_std(white).mean, 200);
+  EXPECT_EQ(nuqi::mean_std(white).deviation, 0);
+  EXPECT_EQ(nuqi::mean_std(white, Mask(mask)).deviation, 0);
+  EXPECT_EQ(nuqi::norm_l1(white), 200 * pixels);
+  EXPECT_EQ(nuqi::norm_l1(white, Mask(white)), 200 * pixels);
+  EXPECT_EQ(nuqi::norm_l2(white, Mask(white)), std::sqrt(40000 * pixels));
+  EXPECT_EQ(nuqi::norm_diff_l1(white, black), 200 * pixels);
+  EXPECT_EQ(nuqi::norm_rel_l1(black, white, Mask(white)), 1);
+  EXPECT_EQ(nuqi::norm_rel_l2(black, white, Mask(white)), 1);
+  EXPECT_EQ(nuqi::norm_l1(black, Mask(white)), 0);
+  EXPECT_EQ(nuqi::histogram(white, {0, 200, 201, 256}),
+            (std::vector<std::int64_t>{0, 24000000, 0}));
+  expect_throws(StatusBadSize, {[&] { (void)nuqi::norm_l1(white, Mask(black)); },
+                                [&] { (void)nuqi::mean(white, Mask(black)); }});
 }
 
 TEST(Statistics, ConstantBytesDoNotDeviate) {
   int nans = 0;
   for (int pixels = 1; pixels < 200; ++pixels) {
-    for (int value : {1, 77, 200, 255}) {
-      Image<std::uint8_t> image(pixels, 1);
-      std::memset(image.row(0), value, static_cast<std::size_t>(pixels));
+    for (const int value : {1, 77, 200, 255}) {
+      const auto image = image_of<std::uint8_t>(pixels, 1, [&](int, int) { return value; });
       const nuqi::MeanStd found = nuqi::mean_std(image);
       EXPECT_EQ(found.mean, value);
       EXPECT_EQ(found.deviation, 0) << pixels << " of " << value;
+      EXPECT_EQ(nuqi::mean(image), value);
       EXPECT_EQ(nuqi::mean_std(image, Mask(image)).deviation, 0);
-      double mean = 0;
-      double deviation = 0;
-      EXPECT_EQ(nuqiMean_StdDev_8u_C1R(image.data(), pixels, {pixels, 1}, &mean, &deviation),
-                StatusOk);
-      nans += std::isnan(deviation) ? 1 : 0;
+      nuqi::MeanStd by_c{};
+      EXPECT_EQ(
+          nuqiMean_StdDev_8u_C1R(image.data(), pixels, {pixels, 1}, &by_c.mean, &by_c.deviation),
+          StatusOk);
+      nans += std::isnan(by_c.deviation) ? 1 : 0;
     }
   }
   EXPECT_GT(nans, 0) << "the C function's oddity, which this is about";
@@ -142,29 +137,22 @@ TEST(Statistics, ConstantBytesDoNotDeviate) {
 TEST(Statistics, OfFloats) {
   const Image<float> image = random_image<float>(301, 40, 1);
   const Image<std::uint8_t> mask = random_mask(301, 40, 2);
-  long double sum = 0;
-  long double squares = 0;
-  long double count = 0;
-  for (int y = 0; y < 40; ++y) {
-    for (int x = 0; x < 301; ++x) {
-      if (mask(x, y) == 0) continue;
-      const long double value = image(x, y);
-      sum += value;
-      squares += value * value;
-      ++count;
-    }
-  }
-  const auto mean = static_cast<double>(sum / count);
-  const auto deviation =
-      static_cast<double>(std::sqrt(squares / count - sum / count * (sum / count)));
-  EXPECT_NEAR(nuqi::mean(image, Mask(mask)), mean, 1e-11)
+  long double sum = 0, squares = 0, count = 0;
+  each_pixel(image, [&](int x, int y) {
+    if (mask(x, y) == 0) return;
+    const long double value = image(x, y);
+    sum += value;
+    squares += value * value;
+    ++count;
+  });
+  const long double mean = sum / count, variance = squares / count - mean * mean;
+  EXPECT_NEAR(nuqi::mean(image, Mask(mask)), static_cast<double>(mean), 1e-11)
       << "single precision would be off by 1e-6";
-  EXPECT_NEAR(nuqi::mean_std(image, Mask(mask)).deviation, deviation, 1e-10);
+  EXPECT_NEAR(nuqi::mean_std(image, Mask(mask)).deviation, static_cast<double>(std::sqrt(variance)),
+              1e-10);
   EXPECT_NEAR(nuqi::norm_l2(image, Mask(mask)), static_cast<double>(std::sqrt(squares)), 1e-2);
-
   for (int pixels = 1; pixels < 300; ++pixels) {
-    Image<float> constant(pixels, 1);
-    for (int x = 0; x < pixels; ++x) constant(x, 0) = 0.1F;
+    const auto constant = image_of<float>(pixels, 1, [](int, int) { return 0.1F; });
     const double found = nuqi::mean_std(constant).deviation;
     EXPECT_GE(found, 0) << "no NaN";
     EXPECT_LT(found, 1e-8);
@@ -172,48 +160,36 @@ TEST(Statistics, OfFloats) {
   Image<float> nan(3, 3);
   nan(1, 1) = std::numeric_limits<float>::quiet_NaN();
   EXPECT_TRUE(std::isnan(nuqi::mean_std(nan).deviation));
-}
-
-TEST(Statistics, MasksOfFloatsAreCountedInDoublePrecision) {
   // A million of ones after 2^24: a single-precision sum would stand still.
-  Image<float> image(1000, 1001);
-  for (int y = 0; y < 1001; ++y)
-    for (int x = 0; x < 1000; ++x) image(x, y) = y == 0 ? 16777216.0F : 1.0F;
-  Image<std::uint8_t> mask(1000, 1001);
-  for (int y = 0; y < 1001; ++y) std::memset(mask.row(y), 1, 1000);
-  EXPECT_DOUBLE_EQ(nuqi::mean(image, Mask(mask)), (16777216000.0 + 1e6) / 1001000);
+  const auto steep = image_of<float>(1000, 1001, [](int, int y) { return y == 0 ? 16777216 : 1; });
+  const auto all = image_of<std::uint8_t>(1000, 1001, [](int, int) { return 1; });
+  EXPECT_DOUBLE_EQ(nuqi::mean(steep, Mask(all)), (16777216000.0 + 1e6) / 1001000);
 }
 
 TEST(Statistics, RefuseWhatHoldsNothing) {
-  const Image<std::uint8_t> image(9, 9);
+  const Image<std::uint8_t> image(9, 9), unselected(9, 9), empty;
   const Image<float> floats(9, 9);
   const Image<std::uint8_t, 3> three(9, 9);
-  const Image<std::uint8_t> unselected(9, 9);
   const Mask none(unselected);
-  const Image<std::uint8_t> empty;
-  const auto expect_refused = [](const std::function<void()>& call) {
-    EXPECT_EQ(status_of(call), StatusBadSize);
-  };
-  expect_refused([&] { (void)nuqi::mean(empty); });
-  expect_refused([&] { (void)nuqi::mean_std(empty); });
-  expect_refused([&] { (void)nuqi::norm_l1(empty); });
-  expect_refused([&] { (void)nuqi::min_max(empty); });
-  expect_refused([&] { (void)nuqi::histogram(empty); });
-  expect_refused([&] { (void)nuqi::mean(image, none); });
-  expect_refused([&] { (void)nuqi::mean(floats, none); });
-  expect_refused([&] { (void)nuqi::mean_std(image, none); });
-  expect_refused([&] { (void)nuqi::mean_std(floats, none); });
-  expect_refused([&] { (void)nuqi::norm_diff_inf(image, image, none); });
-  expect_refused([&] { (void)nuqi::norm_rel_l2(three, three, none, 1); });
-  expect_refused([&] { (void)nuqi::min_max(image, none); });
+  expect_throws(
+      StatusBadSize,
+      {[&] { (void)nuqi::mean(empty); }, [&] { (void)nuqi::mean_std(empty); },
+       [&] { (void)nuqi::norm_l1(empty); }, [&] { (void)nuqi::min_max(empty); },
+       [&] { (void)nuqi::histogram(empty); }, [&] { (void)nuqi::mean(image, none); },
+       [&] { (void)nuqi::mean(floats, none); }, [&] { (void)nuqi::mean_std(image, none); },
+       [&] { (void)nuqi::mean_std(floats, none); },
+       [&] { (void)nuqi::norm_diff_inf(image, image, none); },
+       [&] { (void)nuqi::norm_rel_l2(three, three, none, 1); },
+       [&] { (void)nuqi::min_max(image, none); },
+       [&] { (void)nuqi::norm_diff_l1(image, image.roi(0, 0, 8, 9)); }});
+  expect_throws(StatusBadCoi,
+                {[&] { (void)nuqi::mean(three, 3); }, [&] { (void)nuqi::mean(three, -1); },
+                 [&] { (void)nuqi::mean(three, 1LL << 32); },
+                 [&] { (void)nuqi::norm_l1(three, Mask(image), 3); }});
   // Black images have statistics.
   EXPECT_EQ(nuqi::mean(image), 0);
   EXPECT_EQ(nuqi::norm_l2(image), 0);
   EXPECT_EQ(nuqi::norm_rel_l1(image, image), 0);
-  EXPECT_EQ(status_of([&] { (void)nuqi::mean(three, 3); }), StatusBadCoi);
-  EXPECT_EQ(status_of([&] { (void)nuqi::mean(three, 1LL << 32); }), StatusBadCoi);
-  EXPECT_EQ(status_of([&] { (void)nuqi::norm_diff_l1(image, image.roi(0, 0, 8, 9)); }),
-            StatusBadSize);
 }
 
 TEST(MinMax, FindsTheFirstOfEqualOnes) {
@@ -239,9 +215,7 @@ TEST(MinMax, FindsTheFirstOfEqualOnes) {
 }
 
 TEST(Histogram, LevelsReach256) {
-  Image<std::uint8_t> image(256, 3);
-  for (int x = 0; x < 256; ++x)
-    image(x, 0) = image(x, 1) = image(x, 2) = static_cast<std::uint8_t>(x);
+  const auto image = image_of<std::uint8_t>(256, 3, [](int x, int) { return x; });
   using Counts = std::vector<std::int64_t>;
   EXPECT_EQ(nuqi::histogram(image, {0, 256}), (Counts{768}));
   EXPECT_EQ(nuqi::histogram(image, {10, 256}), (Counts{738}));
@@ -251,35 +225,33 @@ TEST(Histogram, LevelsReach256) {
   EXPECT_EQ(nuqi::histogram(image), Counts(256, 3));
   for (const std::vector<int>& bad :
        {std::vector<int>{}, {7}, {7, 7}, {9, 7}, {0, 257}, {-1, 5}, {0, 256, 256}})
-    EXPECT_EQ(status_of([&] { (void)nuqi::histogram(image, bad); }), StatusBadArg);
+    expect_throws(StatusBadArg, {[&] { (void)nuqi::histogram(image, bad); }});
 }
 
 TEST(Histogram, OfTwoChannels) {
   const Image<std::uint8_t, 2> image = random_image<std::uint8_t, 2>(70, 30, 1);
-  const std::vector<int> first = {0, 100, 256};
-  const std::vector<int> second = {5, 50, 60, 200};
+  const std::vector<int> first = {0, 100, 256}, second = {5, 50, 60, 200};
   const nuqi::JointHistogram found = nuqi::joint_histogram(image, first, second);
   ASSERT_EQ(found.columns, 2);
   ASSERT_EQ(found.rows, 3);
   std::vector<std::int64_t> expected(6);
-  for (int y = 0; y < 30; ++y)
-    for (int x = 0; x < 70; ++x)
-      for (std::size_t i = 0; i < 2; ++i)
-        for (std::size_t j = 0; j < 3; ++j)
-          if (image(x, y) >= first[i] && image(x, y) < first[i + 1] &&
-              image(x, y, 1) >= second[j] && image(x, y, 1) < second[j + 1])
-            ++expected[j * 2 + i];
+  const auto lies = [](int value, const std::vector<int>& levels, std::size_t bin) {
+    return value >= levels[bin] && value < levels[bin + 1];
+  };
+  each_pixel(image, [&](int x, int y) {
+    for (std::size_t i = 0; i < 6; ++i)
+      if (lies(image(x, y), first, i % 2) && lies(image(x, y, 1), second, i / 2)) ++expected[i];
+  });
   EXPECT_EQ(found.counts, expected);
   EXPECT_EQ(found(1, 2), expected[5]);
 }
 
 TEST(Histogram, WithoutPixelsDividesNothing) {
-  const std::int32_t zeros[3] = {};
-  const std::int32_t some[3] = {0, 1, 0};
-  EXPECT_EQ(status_of([&] { nuqi::check_histogram(some, 3); }), StatusOk);
-  EXPECT_EQ(status_of([&] { nuqi::check_histogram(zeros, 3); }), StatusDivByZero);
-  EXPECT_EQ(status_of([&] { nuqi::check_histogram(some, 0); }), StatusBadSize);
-  EXPECT_EQ(status_of([&] { nuqi::check_histogram(some, 1LL << 40); }), StatusBadSize);
+  const std::int32_t zeros[3] = {}, some[3] = {0, 1, 0};
+  nuqi::check_histogram(some, 3);
+  expect_throws(StatusDivByZero, {[&] { nuqi::check_histogram(zeros, 3); }});
+  expect_throws(StatusBadSize, {[&] { nuqi::check_histogram(some, 0); },
+                                [&] { nuqi::check_histogram(some, 1LL << 40); }});
 }
 
 }  // namespace

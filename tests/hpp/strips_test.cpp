@@ -1,7 +1,4 @@
 // Filters and morphology: whole images and strips of them, against the C functions.
-#include <gtest/gtest.h>
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <vector>
@@ -14,44 +11,20 @@ using nuqi::Element;
 using nuqi::Extremum;
 using nuqi::Image;
 using nuqi::View;
-using nuqi::test::equal;
-using nuqi::test::random_image;
-using nuqi::test::roi_of;
-using nuqi::test::status_of;
-using nuqi::test::step;
+using namespace nuqi::test;
 
 // One call of a C function with a state of its own, made for the very width.
-template <class T, class D, class State, class Call, class Make>
-Image<D> by_c(const Image<T>& src, const Call& call, const Make& make) {
+template <class D, class State, class T, class Call, class Make>
+Image<D> by_state(const Image<T>& src, const Call& call, const Make& make) {
   State* state = nullptr;
   EXPECT_EQ(make(roi_of(src).width, &state), StatusOk);
   Image<D> dst(src.width(), src.height());
   RoiSize roi = roi_of(src);
-  EXPECT_EQ(call(src.data(), step(src.step()), dst.data(), step(dst.step()), &roi, state, 0),
-            StatusOk);
+  EXPECT_EQ(call(src.data(), step(src), dst.data(), step(dst), &roi, state, 0), StatusOk);
   return dst;
 }
 
 constexpr std::int32_t kBytes = 1, kFloats = 9;
-
-Image<std::int16_t> sobel_by_c(const Image<std::uint8_t>& src, int x, int y, int size) {
-  return by_c<std::uint8_t, std::int16_t, ConvolState>(
-      src, nuqiSobel_8u16s_C1R, [&](std::int32_t width, ConvolState** state) {
-        return nuqiSobelInitAlloc(width, kBytes, size, 0, x, y, state);
-      });
-}
-template <class T, class D, class Call>
-Image<D> laplace_by_c(const Image<T>& src, int size, std::int32_t type, const Call& call) {
-  return by_c<T, D, ConvolState>(src, call, [&](std::int32_t width, ConvolState** state) {
-    return nuqiLaplaceInitAlloc(width, type, size, state);
-  });
-}
-template <class T, class D, class Call>
-Image<D> box_by_c(const Image<T>& src, int size, std::int32_t type, const Call& call) {
-  return by_c<T, D, ConvolState>(src, call, [&](std::int32_t width, ConvolState** state) {
-    return nuqiBlurInitAlloc(width, type, size, state);
-  });
-}
 
 // One object serves widths and types in any order.
 TEST(Strips, FiltersGiveWhatCGives) {
@@ -59,33 +32,36 @@ TEST(Strips, FiltersGiveWhatCGives) {
     nuqi::BoxSum box(size);
     nuqi::Sobel sobel(1, size - 2, size);
     nuqi::Laplace laplace(size);
+    const auto expect = [](auto& filter, const auto& src, auto* function, const auto& make) {
+      using D = std::conditional_t<std::is_same_v<std::decay_t<decltype(src(0, 0))>, float>, float,
+                                   std::int16_t>;
+      Image<D> dst(src.width(), src.height());
+      filter(src, dst);
+      EXPECT_TRUE(equal(dst, (by_state<D, ConvolState>(src, function, make))));
+    };
+    const auto box_state = [=](std::int32_t type) {
+      return [=](std::int32_t width, ConvolState** state) {
+        return nuqiBlurInitAlloc(width, type, size, state);
+      };
+    };
+    const auto laplace_state = [=](std::int32_t type) {
+      return [=](std::int32_t width, ConvolState** state) {
+        return nuqiLaplaceInitAlloc(width, type, size, state);
+      };
+    };
+    const auto sobel_state = [=](std::int32_t width, ConvolState** state) {
+      return nuqiSobelInitAlloc(width, kBytes, size, 0, 1, size - 2, state);
+    };
     for (const int width : {40, 1, 64, 65, 7, 300}) {
       const auto bytes = random_image<std::uint8_t>(width, 11);
       const auto chars = random_image<std::int8_t>(width, 9);
       const auto floats = random_image<float>(width, 10);
-      Image<std::int16_t> of_bytes(width, 11), of_chars(width, 9);
-      Image<float> of_floats(width, 10);
-
-      box(bytes, of_bytes);
-      EXPECT_TRUE(equal(of_bytes, (box_by_c<std::uint8_t, std::int16_t>(bytes, size, kBytes,
-                                                                        nuqiBlur_8u16s_C1R))));
-      box(chars, of_chars);
-      EXPECT_TRUE(equal(of_chars, (box_by_c<std::int8_t, std::int16_t>(chars, size, kBytes,
-                                                                       nuqiBlur_8s16s_C1R))));
-      box(floats, of_floats);
-      EXPECT_TRUE(
-          equal(of_floats, (box_by_c<float, float>(floats, size, kFloats, nuqiBlur_32f_C1R))));
-
-      sobel(floats, of_floats);
-      sobel(bytes, of_bytes);
-      EXPECT_TRUE(equal(of_bytes, sobel_by_c(bytes, 1, size - 2, size)));
-
-      laplace(bytes, of_bytes);
-      EXPECT_TRUE(equal(of_bytes, (laplace_by_c<std::uint8_t, std::int16_t>(
-                                      bytes, size, kBytes, nuqiLaplace_8u16s_C1R))));
-      laplace(floats, of_floats);
-      EXPECT_TRUE(equal(of_floats,
-                        (laplace_by_c<float, float>(floats, size, kFloats, nuqiLaplace_32f_C1R))));
+      expect(box, bytes, nuqiBlur_8u16s_C1R, box_state(kBytes));
+      expect(box, chars, nuqiBlur_8s16s_C1R, box_state(kBytes));
+      expect(box, floats, nuqiBlur_32f_C1R, box_state(kFloats));
+      expect(sobel, bytes, nuqiSobel_8u16s_C1R, sobel_state);
+      expect(laplace, bytes, nuqiLaplace_8u16s_C1R, laplace_state(kBytes));
+      expect(laplace, floats, nuqiLaplace_32f_C1R, laplace_state(kFloats));
     }
   }
 }
@@ -171,96 +147,83 @@ TEST(Strips, MorphologyGivesTheSameInStrips) {
 }
 
 TEST(Strips, RefuseWhatDoesNotFit) {
-  const auto src = random_image<std::uint8_t>(20, 10);
-  const auto narrow = random_image<std::uint8_t>(19, 10);
+  const auto src = random_image<std::uint8_t>(20, 10), narrow = random_image<std::uint8_t>(19, 10);
   Image<std::int16_t> dst(20, 10), low(20, 5);
   Image<float> floats(20, 10);
   nuqi::Sobel sobel(1, 0);
-  EXPECT_EQ(status_of([&] { sobel.feed(src, dst); }), StatusBadArg);  // begin() is missing
-  sobel.begin();
-  EXPECT_EQ(status_of([&] { sobel.finish(dst); }), StatusBadArg);  // no strip
-  EXPECT_EQ(status_of([&] { sobel.feed(src, low); }), StatusBadSize);
+  expect_throws(StatusBadArg, {[&] { sobel.feed(src, dst); },                // begin() is missing
+                               [&] { sobel.begin(), sobel.finish(dst); }});  // no strip
+  expect_throws(StatusBadSize, {[&] { sobel.feed(src, low); }});
   EXPECT_EQ(sobel.feed(src, dst), 9);
-  EXPECT_EQ(status_of([&] { sobel.feed(narrow, dst); }), StatusBadSize);
-  EXPECT_EQ(status_of([&] { sobel.feed(floats, floats); }), StatusBadSize);  // other elements
+  expect_throws(StatusBadSize,
+                {[&] { sobel.feed(narrow, dst); }, [&] { sobel.feed(floats, floats); }});
   EXPECT_EQ(sobel.feed(src, dst), 10);  // refused strips change nothing
-  EXPECT_EQ(status_of([&] { sobel.finish(low.roi(0, 0, 19, 5)); }), StatusBadSize);
-  EXPECT_EQ(status_of([&] { sobel.finish(floats); }), StatusBadSize);
+  expect_throws(StatusBadSize,
+                {[&] { sobel.finish(low.roi(0, 0, 19, 5)); }, [&] { sobel.finish(floats); }});
   EXPECT_EQ(sobel.finish(dst), 1);
-  EXPECT_EQ(status_of([&] { sobel.finish(dst); }), StatusBadArg);
+  expect_throws(StatusBadArg, {[&] { sobel.finish(dst); }});
 
-  EXPECT_EQ(sobel(src, low, std::nothrow), StatusBadSize);
-  EXPECT_EQ(nuqi::box_sum(floats, floats, 3, std::nothrow), StatusBadArg);
-  EXPECT_EQ(nuqi::box_sum(src, dst, 4, std::nothrow), StatusBadSize);
-  EXPECT_EQ(nuqi::sobel(src, dst, 3, 0, 3, std::nothrow), StatusBadSize);
-  EXPECT_EQ(nuqi::laplace(Image<std::uint8_t>(), dst, 3, std::nothrow), StatusBadSize);
   Image<std::uint8_t> same_type(20, 10);
-  EXPECT_EQ(nuqi::erode(src, same_type, Element::cross(3, 3), std::nothrow), StatusOk);
   nuqi::Morphology square(Element::rectangle(3, 3));
-  square.erode(src, same_type);
-  EXPECT_EQ(square.erode(same_type, same_type, std::nothrow), StatusBadArg);
-  EXPECT_EQ(nuqi::dilate(same_type, same_type, Element::cross(3, 3), std::nothrow), StatusBadArg);
+  EXPECT_EQ(square.erode(src, same_type, std::nothrow), StatusOk);
   square.begin(Extremum::least);
-  EXPECT_EQ(status_of([&] { square.feed(same_type, same_type); }), StatusBadArg);
+  for (const StatusCode status :
+       {sobel(src, low, std::nothrow), nuqi::box_sum(src, dst, 4, std::nothrow),
+        nuqi::sobel(src, dst, 3, 0, 3, std::nothrow),
+        nuqi::laplace(Image<std::uint8_t>(), dst, 3, std::nothrow)})
+    EXPECT_EQ(status, StatusBadSize);
+  for (const StatusCode status :
+       {nuqi::box_sum(floats, floats, 3, std::nothrow),
+        status_of([&] { square.feed(same_type, same_type); }),
+        square.erode(same_type, same_type, std::nothrow),
+        nuqi::dilate(same_type, same_type, Element::cross(3, 3), std::nothrow)})
+    EXPECT_EQ(status, StatusBadArg);
 }
 
 // Rows further apart than 2^31 bytes: C takes them one by one only.
 TEST(Strips, RowsMayLieFarApart) {
-  if (sizeof(void*) < 8) GTEST_SKIP() << "not enough addresses";
-  constexpr auto kApart = static_cast<std::ptrdiff_t>((std::int64_t{1} << 31) + 4096);
-  constexpr std::int64_t kRows = 9;
-  const auto room = static_cast<std::size_t>(2 * kRows * kApart);
-  void* const memory = mmap(nullptr, room, PROT_READ | PROT_WRITE,
-                            MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  if (memory == MAP_FAILED) GTEST_SKIP() << "not enough addresses";
-  auto* const bytes = static_cast<unsigned char*>(memory);
+  constexpr std::int64_t kApart = (std::int64_t{1} << 31) + 4096, kRows = 9;
+  const Reserved from(kRows * kApart), to(kRows * kApart);
+  if (!from.usable() || !to.usable()) GTEST_SKIP() << "not enough addresses";
   for (const std::int64_t rows : {std::int64_t{2}, kRows}) {
-    const View<std::uint8_t> src(bytes, 30, rows, kApart);
+    const auto src = from.rows<std::uint8_t>(30, rows, kApart);
     const auto tight = random_image<std::uint8_t>(30, rows);
     for (std::int64_t y = 0; y < rows; ++y) std::copy_n(tight.row(y), 30, src.row(y));
-    const View<std::int16_t> dst(reinterpret_cast<std::int16_t*>(bytes + kRows * kApart), 30, rows,
-                                 kApart);
+    const auto slopes = to.rows<std::int16_t>(30, rows, kApart);
     Image<std::int16_t> expected(30, rows);
     nuqi::laplace(tight, expected, 7);
-    nuqi::laplace(src, dst, 7);
-    EXPECT_TRUE(equal(dst, expected));
+    nuqi::laplace(src, slopes, 7);
+    EXPECT_TRUE(equal(slopes, expected));
 
-    const View<std::uint8_t> eroded(bytes + kRows * kApart, 30, rows, kApart);
+    const auto eroded = to.rows<std::uint8_t>(30, rows, kApart);
     Image<std::uint8_t> expected_eroded(30, rows);
     nuqi::erode(tight, expected_eroded, Element::ellipse(3, 7));
     nuqi::erode(src, eroded, Element::ellipse(3, 7));
     EXPECT_TRUE(equal(eroded, expected_eroded));
   }
-  munmap(memory, room);
 }
 
 TEST(Morphology, ShapesGiveWhatCGives) {
   const auto src = random_image<float>(37, 20);
   const std::vector<std::int32_t> mask = {1, 0, 0, 0, 1, 1};
-  const View<const std::int32_t> pixels(mask.data(), 3, 2);
-  const Image<std::uint8_t> bytes = [&] {
-    Image<std::uint8_t> image(3, 2);
-    for (int i = 0; i < 6; ++i)
-      image(i % 3, i / 3) = static_cast<std::uint8_t>(3 * pixels(i % 3, i / 3));
-    return image;
-  }();
-  const auto expect = [&](const Element& element, std::int32_t shape, const auto& eroded,
-                          const auto& dilated) {
+  const auto pixels = image_of<std::uint8_t>(
+      3, 2, [&](int x, int y) { return 3 * mask[static_cast<std::size_t>(3 * y + x)]; });
+  const auto expect = [&](const Element& element, std::int32_t shape, auto* erode, auto* dilate) {
     const auto make = [&](std::int32_t width, MorphState** state) {
       return nuqiMorphologyInitAlloc(width, kFloats, 1, element.size(), element.anchor(), shape,
                                      mask.data(), state);
     };
     Image<float> dst(37, 20);
     nuqi::erode(src, dst, element);
-    EXPECT_TRUE(equal(dst, (by_c<float, float, MorphState>(src, eroded, make))));
+    EXPECT_TRUE(equal(dst, (by_state<float, MorphState>(src, erode, make))));
     nuqi::dilate(src, dst, element);
-    EXPECT_TRUE(equal(dst, (by_c<float, float, MorphState>(src, dilated, make))));
+    EXPECT_TRUE(equal(dst, (by_state<float, MorphState>(src, dilate, make))));
   };
   expect(Element::rectangle(4, 3).anchored(0, 2), 0, nuqiErodeStrip_Rect_32f_C1R,
          nuqiDilateStrip_Rect_32f_C1R);
   expect(Element::cross(4, 3).anchored(0, 2), 1, nuqiErodeStrip_Cross_32f_C1R,
          nuqiDilateStrip_Cross_32f_C1R);
-  expect(Element::arbitrary(bytes).anchored(2, 1), 100, nuqiErodeStrip_32f_C1R,
+  expect(Element::arbitrary(pixels).anchored(2, 1), 100, nuqiErodeStrip_32f_C1R,
          nuqiDilateStrip_32f_C1R);
 }
 
@@ -269,10 +232,10 @@ TEST(Morphology, TakesFourChannels) {
   const auto src = random_image<std::uint8_t, 4>(9, 8);
   Image<std::uint8_t, 4> dst(9, 8);
   nuqi::dilate(src, dst, Element::rectangle(2, 1).anchored(0, 0));
-  for (int y = 0; y < 8; ++y)
-    for (int x = 0; x < 9; ++x)
-      for (int c = 0; c < 4; ++c)
-        EXPECT_EQ(dst(x, y, c), std::max(src(x, y, c), src(std::min(x + 1, 8), y, c)));
+  each_pixel(src, [&](int x, int y) {
+    for (int c = 0; c < 4; ++c)
+      EXPECT_EQ(dst(x, y, c), std::max(src(x, y, c), src(std::min(x + 1, 8), y, c)));
+  });
 }
 
 TEST(Morphology, EllipsesAreFilledAndSymmetric) {
@@ -321,18 +284,16 @@ TEST(Morphology, OpeningsAreIdempotent) {
 }
 
 TEST(Morphology, ElementsAreRefused) {
-  EXPECT_EQ(status_of([] { (void)Element::rectangle(0, 3); }), StatusBadSize);
-  EXPECT_EQ(status_of([] { (void)Element::ellipse(3, 5000); }), StatusBadSize);
-  EXPECT_EQ(status_of([] { (void)Element::cross(3, 3).anchored(3, 0); }), StatusBadArg);
-  EXPECT_EQ(status_of([] { (void)Element::arbitrary(Image<std::uint8_t>(3, 3)); }), StatusBadArg);
-  EXPECT_EQ(status_of([] { (void)Element::arbitrary(Image<std::uint8_t>()); }), StatusBadSize);
+  expect_throws(StatusBadSize,
+                {[] { (void)Element::rectangle(0, 3); }, [] { (void)Element::ellipse(3, 5000); },
+                 [] { (void)Element::arbitrary(Image<std::uint8_t>()); }});
+  expect_throws(StatusBadArg, {[] { (void)Element::cross(3, 3).anchored(3, 0); },
+                               [] { (void)Element::arbitrary(Image<std::uint8_t>(3, 3)); }});
 }
 
 TEST(Morphology, SimplifiedElementsHaveTheSamePixels) {
-  Image<std::uint8_t> full(3, 2), cross(3, 2);
-  for (int i = 0; i < 6; ++i) full(i % 3, i / 3) = 1;
-  for (int x = 0; x < 3; ++x) cross(x, 0) = 1;
-  cross(2, 1) = 1;
+  const auto full = image_of<std::uint8_t>(3, 2, [](int, int) { return 1; });
+  const auto cross = image_of<std::uint8_t>(3, 2, [](int x, int y) { return y == 0 || x == 2; });
   EXPECT_EQ(Element::arbitrary(full).simplified().shape(), 0);
   EXPECT_EQ(Element::arbitrary(cross).anchored(2, 0).simplified().shape(), 1);
   EXPECT_EQ(Element::arbitrary(cross).anchored(1, 0).simplified().shape(), 100);

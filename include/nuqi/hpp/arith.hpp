@@ -43,9 +43,22 @@ inline constexpr auto kAddWeightedMasked = overloads(
 /// Acc is the caller's argument, so that temporary images are told from others.
 template <class Acc, class Call, class... Inputs>
 [[gnu::always_inline]] inline Outcome accumulate(Call call, std::remove_reference_t<Acc>& acc,
-                                                 Inputs... inputs) noexcept {
+                                                 const Inputs&... inputs) noexcept {
   expect_output<float, 1, Acc>();
-  return write_apart(call, as_output<Acc>(acc), inputs...);
+  return write<Where::apart, Acc>(call, acc, inputs...);
+}
+
+template <class NotAMask, class Acc>
+using IfNoMask =
+    std::enable_if_t<!std::is_same_v<NotAMask, Mask> && !std::is_arithmetic_v<std::decay_t<Acc>> &&
+                         !std::is_same_v<std::decay_t<Acc>, std::nothrow_t>,
+                     StatusCode>;
+/// What is called with an image in the place of a mask: a sentence for the compiler to say.
+template <class NotAMask>
+constexpr StatusCode expect_mask() noexcept {
+  static_assert(std::is_same_v<NotAMask, Mask>,
+                "nuqi: an image stands where a mask belongs: nuqi::Mask(image) makes it one");
+  return StatusBadArg;
 }
 
 }  // namespace detail
@@ -56,81 +69,87 @@ template <class Acc, class Call, class... Inputs>
 /// means, variances and covariances of frames are made of.
 template <class Src, class Acc>
 void accumulate(const Src& src, Acc&& acc) {
-  detail::require(detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAdd)), acc,
-                                          detail::as_input(src)),
-                  "accumulate", src, acc);
+  detail::require(
+      detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAdd)), acc, src),
+      "accumulate", src, acc);
 }
 template <class Src, class Acc>
 [[nodiscard]] StatusCode accumulate(const Src& src, Acc&& acc, std::nothrow_t /*tag*/) noexcept {
-  return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAdd)), acc,
-                                 detail::as_input(src))
+  return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAdd)), acc, src)
       .status;
 }
 template <class Src, class Acc>
 void accumulate(const Src& src, const Mask& mask, Acc&& acc) {
   detail::require(detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddMasked)),
-                                          acc, detail::as_input(src), mask.view()),
+                                          acc, src, mask),
                   "accumulate", src, mask, acc);
 }
 template <class Src, class Acc>
 [[nodiscard]] StatusCode accumulate(const Src& src, const Mask& mask, Acc&& acc,
                                     std::nothrow_t /*tag*/) noexcept {
-  return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddMasked)), acc,
-                                 detail::as_input(src), mask.view())
+  return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddMasked)), acc, src,
+                                 mask)
       .status;
+}
+template <class Src, class NotAMask, class Acc, class... More>
+detail::IfNoMask<NotAMask, Acc> accumulate(const Src&, const NotAMask&, Acc&&, const More&...) {
+  return detail::expect_mask<NotAMask>();
 }
 
 /// acc += src * src. As accumulate().
 template <class Src, class Acc>
 void accumulate_square(const Src& src, Acc&& acc) {
-  detail::require(detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddSquare)),
-                                          acc, detail::as_input(src)),
-                  "accumulate_square", src, acc);
+  detail::require(
+      detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddSquare)), acc, src),
+      "accumulate_square", src, acc);
 }
 template <class Src, class Acc>
 [[nodiscard]] StatusCode accumulate_square(const Src& src, Acc&& acc,
                                            std::nothrow_t /*tag*/) noexcept {
-  return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddSquare)), acc,
-                                 detail::as_input(src))
+  return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddSquare)), acc, src)
       .status;
 }
 template <class Src, class Acc>
 void accumulate_square(const Src& src, const Mask& mask, Acc&& acc) {
   detail::require(
       detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddSquareMasked)), acc,
-                              detail::as_input(src), mask.view()),
+                              src, mask),
       "accumulate_square", src, mask, acc);
 }
 template <class Src, class Acc>
 [[nodiscard]] StatusCode accumulate_square(const Src& src, const Mask& mask, Acc&& acc,
                                            std::nothrow_t /*tag*/) noexcept {
   return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddSquareMasked)), acc,
-                                 detail::as_input(src), mask.view())
+                                 src, mask)
       .status;
+}
+template <class Src, class NotAMask, class Acc, class... More>
+detail::IfNoMask<NotAMask, Acc> accumulate_square(const Src&, const NotAMask&, Acc&&,
+                                                  const More&...) {
+  return detail::expect_mask<NotAMask>();
 }
 
 /// acc += a * b, of two images of one type. As accumulate().
 template <class A, class B, class Acc>
 void accumulate_product(const A& a, const B& b, Acc&& acc) {
   detail::expect_alike<const A, const B>();
-  detail::require(detail::accumulate<Acc>(detail::flat(detail::find_for<A>(detail::kAddProduct)),
-                                          acc, detail::as_input(a), detail::as_input(b)),
-                  "accumulate_product", a, b, acc);
+  detail::require(
+      detail::accumulate<Acc>(detail::flat(detail::find_for<A>(detail::kAddProduct)), acc, a, b),
+      "accumulate_product", a, b, acc);
 }
 template <class A, class B, class Acc>
 [[nodiscard]] StatusCode accumulate_product(const A& a, const B& b, Acc&& acc,
                                             std::nothrow_t /*tag*/) noexcept {
   detail::expect_alike<const A, const B>();
-  return detail::accumulate<Acc>(detail::flat(detail::find_for<A>(detail::kAddProduct)), acc,
-                                 detail::as_input(a), detail::as_input(b))
+  return detail::accumulate<Acc>(detail::flat(detail::find_for<A>(detail::kAddProduct)), acc, a, b)
       .status;
 }
 template <class A, class B, class Acc>
 void accumulate_product(const A& a, const B& b, const Mask& mask, Acc&& acc) {
   detail::expect_alike<const A, const B>();
   detail::require(
-      detail::accumulate<Acc>(detail::flat(detail::find_for<A>(detail::kAddProductMasked)), acc,
-                              detail::as_input(a), detail::as_input(b), mask.view()),
+      detail::accumulate<Acc>(detail::flat(detail::find_for<A>(detail::kAddProductMasked)), acc, a,
+                              b, mask),
       "accumulate_product", a, b, mask, acc);
 }
 template <class A, class B, class Acc>
@@ -138,40 +157,48 @@ template <class A, class B, class Acc>
                                             std::nothrow_t /*tag*/) noexcept {
   detail::expect_alike<const A, const B>();
   return detail::accumulate<Acc>(detail::flat(detail::find_for<A>(detail::kAddProductMasked)), acc,
-                                 detail::as_input(a), detail::as_input(b), mask.view())
+                                 a, b, mask)
       .status;
+}
+template <class A, class B, class NotAMask, class Acc, class... More>
+detail::IfNoMask<NotAMask, Acc> accumulate_product(const A&, const B&, const NotAMask&, Acc&&,
+                                                   const More&...) {
+  return detail::expect_mask<NotAMask>();
 }
 
 /// acc += alpha * (src - acc): a running average that forgets; alpha is any number, mostly from 0 to 1. As
 /// accumulate(); where a mask does not select, alpha is 0, so that an infinite difference becomes NaN there too.
 template <class Src, class Acc>
 void accumulate_weighted(const Src& src, Acc&& acc, float alpha) {
-  detail::require(
-      detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddWeighted), alpha), acc,
-                              detail::as_input(src)),
-      "accumulate_weighted", src, acc, alpha);
+  detail::require(detail::accumulate<Acc>(
+                      detail::flat(detail::find_for<Src>(detail::kAddWeighted), alpha), acc, src),
+                  "accumulate_weighted", src, acc, alpha);
 }
 template <class Src, class Acc>
 [[nodiscard]] StatusCode accumulate_weighted(const Src& src, Acc&& acc, float alpha,
                                              std::nothrow_t /*tag*/) noexcept {
   return detail::accumulate<Acc>(detail::flat(detail::find_for<Src>(detail::kAddWeighted), alpha),
-                                 acc, detail::as_input(src))
+                                 acc, src)
       .status;
 }
 template <class Src, class Acc>
 void accumulate_weighted(const Src& src, const Mask& mask, Acc&& acc, float alpha) {
-  detail::require(detail::accumulate<Acc>(
-                      detail::flat(detail::find_for<Src>(detail::kAddWeightedMasked), alpha), acc,
-                      detail::as_input(src), mask.view()),
-                  "accumulate_weighted", src, mask, acc, alpha);
+  detail::require(
+      detail::accumulate<Acc>(
+          detail::flat(detail::find_for<Src>(detail::kAddWeightedMasked), alpha), acc, src, mask),
+      "accumulate_weighted", src, mask, acc, alpha);
 }
 template <class Src, class Acc>
 [[nodiscard]] StatusCode accumulate_weighted(const Src& src, const Mask& mask, Acc&& acc,
                                              float alpha, std::nothrow_t /*tag*/) noexcept {
   return detail::accumulate<Acc>(
-             detail::flat(detail::find_for<Src>(detail::kAddWeightedMasked), alpha), acc,
-             detail::as_input(src), mask.view())
+             detail::flat(detail::find_for<Src>(detail::kAddWeightedMasked), alpha), acc, src, mask)
       .status;
+}
+template <class Src, class NotAMask, class Acc, class... More>
+detail::IfNoMask<NotAMask, Acc> accumulate_weighted(const Src&, const NotAMask&, Acc&&,
+                                                    const More&...) {
+  return detail::expect_mask<NotAMask>();
 }
 
 // ---- Absolute difference
@@ -199,16 +226,14 @@ template <class Dst, class A, class B>
                                                std::remove_reference_t<Dst>& dst) noexcept {
   if constexpr (!std::is_arithmetic_v<B>) {
     expect_alike<const A, const B, std::remove_reference_t<Dst>>();
-    return write_in_place(flat(find_for<A>(kAbsDiff)), as_output<Dst>(dst), as_input(a),
-                          as_input(b));
+    return write<Where::in_place, Dst>(flat(find_for<A>(kAbsDiff)), dst, a, b);
   } else {
     expect_alike<const A, std::remove_reference_t<Dst>>();
     auto* const function = find_for<A>(kAbsDiffC);
     if constexpr (std::is_same_v<ElementOf<const A>, float>) {
-      return write_in_place(flat(function, static_cast<float>(b)), as_output<Dst>(dst),
-                            as_input(a));
+      return write<Where::in_place, Dst>(flat(function, static_cast<float>(b)), dst, a);
     } else {
-      return write_in_place(flat(function, to_byte(b)), as_output<Dst>(dst), as_input(a));
+      return write<Where::in_place, Dst>(flat(function, to_byte(b)), dst, a);
     }
   }
 }

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <tuple>
+#include <type_traits>
 
 namespace nuqi::detail {
 
@@ -28,13 +29,18 @@ template <class T, int Channels>
 constexpr Part<T> whole(View<T, Channels> view) noexcept {
   return {view.data(), static_cast<std::int32_t>(view.step())};
 }
+/// A size as a number, for a ScratchKey.
+template <class AnyView>
+[[gnu::always_inline]] inline std::uint64_t size_key(AnyView view) noexcept {
+  return static_cast<std::uint64_t>(view.height()) << 32 | static_cast<std::uint32_t>(view.width());
+}
+
 template <class AnyView>
 [[gnu::always_inline]] inline RoiSize roi_of(AnyView view) noexcept {
   RoiSize roi = {static_cast<std::int32_t>(view.width()), static_cast<std::int32_t>(view.height())};
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
   // GCC 12 stores the halves and loads the whole, which waits for both: three nanoseconds a call.
-  const std::uint64_t both =
-      static_cast<std::uint64_t>(view.height()) << 32 | static_cast<std::uint32_t>(view.width());
+  const std::uint64_t both = size_key(view);
   std::memcpy(&roi, &both, sizeof roi);
 #endif
   return roi;
@@ -96,48 +102,103 @@ template <class Call, class First, class... Others>
 /// Bands as large as C takes them.
 inline constexpr std::int64_t kUnlimited = std::numeric_limits<std::int64_t>::max();
 
-/// The common case, told by a few comparisons: one size, not empty, and C can take the views whole.
+// ---- The common case
+
+/// One size, not empty, and C can take the views whole: one comparison.
 template <class First, class... Others>
 [[gnu::always_inline]] inline bool ready(First first, Others... others) noexcept {
+  const std::int64_t width = first.width(), height = first.height();
   const std::int64_t differences =
-      ((first.width() ^ others.width()) | ... | 0) | ((first.height() ^ others.height()) | ... | 0);
-  return differences == 0 && first.width() > 0 && first.height() > 0 && fits(first, others...);
+      ((width ^ others.width()) | ... | 0) | ((height ^ others.height()) | ... | 0);
+  // One less than nothing is negative: no number of 31 bits.
+  const std::int64_t numbers = width | (width - 1) | height | (height - 1) |
+                               std::int64_t{first.step()} | (std::int64_t{others.step()} | ... | 0);
+  return (differences | (numbers >> 31)) == 0;
 }
 
-/// All else: what is wrong is found out, and bands are cut.
-template <class Call, class Output, class... Inputs>
-[[gnu::noinline, gnu::cold]] Outcome write_slowly(bool in_place, Call call, Output out,
-                                                  Inputs... inputs) {
-  if (const Outcome bad = check_sizes(out, inputs...); bad.failed()) return bad;
-  const Outcome bad = in_place ? check_in_place(out, inputs...) : check_apart(out, inputs...);
-  return bad.failed() ? bad : in_bands(kUnlimited, call, inputs..., out);
+/// The view of an input, be it a mask.
+template <class AnyImage>
+[[gnu::always_inline]] inline auto input(const AnyImage& image) noexcept {
+  if constexpr (std::is_same_v<AnyImage, Mask>) {
+    return image.view();
+  } else {
+    return as_input(image);
+  }
 }
 
-/// Runs an operation on single pixels: checks the views, calls call(RoiSize, Part of each input..., Part of out).
-template <class Call, class Output, class... Inputs>
-[[gnu::always_inline]] inline Outcome write_apart(Call call, Output out, Inputs... inputs) {
-  if (ready(out, inputs...) && (far_apart_alike(out, inputs) && ...)) {
-    return call(roi_of(out), whole(inputs)..., whole(out));
-  }
-  return write_slowly(false, call, out, inputs...);
+/// Where an output may lie.
+enum class Where { apart, in_place };
+
+/// Whether it certainly does. The views have one size.
+template <Where kWhere, class Output, class... Inputs>
+[[gnu::always_inline]] inline bool lies(Output out, Inputs... inputs) noexcept {
+  const auto lies_so = [&](auto input) {
+    if (far_apart(out, input)) return true;
+    return kWhere == Where::in_place && static_cast<const void*>(out.data()) == input.data() &&
+           out.step() == input.step();
+  };
+  return (lies_so(inputs) && ...);
 }
-/// The same where the output may be one of the inputs.
-template <class Call, class Output, class... Inputs>
-[[gnu::always_inline]] inline Outcome write_in_place(Call call, Output out, Inputs... inputs) {
-  if (ready(out, inputs...) && ((far_apart_alike(out, inputs) || identical(out, inputs)) && ...)) {
-    return call(roi_of(out), whole(inputs)..., whole(out));
+
+/// All else: regions of one picture, what is wrong, what is cut into bands.
+template <Where kWhere, class Dst, class Call, class... Inputs>
+[[gnu::noinline]] Outcome write_slowly(Call call, std::remove_reference_t<Dst>& dst,
+                                       const Inputs&... inputs) {
+  const auto out = as_output<Dst>(dst);
+  if (ready(out, input(inputs)...) && (side_by_side(out, input(inputs)) && ...)) {
+    return call(roi_of(out), whole(input(inputs))..., whole(out));
   }
-  return write_slowly(true, call, out, inputs...);
+  if (const Outcome bad = check_sizes(out, input(inputs)...); bad.failed()) return bad;
+  const Outcome bad = kWhere == Where::apart ? check_apart(out, input(inputs)...)
+                                             : check_in_place(out, input(inputs)...);
+  return bad.failed() ? bad : in_bands(kUnlimited, call, input(inputs)..., out);
+}
+
+/// Runs an operation on single pixels: checks the images, calls call(RoiSize, Part of each input..., Part of dst).
+/// What is not the common case goes elsewhere, and gets the images as they came: nothing is kept for it here.
+template <Where kWhere, class Dst, class Call, class... Inputs>
+[[gnu::always_inline]] inline Outcome write(Call call, std::remove_reference_t<Dst>& dst,
+                                            const Inputs&... inputs) {
+  const auto out = as_output<Dst>(dst);
+  if (ready(out, input(inputs)...) && lies<kWhere>(out, input(inputs)...)) {
+    return call(roi_of(out), whole(input(inputs))..., whole(out));
+  }
+  return write_slowly<kWhere, Dst>(call, dst, inputs...);
+}
+
+template <class Dst, class... Inputs>
+[[gnu::noinline, gnu::cold]] Outcome check_whole_slowly(std::remove_reference_t<Dst>& dst,
+                                                        const Inputs&... inputs) noexcept {
+  const auto out = as_output<Dst>(dst);
+  if (const Outcome bad = check_sizes(out, input(inputs)...); bad.failed()) return bad;
+  return fits(out, input(inputs)...) ? check_apart(out, input(inputs)...) : kTooLarge;
+}
+/// The checks of an operation that takes images of one size, as a whole only, and writes apart from them.
+template <class Dst, class... Inputs>
+[[gnu::always_inline]] inline Outcome check_whole(std::remove_reference_t<Dst>& dst,
+                                                  const Inputs&... inputs) noexcept {
+  const auto out = as_output<Dst>(dst);
+  if (ready(out, input(inputs)...) && lies<Where::apart>(out, input(inputs)...)) return {};
+  return check_whole_slowly<Dst>(dst, inputs...);
 }
 
 /// Calls a C function with pointer and step of each part, the ROI, and further values: the order of arguments
 /// that most have.
 template <class Function, class... Values>
-auto flat(Function* function, Values... values) noexcept {
-  return [=](RoiSize roi, auto... parts) __attribute__((always_inline)) {
+struct Flat {
+  Function* function;
+  std::tuple<Values...> values;
+
+  template <class... Parts>
+  [[gnu::always_inline]] StatusCode operator()(RoiSize roi, Parts... parts) const noexcept {
     return std::apply(function, std::tuple_cat(std::make_tuple(parts.data, parts.step)...,
-                                               std::make_tuple(roi, values...)));
-  };
+                                               std::make_tuple(roi), values));
+  }
+};
+template <class Function, class... Values>
+[[gnu::always_inline]] inline Flat<Function, Values...> flat(Function* function,
+                                                             Values... values) noexcept {
+  return {function, {values...}};
 }
 
 }  // namespace nuqi::detail

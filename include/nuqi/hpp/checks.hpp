@@ -14,10 +14,17 @@ namespace nuqi::detail {
 
 // ---- Failures
 
+template <class Argument, class = void>
+inline constexpr bool kHasText = false;
+template <class Argument>
+inline constexpr bool kHasText<Argument, std::void_t<decltype(&Argument::text)>> = true;
+
 template <class Argument>
 std::string describe(const Argument& argument) {
   if constexpr (std::is_same_v<Argument, Mask>) {
     return "mask " + argument.view().text();
+  } else if constexpr (kHasText<Argument>) {
+    return argument.text();
   } else if constexpr (std::is_arithmetic_v<Argument>) {
     return std::to_string(argument);
   } else {
@@ -131,23 +138,32 @@ inline bool rows_overlap(Extent a, Extent b) noexcept {
   return false;
 }
 
-/// The first byte behind a view that is not empty, as a number.
+/// At least the bytes from a view's first to its last.
 template <class AnyView>
-[[gnu::always_inline]] inline std::uintptr_t end_of(AnyView view) noexcept {
-  return reinterpret_cast<std::uintptr_t>(view.data()) +
-         static_cast<std::uintptr_t>((view.height() - 1) * view.step() + view.row_bytes());
+[[gnu::always_inline]] inline std::uint64_t reach(AnyView view) noexcept {
+  return static_cast<std::uint64_t>(view.height()) * static_cast<std::uint64_t>(view.step());
 }
-/// Whether one lies wholly before the other: a few instructions, and nearly always so.
+/// Whether one lies wholly before the other, which is nearly always so: the distance from b to a is at least b's
+/// reach and, the other way round the circle of addresses, at least a's.
 template <class A, class B>
 [[gnu::always_inline]] inline bool far_apart(A a, B b) noexcept {
-  return end_of(a) <= reinterpret_cast<std::uintptr_t>(b.data()) ||
-         end_of(b) <= reinterpret_cast<std::uintptr_t>(a.data());
+  const std::uint64_t distance = std::uint64_t{reinterpret_cast<std::uintptr_t>(a.data())} -
+                                 reinterpret_cast<std::uintptr_t>(b.data());
+  return distance - reach(b) <= 0 - (reach(a) + reach(b));
 }
 
-/// The same of two views of one size, which spares half of the arithmetic.
+/// Whether two lie wholly before one another, or side by side in one picture: a whole number of steps aside, their
+/// rows do not meet.
 template <class A, class B>
-[[gnu::always_inline]] inline bool far_apart_alike(A a, B b) noexcept {
-  return far_apart(a, B(B::unchecked, b.data(), a.width(), a.height(), b.step()));
+[[gnu::always_inline]] inline bool side_by_side(A a, B b) noexcept {
+  if (far_apart(a, b)) return true;
+  if (a.step() != b.step()) return false;
+  const std::uint64_t distance = std::uint64_t{reinterpret_cast<std::uintptr_t>(a.data())} -
+                                 reinterpret_cast<std::uintptr_t>(b.data());
+  const auto step = static_cast<std::uint64_t>(a.step());
+  const std::uint64_t aside = (distance + reach(a)) % step;
+  return aside >= static_cast<std::uint64_t>(b.row_bytes()) &&
+         aside + static_cast<std::uint64_t>(a.row_bytes()) <= step;
 }
 
 /// Whether two images, neither empty, share a byte.

@@ -28,26 +28,42 @@ inline constexpr auto kEigenVectors = overloads(fn<std::uint8_t, 1>(nuqiEigenVal
                                                 fn<std::int8_t, 1>(nuqiEigenValsVecs_8s32f_C1R),
                                                 fn<float, 1>(nuqiEigenValsVecs_32f_C1R));
 
-inline constexpr auto* kMinEigenSize = nuqiMinEigenValGetSize;
-inline constexpr auto* kEigenVectorsSize = nuqiEigenValsVecsGetSize;
+struct MinEigen {
+  static constexpr const auto& kTable = kMinEigen;
+  static constexpr auto* kQuery = nuqiMinEigenValGetSize;
+  static constexpr int kChannels = 1;
+};
+struct EigenVectors {
+  static constexpr const auto& kTable = kEigenVectors;
+  static constexpr auto* kQuery = nuqiEigenValsVecsGetSize;
+  static constexpr int kChannels = 6;
+};
 
-template <class SizeQuery, class Function, class Src, class Dst>
-Outcome find_corners(SizeQuery* query, Function* function, Src src, Dst dst, CornerSizes sizes,
-                     Scratch& scratch) noexcept {
-  if (!ready(src, dst) || !far_apart(src, dst)) {
-    if (const Outcome bad = check_sizes(src, dst); bad.failed()) return bad;
-    if (!fits(src, dst)) return kTooLarge;
-    if (const Outcome bad = check_apart(dst, src); bad.failed()) return bad;
-  }
-  std::int32_t bytes = 0;
-  const StatusCode status =
-      query(static_cast<std::int32_t>(src.width()), sizes.aperture, sizes.block, &bytes);
+template <class Detector, class Dst, class Src>
+[[gnu::always_inline]] inline Outcome find_corners(const Src& src,
+                                                   std::remove_reference_t<Dst>& dst,
+                                                   CornerSizes sizes, Scratch& scratch) noexcept {
+  expect_output<float, Detector::kChannels, std::remove_reference_t<Dst>>();
+  if (const Outcome bad = check_whole<Dst>(dst, src); bad.failed()) return bad;
+  const auto in = as_input(src);
+  const std::int32_t aperture = sizes.aperture, block = sizes.block;
+  const auto width = static_cast<std::int32_t>(in.width());
+  const auto query = Detector::kQuery;
+  // The C function tells whether there are such sizes.
+  const std::uint64_t of_sizes =
+      std::uint64_t{static_cast<std::uint32_t>(aperture)} << 32 | static_cast<std::uint32_t>(block);
+  StatusCode status = StatusOk;
+  void* const buffer = scratch.get_for(
+      {reinterpret_cast<void (*)()>(query), static_cast<std::uint64_t>(width), of_sizes}, [&] {
+        std::int32_t bytes = 0;
+        status = query(width, aperture, block, &bytes);
+        return status == StatusOk ? static_cast<std::size_t>(bytes) : 0;
+      });
   if (status != StatusOk)
     return {status, "the sizes are 3, 5 or 7 and the image at most 22369621 pixels wide"};
-  void* const buffer = scratch.get(static_cast<std::size_t>(bytes));
   if (buffer == nullptr) return kNoMemory;
-  return flat(function, static_cast<std::int32_t>(sizes.aperture),
-              static_cast<std::int32_t>(sizes.block), buffer)(roi_of(src), whole(src), whole(dst));
+  return flat(find_for<Src>(Detector::kTable), aperture, block, buffer)(roi_of(in), whole(in),
+                                                                        whole(as_output<Dst>(dst)));
 }
 
 }  // namespace detail
@@ -58,18 +74,12 @@ Outcome find_corners(SizeQuery* query, Function* function, Src src, Dst dst, Cor
 template <class Src, class Dst>
 [[nodiscard]] StatusCode min_eigen(const Src& src, Dst&& dst, CornerSizes sizes, Scratch& scratch,
                                    std::nothrow_t /*tag*/) noexcept {
-  detail::expect_output<float, 1, std::remove_reference_t<Dst>>();
-  return detail::find_corners(detail::kMinEigenSize, detail::find_for<Src>(detail::kMinEigen),
-                              detail::as_input(src), detail::as_output<Dst>(dst), sizes, scratch)
-      .status;
+  return detail::find_corners<detail::MinEigen, Dst>(src, dst, sizes, scratch).status;
 }
 template <class Src, class Dst>
 void min_eigen(const Src& src, Dst&& dst, CornerSizes sizes, Scratch& scratch) {
-  detail::expect_output<float, 1, std::remove_reference_t<Dst>>();
-  detail::require(
-      detail::find_corners(detail::kMinEigenSize, detail::find_for<Src>(detail::kMinEigen),
-                           detail::as_input(src), detail::as_output<Dst>(dst), sizes, scratch),
-      "min_eigen", src, dst, sizes.aperture, sizes.block);
+  detail::require(detail::find_corners<detail::MinEigen, Dst>(src, dst, sizes, scratch),
+                  "min_eigen", src, dst, sizes.aperture, sizes.block);
 }
 template <class Src, class Dst>
 void min_eigen(const Src& src, Dst&& dst, CornerSizes sizes = {}) {
@@ -82,19 +92,12 @@ void min_eigen(const Src& src, Dst&& dst, CornerSizes sizes = {}) {
 template <class Src, class Dst>
 [[nodiscard]] StatusCode eigen_vectors(const Src& src, Dst&& dst, CornerSizes sizes,
                                        Scratch& scratch, std::nothrow_t /*tag*/) noexcept {
-  detail::expect_output<float, 6, std::remove_reference_t<Dst>>();
-  return detail::find_corners(detail::kEigenVectorsSize,
-                              detail::find_for<Src>(detail::kEigenVectors), detail::as_input(src),
-                              detail::as_output<Dst>(dst), sizes, scratch)
-      .status;
+  return detail::find_corners<detail::EigenVectors, Dst>(src, dst, sizes, scratch).status;
 }
 template <class Src, class Dst>
 void eigen_vectors(const Src& src, Dst&& dst, CornerSizes sizes, Scratch& scratch) {
-  detail::expect_output<float, 6, std::remove_reference_t<Dst>>();
-  detail::require(
-      detail::find_corners(detail::kEigenVectorsSize, detail::find_for<Src>(detail::kEigenVectors),
-                           detail::as_input(src), detail::as_output<Dst>(dst), sizes, scratch),
-      "eigen_vectors", src, dst, sizes.aperture, sizes.block);
+  detail::require(detail::find_corners<detail::EigenVectors, Dst>(src, dst, sizes, scratch),
+                  "eigen_vectors", src, dst, sizes.aperture, sizes.block);
 }
 template <class Src, class Dst>
 void eigen_vectors(const Src& src, Dst&& dst, CornerSizes sizes = {}) {

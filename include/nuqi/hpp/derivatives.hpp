@@ -7,12 +7,48 @@
 
 #include <cstdint>
 #include <new>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 namespace nuqi {
 
-/// Which derivative sobel3x3() takes; positive where values grow to the right, or downwards.
-enum class Derivative { dx, dy, d2x, d2y, dxdy };
+/// Which derivative sobel3x3() and scharr() take; positive where values grow to the right, or downwards. As a
+/// constant, Derivative::dx, one that the image's elements do not have is refused by the compiler; a variable
+/// `Derivative which` may hold any, and is looked at when the operation runs.
+class Derivative {
+ public:
+  enum class Kind { dx, dy, d2x, d2y, dxdy };
+  template <Kind kKind>
+  using Constant = std::integral_constant<Kind, kKind>;
+
+  static constexpr Constant<Kind::dx> dx{};      ///< the first along x
+  static constexpr Constant<Kind::dy> dy{};      ///< the first along y
+  static constexpr Constant<Kind::d2x> d2x{};    ///< the second along x
+  static constexpr Constant<Kind::d2y> d2y{};    ///< the second along y
+  static constexpr Constant<Kind::dxdy> dxdy{};  ///< the mixed one
+
+  constexpr Derivative(Kind kind) noexcept : kind_(kind) {}  // NOLINT(google-explicit-constructor)
+  template <Kind kKind>
+  constexpr Derivative(Constant<kKind> /*which*/) noexcept  // NOLINT(google-explicit-constructor)
+      : kind_(kKind) {}
+  constexpr operator Kind() const noexcept { return kind_; }  // NOLINT(google-explicit-constructor)
+
+  /// "dx"
+  [[nodiscard]] std::string text() const {
+    switch (kind_) {
+      case Kind::dx: return "dx";
+      case Kind::dy: return "dy";
+      case Kind::d2x: return "d2x";
+      case Kind::d2y: return "d2y";
+      case Kind::dxdy: return "dxdy";
+    }
+    return "no derivative";
+  }
+
+ private:
+  Kind kind_;
+};
 /// The same for images whose bottom row comes first: dy and dxdy are negated.
 enum class RowOrder { top_down, bottom_up };
 
@@ -41,125 +77,139 @@ inline constexpr Outcome kTooLow{StatusBadSize, "a 3x3 derivative needs two rows
 inline constexpr Outcome kNoDerivative{StatusUnsupported,
                                        "there is no such derivative of these elements"};
 
-/// Checks and calls call(src, srcStep, dst, dstStep, roi).
-template <class Call, class Src, class Dst>
-[[gnu::always_inline]] inline Outcome derive(Call call, Src src, Dst dst) noexcept {
-  if (!ready(src, dst) || src.height() < 2 || !far_apart(src, dst)) {
-    if (const Outcome bad = check_sizes(src, dst); bad.failed()) return bad;
-    if (src.height() < 2) return kTooLow;
-    if (!fits(src, dst)) return kTooLarge;
-    if (const Outcome bad = check_apart(dst, src); bad.failed()) return bad;
+using DerivativeKind = Derivative::Kind;
+
+/// The functions of each derivative.
+struct OfSobel {
+  template <DerivativeKind kKind>
+  static constexpr const auto& table() noexcept {
+    if constexpr (kKind == DerivativeKind::dx) return kSobel3x3Dx;
+    if constexpr (kKind == DerivativeKind::dy) return kSobel3x3Dy;
+    if constexpr (kKind == DerivativeKind::d2x) return kSobel3x3D2x;
+    if constexpr (kKind == DerivativeKind::d2y) return kSobel3x3D2y;
+    if constexpr (kKind == DerivativeKind::dxdy) return kSobel3x3DxDy;
   }
-  return call(src.data(), static_cast<std::int32_t>(src.step()), dst.data(),
-              static_cast<std::int32_t>(dst.step()), roi_of(src));
-}
+};
+struct OfScharr {
+  template <DerivativeKind kKind>
+  static constexpr const auto& table() noexcept {
+    if constexpr (kKind == DerivativeKind::dx) return kScharrDx;
+    if constexpr (kKind == DerivativeKind::dy) return kScharrDy;
+    if constexpr (kKind != DerivativeKind::dx && kKind != DerivativeKind::dy) return kNoFunctions;
+  }
+};
+
+template <class Weights, DerivativeKind kKind, class Src>
+inline constexpr bool kHasDerivative = kHolds<
+    ElementOf<const Src>, kChannelsOf<const Src>,
+    std::remove_const_t<std::remove_reference_t<decltype(Weights::template table<kKind>())>>>;
 
 /// What derivatives are written to: int16_t for bytes, float for floats.
 template <class Src>
 using DerivativeOf =
     std::conditional_t<std::is_same_v<ElementOf<const Src>, float>, float, std::int16_t>;
 
-template <class Table, class Src, class Dst>
-Outcome derive_second(const Table& table, Src src, Dst dst) noexcept {
-  if constexpr (kHolds<typename Src::element, 1, Table>) {
-    return derive(find<typename Src::element, 1>(table), src, dst);
+/// `shift` is the last argument of Scharr's functions.
+template <class Weights, DerivativeKind kKind, class Dst, class Src, class... Shift>
+[[gnu::always_inline]] inline Outcome derive(const Src& src, std::remove_reference_t<Dst>& dst,
+                                             RowOrder order, Shift... shift) noexcept {
+  expect_output<DerivativeOf<Src>, 1, std::remove_reference_t<Dst>>();
+  if (const Outcome bad = check_whole<Dst>(dst, src); bad.failed()) return bad;
+  const auto in = as_input(src);
+  const auto from = whole(in);
+  const auto to = whole(as_output<Dst>(dst));
+  if (in.height() < 2) return kTooLow;
+  auto* const function = find_for<Src>(Weights::template table<kKind>());
+  if constexpr (kKind == DerivativeKind::dy || kKind == DerivativeKind::dxdy) {
+    return function(from.data, from.step, to.data, to.step, order == RowOrder::bottom_up ? 1 : 0,
+                    roi_of(in), shift...);
+  } else {
+    return function(from.data, from.step, to.data, to.step, roi_of(in), shift...);
+  }
+}
+
+/// A constant names a function; what a variable holds is found out now.
+template <class Weights, class Dst, DerivativeKind kKind, class Src, class... Shift>
+[[gnu::always_inline]] inline Outcome derive(Derivative::Constant<kKind> /*which*/, const Src& src,
+                                             std::remove_reference_t<Dst>& dst, RowOrder order,
+                                             Shift... shift) noexcept {
+  static_assert(kHasDerivative<Weights, kKind, Src>,
+                "nuqi: these elements have no such derivative: scharr knows dx and dy only, "
+                "sobel3x3 of float too; second and mixed ones are those of uint8_t and int8_t");
+  if constexpr (kHasDerivative<Weights, kKind, Src>) {
+    return derive<Weights, kKind, Dst>(src, dst, order, shift...);
   } else {
     return kNoDerivative;
   }
 }
-
-template <class Src, class Dst>
-Outcome sobel3x3(Src src, Derivative which, Dst dst, RowOrder order) noexcept {
-  using T = typename Src::element;
-  const std::int32_t bottom_up = order == RowOrder::bottom_up ? 1 : 0;
-  const auto along_rows = [&](auto* function) {
-    return derive(
-        [=](auto* from, std::int32_t from_step, auto* to, std::int32_t to_step, RoiSize roi) {
-          return function(from, from_step, to, to_step, bottom_up, roi);
-        },
-        src, dst);
+template <class Weights, class Dst, class Src, class... Shift>
+Outcome derive(Derivative which, const Src& src, std::remove_reference_t<Dst>& dst, RowOrder order,
+               Shift... shift) noexcept {
+  Outcome outcome = kNoDerivative;
+  const auto try_one = [&](auto one) {
+    if constexpr (kHasDerivative<Weights, decltype(one)::value, Src>) {
+      if (one() == which) outcome = derive<Weights, Dst>(one, src, dst, order, shift...);
+    }
   };
-  switch (which) {
-    case Derivative::dx: return derive(find<T, Src::channels()>(kSobel3x3Dx), src, dst);
-    case Derivative::dy: return along_rows(find<T, Src::channels()>(kSobel3x3Dy));
-    case Derivative::d2x: return derive_second(kSobel3x3D2x, src, dst);
-    case Derivative::d2y: return derive_second(kSobel3x3D2y, src, dst);
-    case Derivative::dxdy:
-      if constexpr (kHolds<T, 1, decltype(kSobel3x3DxDy)>) {
-        return along_rows(find<T, 1>(kSobel3x3DxDy));
-      } else {
-        return kNoDerivative;
-      }
-  }
-  return kNoDerivative;
+  try_one(Derivative::dx), try_one(Derivative::dy), try_one(Derivative::d2x);
+  try_one(Derivative::d2y), try_one(Derivative::dxdy);
+  return outcome;
 }
 
-template <class Src, class Dst>
-Outcome scharr(Src src, Derivative which, Dst dst, int shift, RowOrder order) noexcept {
-  using T = typename Src::element;
-  const std::int32_t bottom_up = order == RowOrder::bottom_up ? 1 : 0;
-  if (which == Derivative::dx) {
-    auto* const function = find<T, Src::channels()>(kScharrDx);
-    return derive(
-        [=](auto* from, std::int32_t from_step, auto* to, std::int32_t to_step, RoiSize roi) {
-          return function(from, from_step, to, to_step, roi, static_cast<std::int32_t>(shift));
-        },
-        src, dst);
+/// A constant or a variable; for all else a sentence.
+template <class Which>
+constexpr auto derivative(const Which& which) noexcept {
+  constexpr bool kIsOne = std::is_convertible_v<const Which&, Derivative>;
+  static_assert(
+      kIsOne, "nuqi: behind the image comes the derivative: Derivative::dx, dy, d2x, d2y or dxdy");
+  if constexpr (kIsOne) {
+    return which;
+  } else {
+    return Derivative(Derivative::dx);
   }
-  if (which != Derivative::dy) return kNoDerivative;
-  auto* const function = find<T, Src::channels()>(kScharrDy);
-  return derive(
-      [=](auto* from, std::int32_t from_step, auto* to, std::int32_t to_step, RoiSize roi) {
-        return function(from, from_step, to, to_step, bottom_up, roi,
-                        static_cast<std::int32_t>(shift));
-      },
-      src, dst);
 }
 
 }  // namespace detail
 
 /// One derivative of an image of uint8_t or int8_t (to int16_t, exact) or of float (to float; dx and dy only), by
-/// Sobel's weights. Pixels beyond an edge equal the edge pixel. Two rows or more; dst lies apart.
-template <class Src, class Dst>
-[[nodiscard]] StatusCode sobel3x3(const Src& src, Derivative which, Dst&& dst, RowOrder order,
+/// Sobel's weights: sobel3x3(image, Derivative::dx, result). Pixels beyond an edge equal the edge pixel. Two rows or
+/// more; dst lies apart.
+template <class Src, class Which, class Dst>
+void sobel3x3(const Src& src, const Which& which, Dst&& dst, RowOrder order = RowOrder::top_down) {
+  detail::require(detail::derive<detail::OfSobel, Dst>(detail::derivative(which), src, dst, order),
+                  "sobel3x3", src, Derivative(detail::derivative(which)), dst);
+}
+template <class Src, class Which, class Dst>
+[[nodiscard]] StatusCode sobel3x3(const Src& src, const Which& which, Dst&& dst, RowOrder order,
                                   std::nothrow_t /*tag*/) noexcept {
-  detail::expect_output<detail::DerivativeOf<Src>, 1, std::remove_reference_t<Dst>>();
-  return detail::sobel3x3(detail::as_input(src), which, detail::as_output<Dst>(dst), order).status;
+  return detail::derive<detail::OfSobel, Dst>(detail::derivative(which), src, dst, order).status;
 }
-template <class Src, class Dst>
-[[nodiscard]] StatusCode sobel3x3(const Src& src, Derivative which, Dst&& dst,
+template <class Src, class Which, class Dst>
+[[nodiscard]] StatusCode sobel3x3(const Src& src, const Which& which, Dst&& dst,
                                   std::nothrow_t tag) noexcept {
-  return sobel3x3(src, which, dst, RowOrder::top_down, tag);
-}
-template <class Src, class Dst>
-void sobel3x3(const Src& src, Derivative which, Dst&& dst, RowOrder order = RowOrder::top_down) {
-  detail::expect_output<detail::DerivativeOf<Src>, 1, std::remove_reference_t<Dst>>();
-  detail::require(
-      detail::sobel3x3(detail::as_input(src), which, detail::as_output<Dst>(dst), order),
-      "sobel3x3", src, static_cast<int>(which), dst);
+  return sobel3x3(src, which, std::forward<Dst>(dst), RowOrder::top_down, tag);
 }
 
 /// The first derivative along x or y by Scharr's weights, which are nearly the same in all directions; `shift`, 0 or
 /// more, divides by 2 to its power. All else as for sobel3x3().
-template <class Src, class Dst>
-[[nodiscard]] StatusCode scharr(const Src& src, Derivative which, Dst&& dst, int shift,
+template <class Src, class Which, class Dst>
+void scharr(const Src& src, const Which& which, Dst&& dst, int shift = 0,
+            RowOrder order = RowOrder::top_down) {
+  detail::require(detail::derive<detail::OfScharr, Dst>(detail::derivative(which), src, dst, order,
+                                                        std::int32_t{shift}),
+                  "scharr", src, Derivative(detail::derivative(which)), dst, shift);
+}
+template <class Src, class Which, class Dst>
+[[nodiscard]] StatusCode scharr(const Src& src, const Which& which, Dst&& dst, int shift,
                                 RowOrder order, std::nothrow_t /*tag*/) noexcept {
-  detail::expect_output<detail::DerivativeOf<Src>, 1, std::remove_reference_t<Dst>>();
-  return detail::scharr(detail::as_input(src), which, detail::as_output<Dst>(dst), shift, order)
+  return detail::derive<detail::OfScharr, Dst>(detail::derivative(which), src, dst, order,
+                                               std::int32_t{shift})
       .status;
 }
-template <class Src, class Dst>
-[[nodiscard]] StatusCode scharr(const Src& src, Derivative which, Dst&& dst,
+template <class Src, class Which, class Dst>
+[[nodiscard]] StatusCode scharr(const Src& src, const Which& which, Dst&& dst,
                                 std::nothrow_t tag) noexcept {
-  return scharr(src, which, dst, 0, RowOrder::top_down, tag);
-}
-template <class Src, class Dst>
-void scharr(const Src& src, Derivative which, Dst&& dst, int shift = 0,
-            RowOrder order = RowOrder::top_down) {
-  detail::expect_output<detail::DerivativeOf<Src>, 1, std::remove_reference_t<Dst>>();
-  detail::require(
-      detail::scharr(detail::as_input(src), which, detail::as_output<Dst>(dst), shift, order),
-      "scharr", src, static_cast<int>(which), dst);
+  return scharr(src, which, std::forward<Dst>(dst), 0, RowOrder::top_down, tag);
 }
 
 }  // namespace nuqi

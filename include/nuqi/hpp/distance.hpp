@@ -35,18 +35,19 @@ enum class Distance : std::int32_t {
 
 namespace detail {
 
-template <class Src, class Dst>
-Outcome distance_transform(Src src, Dst dst, DistanceSteps steps) noexcept {
-  static_assert(std::is_same_v<typename Src::element, std::uint8_t> && Src::channels() == 1,
+template <class Dst, class Src>
+[[gnu::always_inline]] inline Outcome distance_transform(const Src& src,
+                                                         std::remove_reference_t<Dst>& dst,
+                                                         DistanceSteps steps) noexcept {
+  static_assert(std::is_same_v<ElementOf<const Src>, std::uint8_t> && kChannelsOf<const Src> == 1,
                 "nuqi: distance_transform takes one channel of uint8_t");
-  expect_output<float, 1, Dst>();
-  if (const Outcome bad = check_sizes(src, dst); bad.failed()) return bad;
-  if (!fits(src, dst)) return kTooLarge;
-  if (const Outcome bad = check_apart(dst, src); bad.failed()) return bad;
+  expect_output<float, 1, std::remove_reference_t<Dst>>();
+  if (const Outcome bad = check_whole<Dst>(dst, src); bad.failed()) return bad;
   const float metrics[] = {steps.beside, steps.diagonal, steps.knight};
   auto* const function =
       steps.knight < 0 ? nuqiDistanceTransform_3x3_8u32f_C1R : nuqiDistanceTransform_5x5_8u32f_C1R;
-  return flat(function, &metrics[0])(roi_of(src), whole(src), whole(dst));
+  const auto in = as_input(src);
+  return flat(function, &metrics[0])(roi_of(in), whole(in), whole(as_output<Dst>(dst)));
 }
 
 }  // namespace detail
@@ -56,14 +57,12 @@ Outcome distance_transform(Src src, Dst dst, DistanceSteps steps) noexcept {
 template <class Src, class Dst>
 [[nodiscard]] StatusCode distance_transform(const Src& src, Dst&& dst, DistanceSteps steps,
                                             std::nothrow_t /*tag*/) noexcept {
-  return detail::distance_transform(detail::as_input(src), detail::as_output<Dst>(dst), steps)
-      .status;
+  return detail::distance_transform<Dst>(src, dst, steps).status;
 }
 template <class Src, class Dst>
 void distance_transform(const Src& src, Dst&& dst, DistanceSteps steps) {
-  detail::require(
-      detail::distance_transform(detail::as_input(src), detail::as_output<Dst>(dst), steps),
-      "distance_transform", src, dst, steps.beside, steps.diagonal, steps.knight);
+  detail::require(detail::distance_transform<Dst>(src, dst, steps), "distance_transform", src, dst,
+                  steps.beside, steps.diagonal, steps.knight);
 }
 
 template <class Src, class Dst>

@@ -50,17 +50,15 @@ inline std::size_t canny_bytes(RoiSize roi) noexcept {
 
 /// The C function walks each of the two derivatives by the other's step: where the steps differ both are copied
 /// to rows back to back.
-[[gnu::noinline, gnu::cold]] inline Outcome canny_from_slowly(Plane<const std::int16_t> dx,
-                                                              Plane<const std::int16_t> dy,
-                                                              Plane<std::uint8_t> dst, float low,
-                                                              float high,
-                                                              Scratch& scratch) noexcept {
-  Outcome outcome = check_sizes(dx, dy, dst);
-  if (outcome.failed()) return outcome;
-  outcome = check_apart(dst, dx, dy);
-  if (outcome.failed()) return outcome;
+template <class Output, class Dx, class Dy>
+[[gnu::noinline, gnu::cold]] Outcome canny_from_slowly(const Dx& of_x, const Dy& of_y,
+                                                       std::remove_reference_t<Output>& to,
+                                                       float low, float high,
+                                                       Scratch& scratch) noexcept {
+  const Plane<const std::int16_t> dx = as_input(of_x), dy = as_input(of_y);
+  const Plane<std::uint8_t> dst = as_output<Output>(to);
+  if (const Outcome bad = check_whole_slowly<Output>(to, of_x, of_y); bad.failed()) return bad;
   if (!(low >= 0) || !(high >= low)) return kBadThresholds;
-  if (!fits(dx, dy, dst)) return kTooLarge;
   const std::size_t buffer = canny_bytes(roi_of(dst));
   if (buffer == 0) return kNoScratch;
   const auto plane =
@@ -68,27 +66,34 @@ inline std::size_t canny_bytes(RoiSize roi) noexcept {
   auto* memory = static_cast<unsigned char*>(scratch.get(2 * plane + buffer));
   if (memory == nullptr) return kNoScratch;
   const auto copy = [&](Plane<const std::int16_t> from) {
-    const Plane<std::int16_t> to = take_plane<std::int16_t>(memory, from.width(), from.height());
+    const Plane<std::int16_t> copied =
+        take_plane<std::int16_t>(memory, from.width(), from.height());
     for (std::int64_t y = 0; y < from.height(); ++y) {
-      std::memcpy(to.row(y), from.row(y), static_cast<std::size_t>(from.row_bytes()));
+      std::memcpy(copied.row(y), from.row(y), static_cast<std::size_t>(from.row_bytes()));
     }
-    return to;
+    return copied;
   };
   const Plane<const std::int16_t> dx_copy = copy(dx);
   const Plane<const std::int16_t> dy_copy = copy(dy);
   return canny_call(dx_copy, dy_copy, dst, low, high, memory);
 }
 
-[[gnu::always_inline]] inline Outcome canny_from(Plane<const std::int16_t> dx,
-                                                 Plane<const std::int16_t> dy,
-                                                 Plane<std::uint8_t> dst, float low, float high,
-                                                 Scratch& scratch) noexcept {
-  if (ready(dst, dx, dy) && far_apart(dst, dx) && far_apart(dst, dy) && dx.step() == dy.step()) {
-    const std::size_t bytes = canny_bytes(roi_of(dst));
-    void* const buffer = scratch.get(bytes);
-    if (bytes != 0 && buffer != nullptr) return canny_call(dx, dy, dst, low, high, buffer);
+template <class Output, class Dx, class Dy>
+[[gnu::always_inline]] inline Outcome canny_from(const Dx& of_x, const Dy& of_y,
+                                                 std::remove_reference_t<Output>& to, float low,
+                                                 float high, Scratch& scratch) noexcept {
+  expect_output<std::int16_t, 1, const Dx, const Dy>();
+  expect_output<std::uint8_t, 1, std::remove_reference_t<Output>>();
+  const auto dx = as_input(of_x), dy = as_input(of_y);
+  const auto dst = as_output<Output>(to);
+  if (ready(dst, dx, dy) && lies<Where::apart>(dst, dx, dy) && dx.step() == dy.step()) {
+    const RoiSize roi = roi_of(dst);
+    void* const buffer =
+        scratch.get_for({reinterpret_cast<void (*)()>(canny_bytes), size_key(dst), 0},
+                        [=] { return canny_bytes(roi); });
+    if (buffer != nullptr) return canny_call(dx, dy, dst, low, high, buffer);
   }
-  return canny_from_slowly(dx, dy, dst, low, high, scratch);
+  return canny_from_slowly<Output>(of_x, of_y, to, low, high, scratch);
 }
 
 /// Derivatives of a picture in scratch memory, and what follows them there.
@@ -120,10 +125,11 @@ DerivativesOfPicture derivatives_of(Plane<const T> src, EdgeOperator edge_operat
     taken = twice;
   }
   found.rest = memory;
-  const auto derive = [&](Derivative which, Plane<std::int16_t> to) {
+  const auto derive = [&](auto which, Plane<std::int16_t>& to) {
+    constexpr auto kOrder = RowOrder::top_down;
     return edge_operator == EdgeOperator::sobel
-               ? detail::sobel3x3(taken, which, to, RowOrder::top_down)
-               : detail::scharr(taken, which, to, 0, RowOrder::top_down);
+               ? detail::derive<OfSobel, Plane<std::int16_t>&>(which, taken, to, kOrder)
+               : detail::derive<OfScharr, Plane<std::int16_t>&>(which, taken, to, kOrder, 0);
   };
   found.outcome = derive(Derivative::dx, found.dx);
   if (!found.outcome.failed()) found.outcome = derive(Derivative::dy, found.dy);
@@ -176,16 +182,13 @@ StrengthsOfPicture strengths_of(Plane<const T> src, EdgeOperator edge_operator,
 /// truncated. Neighbours across an edge that are equally strong suppress each other: see canny(). Throws Error.
 template <class Dx, class Dy, class Output>
 void canny_from(const Dx& dx, const Dy& dy, Output&& dst, float low, float high, Scratch& scratch) {
-  detail::require(detail::canny_from(detail::as_input(dx), detail::as_input(dy),
-                                     detail::as_output<Output>(dst), low, high, scratch),
-                  "canny_from", dx, dy, dst, low, high);
+  detail::require(detail::canny_from<Output>(dx, dy, dst, low, high, scratch), "canny_from", dx, dy,
+                  dst, low, high);
 }
 template <class Dx, class Dy, class Output>
 [[nodiscard]] StatusCode canny_from(const Dx& dx, const Dy& dy, Output&& dst, float low, float high,
                                     Scratch& scratch, std::nothrow_t /*tag*/) noexcept {
-  return detail::canny_from(detail::as_input(dx), detail::as_input(dy),
-                            detail::as_output<Output>(dst), low, high, scratch)
-      .status;
+  return detail::canny_from<Output>(dx, dy, dst, low, high, scratch).status;
 }
 template <class Dx, class Dy, class Output>
 void canny_from(const Dx& dx, const Dy& dy, Output&& dst, float low, float high) {

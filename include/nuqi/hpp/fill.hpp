@@ -44,12 +44,6 @@ inline constexpr Outcome kSeedOutside{StatusBadArg, "the seed lies outside the i
 template <class T>
 using FillNumber = std::conditional_t<std::is_same_v<T, float>, float, std::int32_t>;
 
-/// A fill's outcome and result.
-struct Filled {
-  Outcome outcome;
-  FillRegion region{};
-};
-
 /// The bytes that a fill works in. The queries compute modulo 2^32: beyond `kQueried` pixels they tell too
 /// little.
 inline std::int64_t fill_bytes(RoiSize roi, bool gradient) noexcept {
@@ -63,43 +57,25 @@ inline std::int64_t fill_bytes(RoiSize roi, bool gradient) noexcept {
   return bytes;
 }
 
-/// `call` is call(image, step, roi, &region, buffer).
-template <class T, class Call>
-Filled fill(View<T, 1> image, PixelPoint seed, bool gradient, Scratch& scratch,
-            const Call& call) noexcept {
-  if (image.empty()) return {kEmpty};
+/// `values` are those that the functions take behind the seed.
+template <class Output, class Function, class... Values>
+[[gnu::always_inline]] inline Outcome fill(Function* function, FillRegion& region,
+                                           std::remove_reference_t<Output>& to, PixelPoint seed,
+                                           Scratch& scratch, Values... values) noexcept {
+  constexpr bool kGradient = sizeof...(values) > 1;
+  const auto image = as_output<Output>(to);
+  if (image.empty()) return kEmpty;
   constexpr std::int64_t kMostPixels = std::numeric_limits<std::ptrdiff_t>::max() / 16;
-  if (!fits(image) || image.size() > kMostPixels) return {kTooLarge};
+  if (!fits(image) || image.size() > kMostPixels) return kTooLarge;
   if (seed.x < 0 || seed.y < 0 || seed.x >= image.width() || seed.y >= image.height())
-    return {kSeedOutside};
-  void* const buffer = scratch.get(static_cast<std::size_t>(fill_bytes(roi_of(image), gradient)));
-  if (buffer == nullptr) return {kNoScratch};
-  Filled filled;
-  filled.outcome = call(image.data(), static_cast<std::int32_t>(image.step()), roi_of(image),
-                        &filled.region, buffer);
-  return filled;
-}
-
-template <class T, int C>
-Filled fill_equal(View<T, C> image, PixelPoint seed, FillNumber<T> value, Connectivity connectivity,
-                  Scratch& scratch) noexcept {
-  auto* const function =
-      connectivity == Connectivity::four ? find<T, C>(kFillFourEqual) : find<T, C>(kFillEightEqual);
-  return fill(image, seed, false, scratch,
-              [=](T* data, std::int32_t step, RoiSize roi, FillRegion* region, void* buffer) {
-                return function(data, step, roi, seed, value, region, buffer);
-              });
-}
-
-template <class T, int C>
-Filled fill_gradient(View<T, C> image, PixelPoint seed, FillNumber<T> value, FillNumber<T> lower,
-                     FillNumber<T> upper, Connectivity connectivity, Scratch& scratch) noexcept {
-  auto* const function = connectivity == Connectivity::four ? find<T, C>(kFillFourGradient)
-                                                            : find<T, C>(kFillEightGradient);
-  return fill(image, seed, true, scratch,
-              [=](T* data, std::int32_t step, RoiSize roi, FillRegion* region, void* buffer) {
-                return function(data, step, roi, seed, value, lower, upper, region, buffer);
-              });
+    return kSeedOutside;
+  const RoiSize roi = roi_of(image);
+  void* const buffer =
+      scratch.get_for({reinterpret_cast<void (*)()>(fill_bytes), size_key(image), kGradient},
+                      [=] { return static_cast<std::size_t>(fill_bytes(roi, kGradient)); });
+  if (buffer == nullptr) return kNoScratch;
+  return function(image.data(), static_cast<std::int32_t>(image.step()), roi, seed, values...,
+                  &region, buffer);
 }
 
 template <class AnyImage>
@@ -113,10 +89,14 @@ using FillNumberOf = FillNumber<ElementOf<std::remove_reference_t<AnyImage>>>;
 template <class AnyImage>
 FillRegion flood_fill(AnyImage&& image, PixelPoint seed, detail::FillNumberOf<AnyImage> value,
                       Connectivity connectivity, Scratch& scratch) {
-  const detail::Filled filled =
-      detail::fill_equal(detail::as_output<AnyImage>(image), seed, value, connectivity, scratch);
-  detail::require(filled.outcome, "flood_fill", image, seed.x, seed.y, value);
-  return filled.region;
+  auto* const function =
+      connectivity == Connectivity::four
+          ? detail::find_for<std::remove_reference_t<AnyImage>>(detail::kFillFourEqual)
+          : detail::find_for<std::remove_reference_t<AnyImage>>(detail::kFillEightEqual);
+  FillRegion region{};
+  detail::require(detail::fill<AnyImage>(function, region, image, seed, scratch, value),
+                  "flood_fill", image, seed.x, seed.y, value);
+  return region;
 }
 template <class AnyImage>
 FillRegion flood_fill(AnyImage&& image, PixelPoint seed, detail::FillNumberOf<AnyImage> value,
@@ -132,10 +112,15 @@ template <class AnyImage>
 FillRegion flood_fill(AnyImage&& image, PixelPoint seed, detail::FillNumberOf<AnyImage> value,
                       detail::FillNumberOf<AnyImage> lower, detail::FillNumberOf<AnyImage> upper,
                       Connectivity connectivity, Scratch& scratch) {
-  const detail::Filled filled = detail::fill_gradient(detail::as_output<AnyImage>(image), seed,
-                                                      value, lower, upper, connectivity, scratch);
-  detail::require(filled.outcome, "flood_fill", image, seed.x, seed.y, value, lower, upper);
-  return filled.region;
+  auto* const function =
+      connectivity == Connectivity::four
+          ? detail::find_for<std::remove_reference_t<AnyImage>>(detail::kFillFourGradient)
+          : detail::find_for<std::remove_reference_t<AnyImage>>(detail::kFillEightGradient);
+  FillRegion region{};
+  detail::require(
+      detail::fill<AnyImage>(function, region, image, seed, scratch, value, lower, upper),
+      "flood_fill", image, seed.x, seed.y, value, lower, upper);
+  return region;
 }
 template <class AnyImage>
 FillRegion flood_fill(AnyImage&& image, PixelPoint seed, detail::FillNumberOf<AnyImage> value,

@@ -52,7 +52,9 @@ class Image {
     return copy;
   }
 
-  [[nodiscard]] View<T, Channels> view() noexcept { return view_; }
+  [[nodiscard]] View<T, Channels> view() noexcept {
+    return {detail::Members{}, data(), width(), height(), step()};
+  }
   [[nodiscard]] View<const T, Channels> view() const noexcept { return view_; }
   operator View<T, Channels>() noexcept { return view_; }  // NOLINT(google-explicit-constructor)
   // NOLINTNEXTLINE(google-explicit-constructor)
@@ -142,6 +144,16 @@ inline constexpr bool kIsImage = false;
 template <class T, int Channels>
 inline constexpr bool kIsImage<Image<T, Channels>> = true;
 
+/// Member by member: as a block GCC 12 would copy it to memory first, and read it there.
+template <class T, int Channels>
+[[gnu::always_inline]] inline View<T, Channels> copy_of(const View<T, Channels>& view) noexcept {
+  return {Members{}, view.data(), view.width(), view.height(), view.step()};
+}
+template <class T>
+[[gnu::always_inline]] inline View<T, kAnyChannels> copy_of(View<T, kAnyChannels> view) noexcept {
+  return view;
+}
+
 template <class Traits, class = void>
 inline constexpr bool kIsForeign = true;
 template <class Traits>
@@ -176,7 +188,7 @@ template <class AnyImage>
   static_assert(!std::is_same_v<Plain, Mask>,
                 "nuqi: a Mask stands here for an image: masks come last among the inputs");
   if constexpr (detail::kIsView<Plain>) {
-    return Plain(image);
+    return detail::copy_of(image);
   } else if constexpr (detail::kIsImage<Plain>) {
     return image.view();
   } else if constexpr (!std::is_same_v<Plain, Mask>) {
@@ -217,7 +229,7 @@ auto as_output(std::remove_reference_t<AnyImage>& image) {
   static_assert(!std::is_const_v<typename Found::Element>, "nuqi: the output is const");
   static_assert(!(kIsImage<AnyImage>),
                 "nuqi: the output is a temporary Image: its pixels would be lost");
-  return View<typename Found::Element, Found::kChannels>(as_view(image));
+  return as_view(image);
 }
 
 template <class AnyImage>
@@ -227,6 +239,15 @@ template <class AnyImage>
 inline constexpr int kChannelsOf =
     Unpacked<decltype(as_view(std::declval<AnyImage&>()))>::kChannels;
 
+template <class AnyImage>
+View<const std::uint8_t> mask_view(const AnyImage& bytes) {
+  constexpr bool kIsMask =
+      std::is_same_v<ElementOf<const AnyImage>, std::uint8_t> && kChannelsOf<const AnyImage> == 1;
+  static_assert(kIsMask, "nuqi: a Mask is made of one channel of uint8_t");
+  if constexpr (kIsMask) return as_input(bytes);
+  return {};
+}
+
 }  // namespace detail
 
 /// Selects pixels: those where a byte is not 0. Made explicitly, so that no image is taken for one, and passed
@@ -234,11 +255,7 @@ inline constexpr int kChannelsOf =
 class Mask {
  public:
   template <class AnyImage>
-  explicit Mask(const AnyImage& bytes) : view_(detail::as_input(bytes)) {
-    static_assert(std::is_same_v<detail::ElementOf<const AnyImage>, std::uint8_t> &&
-                      detail::kChannelsOf<const AnyImage> == 1,
-                  "nuqi: a Mask is made of one channel of uint8_t");
-  }
+  explicit Mask(const AnyImage& bytes) : view_(detail::mask_view(bytes)) {}
 
   [[nodiscard]] View<const std::uint8_t> view() const noexcept { return view_; }
 

@@ -100,30 +100,56 @@ bool sum_wraps(View<const T, 1> tpl) noexcept {
   return sum > kMost;
 }
 
-template <class T, class U, class D, int C, int K, int L>
-Outcome match_template(View<const T, C> src, View<const U, K> tpl, View<D, L> dst,
-                       MatchMethod method, Scratch& scratch) noexcept {
-  static_assert(kHolds<T, C, std::remove_const_t<decltype(kMatchSqDiff)>> && std::is_same_v<T, U> &&
-                    C == K && std::is_same_v<D, float> && L == 1,
-                "nuqi: match_template takes an image and a template of one channel, both uint8_t, "
-                "int8_t or float, "
-                "and writes float");
+/// Whether an output has a pixel for each place of the template, none of which the images lack.
+template <class Src, class Template, class Dst>
+[[gnu::always_inline]] inline bool places_match(Src src, Template tpl, Dst dst) noexcept {
+  return dst.width() == src.width() - tpl.width() + 1 &&
+         dst.height() == src.height() - tpl.height() + 1;
+}
+
+template <class Output, class Src, class Template>
+[[gnu::noinline, gnu::cold]] Outcome check_match(const Src& image, const Template& part,
+                                                 std::remove_reference_t<Output>& to) noexcept {
+  const auto src = as_input(image);
+  const auto tpl = as_input(part);
+  const auto dst = as_output<Output>(to);
   if (src.empty() || tpl.empty()) return kEmpty;
   if (tpl.width() > src.width() || tpl.height() > src.height()) return kTemplateTooLarge;
-  if (dst.width() != src.width() - tpl.width() + 1 ||
-      dst.height() != src.height() - tpl.height() + 1) {
-    return kNotScores;
+  if (!places_match(src, tpl, dst)) return kNotScores;
+  if (!fits(src, tpl, dst)) return kTooLarge;
+  return check_apart(dst, src, tpl);
+}
+
+template <class Output, class Src, class Template>
+[[gnu::always_inline]] inline Outcome match_template(const Src& image, const Template& part,
+                                                     std::remove_reference_t<Output>& to,
+                                                     MatchMethod method,
+                                                     Scratch& scratch) noexcept {
+  using T = ElementOf<const Src>;
+  static_assert(kHolds<T, kChannelsOf<const Src>, std::remove_const_t<decltype(kMatchSqDiff)>> &&
+                    std::is_same_v<T, ElementOf<const Template>> &&
+                    kChannelsOf<const Template> == 1,
+                "nuqi: match_template takes an image and a template of one channel, both uint8_t, "
+                "int8_t or float");
+  expect_output<float, 1, std::remove_reference_t<Output>>();
+  const auto src = as_input(image);
+  const auto tpl = as_input(part);
+  const auto dst = as_output<Output>(to);
+  if (!ready(src) || !ready(tpl) || !ready(dst) || !places_match(src, tpl, dst) ||
+      !lies<Where::apart>(dst, src, tpl)) {
+    if (const Outcome bad = check_match<Output>(image, part, to); bad.failed()) return bad;
   }
-  if (overlap(dst, src) || overlap(dst, tpl)) return kOverlap;
   const Matching<T> how = matching<T>(method);
   if (how.function == nullptr) return kNoSuchMethod;
   const bool sums = method == MatchMethod::coeff || method == MatchMethod::coeff_normed;
   if (sums && sum_wraps(tpl)) return kTemplateSum;
-  if (!fits(src, tpl, dst)) return kTooLarge;
   const RoiSize src_roi = roi_of(src), tpl_roi = roi_of(tpl);
-  std::int32_t bytes = 0;
-  if (how.query(src_roi, tpl_roi, kDataType<T>, &bytes) != StatusOk) return kNoScratch;
-  void* const buffer = scratch.get(static_cast<std::size_t>(bytes));
+  void* const buffer = scratch.get_for(
+      {reinterpret_cast<void (*)()>(how.function), size_key(src), size_key(tpl)}, [=] {
+        std::int32_t bytes = 0;
+        const bool known = how.query(src_roi, tpl_roi, kDataType<T>, &bytes) == StatusOk;
+        return known ? static_cast<std::size_t>(bytes) : 0;
+      });
   if (buffer == nullptr) return kNoScratch;
   return how.function(src.data(), static_cast<std::int32_t>(src.step()), src_roi, tpl.data(),
                       static_cast<std::int32_t>(tpl.step()), tpl_roi, dst.data(),
@@ -138,17 +164,14 @@ Outcome match_template(View<const T, C> src, View<const U, K> tpl, View<D, L> ds
 template <class Source, class Template, class Output>
 void match_template(const Source& src, const Template& tpl, Output&& dst, MatchMethod method,
                     Scratch& scratch) {
-  detail::require(detail::match_template(detail::as_input(src), detail::as_input(tpl),
-                                         detail::as_output<Output>(dst), method, scratch),
-                  "match_template", src, tpl, dst);
+  detail::require(detail::match_template<Output>(src, tpl, dst, method, scratch), "match_template",
+                  src, tpl, dst);
 }
 template <class Source, class Template, class Output>
 [[nodiscard]] StatusCode match_template(const Source& src, const Template& tpl, Output&& dst,
                                         MatchMethod method, Scratch& scratch,
                                         std::nothrow_t /*tag*/) noexcept {
-  return detail::match_template(detail::as_input(src), detail::as_input(tpl),
-                                detail::as_output<Output>(dst), method, scratch)
-      .status;
+  return detail::match_template<Output>(src, tpl, dst, method, scratch).status;
 }
 template <class Source, class Template, class Output>
 void match_template(const Source& src, const Template& tpl, Output&& dst,

@@ -5,7 +5,6 @@
 #include <nuqi/hpp/norms.hpp>
 
 #include <cstdint>
-#include <tuple>
 
 namespace nuqi {
 
@@ -53,65 +52,74 @@ bool first_is_zero(const T* pixel, MaskPart... mask) noexcept {
   return *pixel == T{0} && ((*mask.data != 0) && ...);
 }
 
-template <class Image, class Function, class... MaskView>
-[[gnu::noinline, gnu::cold]] MinMax<typename Image::element> min_max_of_bands(Function* function,
-                                                                              int channel,
-                                                                              Image image,
-                                                                              MaskView... mask) {
-  using T = typename Image::element;
-  FoundInBand band;
-  const auto call = reading<Image::channels()>(function, channel, &band.min, &band.max,
-                                               &band.min_at, &band.max_at);
-  MinMax<T> all = {T{0}, T{0}, {0, 0}, {0, 0}};
-  bool found = false;
-  // Bands come as the pixels are read, so that the first of equal ones stays.
-  std::int64_t x = 0;
-  std::int64_t y = 0;
-  const auto add = [&](RoiSize roi, auto part, auto... mask_part) {
-    const StatusCode status = call(roi, part, mask_part...);
-    if (!band.maybe_nothing() || first_is_zero(part.data + channel, mask_part...)) {
-      if (!found || band.min < static_cast<float>(all.min)) {
-        all.min = static_cast<T>(band.min);
-        all.min_at = {x + band.min_at.x, y + band.min_at.y};
-      }
-      if (!found || band.max > static_cast<float>(all.max)) {
-        all.max = static_cast<T>(band.max);
-        all.max_at = {x + band.max_at.x, y + band.max_at.y};
-      }
-      found = true;
-    }
-    x += roi.width;
-    if (x == image.width()) {
-      x = 0;
-      y += roi.height;
-    }
-    return status;
-  };
-  require(in_bands(kUnlimited, add, image, mask...), "min_max", image, mask...);
-  return all;
-}
+struct MinMaxOf {
+  template <class T>
+  using Result = MinMax<T>;
+  template <class T, bool kMasked>
+  static constexpr std::int64_t kPixels = kUnlimited;
 
-template <class Image, class... MaskView>
-[[gnu::always_inline]] inline MinMax<typename Image::element> min_max(int channel, Image image,
-                                                                      MaskView... mask) {
-  using T = typename Image::element;
-  auto* const function = [] {
-    if constexpr (sizeof...(MaskView) > 0) {
-      return find<T, Image::channels()>(kMinMaxMasked);
-    } else {
-      return find<T, Image::channels()>(kMinMax);
-    }
-  }();
-  if (!fits(image, mask...)) return min_max_of_bands(function, channel, image, mask...);
-  FoundInBand found;
-  const auto call = reading<Image::channels()>(function, channel, &found.min, &found.max,
-                                               &found.min_at, &found.max_at);
-  require(call(roi_of(image), whole(image), whole(mask)...), "min_max", image, mask...);
-  return {static_cast<T>(found.min),
-          static_cast<T>(found.max),
-          {found.min_at.x, found.min_at.y},
-          {found.max_at.x, found.max_at.y}};
-}
+  /// What C finds.
+  template <class T, int kChannels, class Image, class... MaskPart>
+  [[gnu::always_inline]] static StatusCode by_c(FoundInBand& found, int channel, RoiSize roi,
+                                                Image image, MaskPart... mask) noexcept {
+    auto* const function = [] {
+      if constexpr (sizeof...(MaskPart) > 0) {
+        return find<T, kChannels>(kMinMaxMasked);
+      } else {
+        return find<T, kChannels>(kMinMax);
+      }
+    }();
+    return reading<kChannels>(function, channel, &found.min, &found.max, &found.min_at,
+                              &found.max_at)(roi, image, mask...);
+  }
+  template <class T, int kChannels, class Image, class... MaskPart>
+  [[gnu::always_inline]] static StatusCode once(MinMax<T>& result, int channel, RoiSize roi,
+                                                Image image, MaskPart... mask) noexcept {
+    FoundInBand found;
+    const StatusCode status = by_c<T, kChannels>(found, channel, roi, image, mask...);
+    result = {static_cast<T>(found.min),
+              static_cast<T>(found.max),
+              {found.min_at.x, found.min_at.y},
+              {found.max_at.x, found.max_at.y}};
+    return status;
+  }
+  template <class Check, class Image, class... MaskView>
+  static auto of_bands(const Check& check, int channel, Image image, MaskView... mask) {
+    using T = typename Image::element;
+    MinMax<T> all = {T{0}, T{0}, {0, 0}, {0, 0}};
+    bool found = false;
+    // Bands come as the pixels are read, so that the first of equal ones stays.
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+    const auto add = [&](RoiSize roi, auto part, auto... mask_part) {
+      FoundInBand band;
+      const StatusCode status = by_c<T, Image::channels()>(band, channel, roi, part, mask_part...);
+      if (!band.maybe_nothing() || first_is_zero(part.data + channel, mask_part...)) {
+        if (!found || band.min < static_cast<float>(all.min)) {
+          all.min = static_cast<T>(band.min);
+          all.min_at = {x + band.min_at.x, y + band.min_at.y};
+        }
+        if (!found || band.max > static_cast<float>(all.max)) {
+          all.max = static_cast<T>(band.max);
+          all.max_at = {x + band.max_at.x, y + band.max_at.y};
+        }
+        found = true;
+      }
+      x += roi.width;
+      if (x == image.width()) {
+        x = 0;
+        y += roi.height;
+      }
+      return status;
+    };
+    check(in_bands(kUnlimited, add, image, mask...));
+    return all;
+  }
+  template <class T>
+  static bool is_nothing(const MinMax<T>& found) noexcept {
+    return found.min == 0 && found.max == 0;
+  }
+};
 
 }  // namespace detail
 
@@ -121,11 +129,8 @@ template <class Image, class... MaskView>
 /// mask is an error.
 template <class Src, class... Selection>
 [[nodiscard]] auto min_max(const Src& src, const Selection&... selection) {
-  const auto value = [](int channel, auto image, auto... mask) {
-    return detail::min_max(channel, image, mask...);
-  };
-  const auto is_zero = [](const auto& found) { return found.min == 0 && found.max == 0; };
-  return detail::read_one("min_max", value, is_zero, src, selection...);
+  detail::expect_selection<detail::kChannelsOf<const Src>, Selection...>();
+  return detail::read<detail::MinMaxOf>("min_max", detail::choose(selection...), src);
 }
 
 }  // namespace nuqi

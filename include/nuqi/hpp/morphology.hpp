@@ -99,7 +99,7 @@ class Morphology : public detail::StripFilter<Morphology, MorphState> {
   template <class Source, class Output>
   [[nodiscard]] StatusCode erode(const Source& src, Output&& dst, std::nothrow_t /*tag*/) noexcept {
     extremum_ = Extremum::least;
-    return run(detail::as_input(src), detail::as_output<Output>(dst)).status;
+    return run<Output>(src, dst).status;
   }
   /// The greatest of them. The element is not reflected: see Element::turned.
   template <class Source, class Output>
@@ -110,7 +110,7 @@ class Morphology : public detail::StripFilter<Morphology, MorphState> {
   [[nodiscard]] StatusCode dilate(const Source& src, Output&& dst,
                                   std::nothrow_t /*tag*/) noexcept {
     extremum_ = Extremum::greatest;
-    return run(detail::as_input(src), detail::as_output<Output>(dst)).status;
+    return run<Output>(src, dst).status;
   }
 
   /// Begins an image that comes in strips. Another that is not finished is given up.
@@ -125,7 +125,7 @@ class Morphology : public detail::StripFilter<Morphology, MorphState> {
   template <class Output, class Source>
   void apply(Extremum extremum, const Source& src, std::remove_reference_t<Output>& dst) {
     extremum_ = extremum;
-    detail::require(run(detail::as_input(src), detail::as_output<Output>(dst)), name(), src, dst);
+    detail::require(run<Output>(src, dst), name(), src, dst);
   }
 
   const char* name() const noexcept { return extremum_ == Extremum::least ? "erode" : "dilate"; }

@@ -17,35 +17,56 @@ namespace nuqi {
 
 namespace detail {
 
-template <class Silhouette, class History>
-Outcome motion_history(Silhouette silhouette, History history, float timestamp,
-                       float duration) noexcept {
-  static_assert(
-      std::is_same_v<typename Silhouette::element, std::uint8_t> && Silhouette::channels() == 1,
-      "nuqi: a silhouette is one channel of uint8_t");
-  expect_output<float, 1, History>();
-  return write_apart(flat(nuqiUpdateMotionHistory_8u32f_C1IR, timestamp, duration), history,
-                     silhouette);
+template <class History, class Silhouette>
+[[gnu::always_inline]] inline Outcome motion_history(const Silhouette& silhouette,
+                                                     std::remove_reference_t<History>& history,
+                                                     float timestamp, float duration) noexcept {
+  static_assert(std::is_same_v<ElementOf<const Silhouette>, std::uint8_t> &&
+                    kChannelsOf<const Silhouette> == 1,
+                "nuqi: a silhouette is one channel of uint8_t");
+  expect_output<float, 1, std::remove_reference_t<History>>();
+  return write<Where::apart, History>(flat(nuqiUpdateMotionHistory_8u32f_C1IR, timestamp, duration),
+                                      history, silhouette);
 }
 
-template <class Y, class X, class Angle>
-Outcome arctan(Y y, X x, Angle angle) noexcept {
-  expect_alike<Y, X, Angle>();
-  static_assert(std::is_same_v<typename Y::element, float> && Y::channels() == 1,
-                "nuqi: arctan takes one channel of float");
-  // C takes plain arrays: rows that lie back to back, or one row after the other.
-  const auto call = [](RoiSize roi, auto of_y, auto of_x, auto to) {
-    return nuqibFastArctan_32f(of_y.data, of_x.data, to.data, roi.width * roi.height);
-  };
-  const auto whole_row = [](auto view) { return view.step() == view.row_bytes(); };
-  if (ready(angle, y, x) && angle.size() <= kMost && whole_row(y) && whole_row(x) &&
-      whole_row(angle) && (far_apart(angle, y) || identical(angle, y)) &&
-      (far_apart(angle, x) || identical(angle, x))) {
-    return call(roi_of(y), whole(y), whole(x), whole(angle));
+/// C takes plain arrays: images whose rows lie back to back, or one row after the other.
+struct CallArctan {
+  [[gnu::always_inline]] StatusCode operator()(RoiSize roi, Part<const float> y,
+                                               Part<const float> x,
+                                               Part<float> angle) const noexcept {
+    return nuqibFastArctan_32f(y.data, x.data, angle.data, roi.width * roi.height);
   }
-  if (const Outcome bad = check_sizes(angle, y, x); bad.failed()) return bad;
-  if (const Outcome bad = check_in_place(angle, y, x); bad.failed()) return bad;
-  return in_bands(y.width(), call, y, x, angle);
+};
+
+template <class Angle, class Y, class X>
+[[gnu::noinline, gnu::cold]] Outcome arctan_slowly(const Y& y, const X& x,
+                                                   std::remove_reference_t<Angle>& angle) {
+  const auto out = as_output<Angle>(angle);
+  if (const Outcome bad = check_sizes(out, as_input(y), as_input(x)); bad.failed()) return bad;
+  if (const Outcome bad = check_in_place(out, as_input(y), as_input(x)); bad.failed()) return bad;
+  return in_bands(out.width(), CallArctan{}, as_input(y), as_input(x), out);
+}
+
+template <class Angle, class Y, class X>
+[[gnu::always_inline]] inline Outcome arctan(const Y& y, const X& x,
+                                             std::remove_reference_t<Angle>& angle) noexcept {
+  expect_alike<const Y, const X, std::remove_reference_t<Angle>>();
+  static_assert(std::is_same_v<ElementOf<const Y>, float> && kChannelsOf<const Y> == 1,
+                "nuqi: arctan takes one channel of float");
+  const auto out = as_output<Angle>(angle);
+  const auto of_y = as_input(y);
+  const auto of_x = as_input(x);
+  const std::ptrdiff_t gap = (out.step() ^ out.row_bytes()) | (of_y.step() ^ out.row_bytes()) |
+                             (of_x.step() ^ out.row_bytes());
+  const auto tight =
+      [&](auto view) {  // the same, and the compiler knows that their steps are equal
+        return decltype(view)(Members{}, view.data(), out.width(), out.height(), out.row_bytes());
+      };
+  if (ready(out, of_y, of_x) && gap == 0 && out.size() <= kMost &&
+      lies<Where::in_place>(tight(out), tight(of_y), tight(of_x))) {
+    return CallArctan{}(roi_of(out), whole(of_y), whole(of_x), whole(out));
+  }
+  return arctan_slowly<Angle>(y, x, angle);
 }
 
 inline constexpr auto kSampleLine = overloads(
@@ -61,15 +82,12 @@ template <class Silhouette, class History>
 [[nodiscard]] StatusCode motion_history(const Silhouette& silhouette, History&& history,
                                         float timestamp, float duration,
                                         std::nothrow_t /*tag*/) noexcept {
-  return detail::motion_history(detail::as_input(silhouette), detail::as_output<History>(history),
-                                timestamp, duration)
-      .status;
+  return detail::motion_history<History>(silhouette, history, timestamp, duration).status;
 }
 template <class Silhouette, class History>
 void motion_history(const Silhouette& silhouette, History&& history, float timestamp,
                     float duration) {
-  detail::require(detail::motion_history(detail::as_input(silhouette),
-                                         detail::as_output<History>(history), timestamp, duration),
+  detail::require(detail::motion_history<History>(silhouette, history, timestamp, duration),
                   "motion_history", silhouette, history, timestamp, duration);
 }
 
@@ -78,14 +96,11 @@ void motion_history(const Silhouette& silhouette, History&& history, float times
 template <class Y, class X, class Angle>
 [[nodiscard]] StatusCode arctan(const Y& y, const X& x, Angle&& angle,
                                 std::nothrow_t /*tag*/) noexcept {
-  return detail::arctan(detail::as_input(y), detail::as_input(x), detail::as_output<Angle>(angle))
-      .status;
+  return detail::arctan<Angle>(y, x, angle).status;
 }
 template <class Y, class X, class Angle>
 void arctan(const Y& y, const X& x, Angle&& angle) {
-  detail::require(
-      detail::arctan(detail::as_input(y), detail::as_input(x), detail::as_output<Angle>(angle)),
-      "arctan", y, x, angle);
+  detail::require(detail::arctan<Angle>(y, x, angle), "arctan", y, x, angle);
 }
 
 /// The pixels along a straight line, both ends included, one after the other: of one channel, or of three interleaved

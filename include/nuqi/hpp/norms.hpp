@@ -5,6 +5,7 @@
 #include <nuqi/hpp/selection.hpp>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
@@ -87,8 +88,7 @@ struct L2 {
   static double of_total(double total) noexcept { return std::sqrt(total); }
 };
 
-/// The number of pixels that a mask selects.
-inline std::int64_t count_of(View<const std::uint8_t> mask) {
+[[gnu::noinline]] inline std::int64_t count_of(View<const std::uint8_t> mask) {
   auto* const function = find<std::uint8_t, 1>(kNormL1);
   std::int64_t count = 0;
   (void)in_bands(
@@ -111,131 +111,93 @@ inline constexpr std::int64_t kPixelsOfNorm = !kMasked                   ? Ones:
                                               : std::is_same_v<T, float> ? kUnlimited
                                                                          : Measure::kBytes;
 
-/// A function of the bands of some images and, where there is one, of their mask, the last of the views.
-template <bool kMasked, class Function, class... Parts>
-[[gnu::always_inline]] inline StatusCode read_band(Function function, RoiSize roi, Parts... parts) {
-  if constexpr (kMasked) {
-    return function(roi, parts...);
+/// Calls `function` on the parts of `kImages` images and on that of their mask, or on ones.
+template <int kChannels, std::size_t kImages, class Function, class... Parts>
+[[gnu::always_inline]] inline StatusCode read_band(Function* function, double& norm, int channel,
+                                                   RoiSize roi, Parts... parts) {
+  const auto call = reading<kChannels>(function, channel, &norm);
+  if constexpr (sizeof...(Parts) > kImages) {
+    return call(roi, parts...);
   } else {
-    return function(roi, parts..., ones(roi));
+    return call(roi, parts..., ones(roi));
   }
 }
 
-/// The sum, or maximum, over all bands, in double precision: exact for bytes.
-template <class Measure, bool kMasked, class Function, class First, class... Others>
-[[gnu::noinline]] double total_of(const char* name, Function* function, int channel, First first,
-                                  Others... others) {
+/// The sum, or maximum, over all bands of some images, in double precision: exact for bytes.
+template <class Measure, std::size_t kImages, class Function, class Check, class First,
+          class... Others>
+double total_of(Function* function, const Check& check, int channel, First first,
+                Others... others) {
   using T = typename First::element;
-  double total = 0;
-  double norm = 0;
-  const auto call = reading<First::channels()>(function, channel, &norm);
+  constexpr bool kMasked = sizeof...(Others) == kImages;
+  double total = 0, norm = 0;
   const auto add = [&](RoiSize roi, auto... parts) {
-    const StatusCode status = read_band<kMasked>(call, roi, parts...);
+    const StatusCode status =
+        read_band<First::channels(), kImages>(function, norm, channel, roi, parts...);
     total = Measure::template combined<T>(total, norm);
     return status;
   };
-  require(in_bands(kPixelsOfNorm<Measure, T, kMasked>, add, first, others...), name, first,
-          others...);
+  check(in_bands(kPixelsOfNorm<Measure, T, kMasked>, add, first, others...));
   return total;
 }
 
-/// By one call where that is right, else band by band.
-template <class Measure, bool kMasked, class Function, class First, class... Others>
-[[gnu::always_inline]] inline double norm(const char* name, Function* function, int channel,
-                                          First first, Others... others) {
-  if (fits(first, others...) &&
-      first.size() <= kPixelsOfNorm<Measure, typename First::element, kMasked>) {
-    double value = 0;
-    const auto call = reading<First::channels()>(function, channel, &value);
-    require(read_band<kMasked>(call, roi_of(first), whole(first), whole(others)...), name, first,
-            others...);
-    return value;
-  }
-  return Measure::of_total(total_of<Measure, kMasked>(name, function, channel, first, others...));
-}
+/// What norms of one image, of the difference of two, and relative ones share.
+template <class Measure, const auto& kTable, std::size_t kImages>
+struct NormBase {
+  template <class T>
+  using Result = double;
+  template <class T, bool kMasked>
+  static constexpr std::int64_t kPixels = kPixelsOfNorm<Measure, T, kMasked>;
 
-template <class Measure, bool kMasked, class First, class... Mask>
-[[gnu::always_inline]] inline double norm_rel(const char* name, int channel, First a, First b,
-                                              Mask... mask) {
-  auto* const function = find<typename First::element, First::channels()>(Measure::kRel);
-  if (fits(a, b, mask...) && a.size() <= kPixelsOfNorm<Measure, typename First::element, kMasked>) {
-    return norm<Measure, kMasked>(name, function, channel, a, b, mask...);
+  template <class T, int kChannels, class... Parts>
+  [[gnu::always_inline]] static StatusCode once(double& result, int channel, RoiSize roi,
+                                                Parts... parts) {
+    return read_band<kChannels, kImages>(find<T, kChannels>(kTable), result, channel, roi,
+                                         parts...);
   }
-  constexpr double kLeast = 1.0 / (std::int64_t{1} << 52);  // what C takes for a denominator of 0
-  auto* const diff = find<typename First::element, First::channels()>(Measure::kDiff);
-  auto* const base = find<typename First::element, First::channels()>(Measure::kNorm);
-  const double numerator = total_of<Measure, kMasked>(name, diff, channel, a, b, mask...);
-  const double denominator = total_of<Measure, kMasked>(name, base, channel, b, mask...);
-  return Measure::of_total(numerator / (denominator == 0 ? kLeast : denominator));
-}
-
-/// Checks, then value(channel, views of the images..., mask, if any). Where is_zero(result), it may be that of an empty
-/// mask, and the mask is looked at.
-template <class Value, class IsZero, class Src, class... Arguments>
-[[gnu::always_inline]] inline auto read_one(const char* name, Value value, IsZero is_zero,
-                                            const Src& src, const Arguments&... selection) {
-  expect_selection<kChannelsOf<const Src>, Arguments...>();
-  const auto image = as_input(src);
-  const int channel = channel_of(selection...);
-  if constexpr (Selection<Arguments...>::kMasked) {
-    const auto mask = mask_of(selection...);
-    if (!ready(image, mask) || check_channel(channel, image.channels()).failed()) {
-      require(check_reading(channel, image, mask), name, src, selection...);
-    }
-    const auto result = value(channel, image, mask);
-    if (is_zero(result) && count_of(mask) == 0) refuse(kNothingSelected, name, src, selection...);
-    return result;
-  } else {
-    require(check_reading(channel, image), name, src, selection...);
-    return value(channel, image);
+  static bool is_nothing(double result) noexcept { return result == 0; }
+};
+template <class Measure, const auto& kTable, std::size_t kImages>
+struct Norm : NormBase<Measure, kTable, kImages> {
+  template <class Check, class First, class... Others>
+  static double of_bands(const Check& check, int channel, First first, Others... others) {
+    auto* const function = find<typename First::element, First::channels()>(kTable);
+    return Measure::of_total(
+        total_of<Measure, kImages>(function, check, channel, first, others...));
   }
-}
-template <class Value, class A, class B, class... Arguments>
-[[gnu::always_inline]] inline double read_two(const char* name, Value value, const A& a, const B& b,
-                                              const Arguments&... selection) {
-  expect_alike<const A, const B>();
-  expect_selection<kChannelsOf<const A>, Arguments...>();
-  const auto first = as_input(a);
-  const auto second = as_input(b);
-  const int channel = channel_of(selection...);
-  if constexpr (Selection<Arguments...>::kMasked) {
-    const auto mask = mask_of(selection...);
-    require(check_reading(channel, first, second, mask), name, a, b, selection...);
-    const double result = value(channel, first, second, mask);
-    if (result == 0 && count_of(mask) == 0) refuse(kNothingSelected, name, a, b, selection...);
-    return result;
-  } else {
-    require(check_reading(channel, first, second), name, a, b, selection...);
-    return value(channel, first, second);
+};
+template <class Measure>
+struct RelativeNorm : NormBase<Measure, Measure::kRel, 2> {
+  template <class Check, class First, class... Mask>
+  static double of_bands(const Check& check, int channel, First a, First b, Mask... mask) {
+    constexpr double kLeast = 1.0 / (std::int64_t{1} << 52);  // what C takes for a denominator of 0
+    auto* const diff = find<typename First::element, First::channels()>(Measure::kDiff);
+    auto* const base = find<typename First::element, First::channels()>(Measure::kNorm);
+    const double numerator = total_of<Measure, 2>(diff, check, channel, a, b, mask...);
+    const double denominator = total_of<Measure, 1>(base, check, channel, b, mask...);
+    return Measure::of_total(numerator / (denominator == 0 ? kLeast : denominator));
   }
-}
+};
 
 template <class Measure, class Src, class... Arguments>
 [[gnu::always_inline]] inline double norm_of(const char* name, const Src& src,
                                              const Arguments&... selection) {
-  auto* const function = find_for<Src>(Measure::kNorm);
-  const auto value = [=](int channel, auto image, auto... mask) {
-    return norm<Measure, (sizeof...(mask) > 0)>(name, function, channel, image, mask...);
-  };
-  return read_one(
-      name, value, [](double result) { return result == 0; }, src, selection...);
+  expect_selection<kChannelsOf<const Src>, Arguments...>();
+  return read<Norm<Measure, Measure::kNorm, 1>>(name, choose(selection...), src);
 }
 template <class Measure, class A, class B, class... Arguments>
 [[gnu::always_inline]] inline double norm_diff_of(const char* name, const A& a, const B& b,
                                                   const Arguments&... selection) {
-  auto* const function = find_for<A>(Measure::kDiff);
-  const auto value = [=](int channel, auto x, auto y, auto... mask) {
-    return norm<Measure, (sizeof...(mask) > 0)>(name, function, channel, x, y, mask...);
-  };
-  return read_two(name, value, a, b, selection...);
+  expect_alike<const A, const B>();
+  expect_selection<kChannelsOf<const A>, Arguments...>();
+  return read<Norm<Measure, Measure::kDiff, 2>>(name, choose(selection...), a, b);
 }
 template <class Measure, class A, class B, class... Arguments>
 [[gnu::always_inline]] inline double norm_rel_of(const char* name, const A& a, const B& b,
                                                  const Arguments&... selection) {
-  const auto value = [=](int channel, auto x, auto y, auto... mask) {
-    return norm_rel<Measure, (sizeof...(mask) > 0)>(name, channel, x, y, mask...);
-  };
-  return read_two(name, value, a, b, selection...);
+  expect_alike<const A, const B>();
+  expect_selection<kChannelsOf<const A>, Arguments...>();
+  return read<RelativeNorm<Measure>>(name, choose(selection...), a, b);
 }
 
 }  // namespace detail

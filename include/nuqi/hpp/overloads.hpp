@@ -31,6 +31,9 @@ constexpr Overloads<Each...> overloads(Each... each) noexcept {
   return {each...};
 }
 
+/// Where there is none.
+inline constexpr Overloads<> kNoFunctions{};
+
 template <class T, int Channels, class Function>
 constexpr Function* pick(const Overload<T, Channels, Function>& one) noexcept {
   return one.function;

@@ -42,43 +42,69 @@ inline constexpr Outcome kNotHalf{StatusBadSize,
 inline constexpr Outcome kNotTwice{StatusBadSize,
                                    "the output must have twice the width and twice the height"};
 
-/// `query` gives the bytes that `function` works in. The images are known to fit.
-template <class T, int C, class Function, class Query>
-[[gnu::always_inline]] inline Outcome pyramid_level(View<const T, C> src, View<T, C> dst,
-                                                    Function* function, Query* query,
+/// What a direction needs: its functions, and how the larger image is wrong.
+struct Down {
+  static constexpr const auto& kTable = kPyramidDown;
+  static constexpr auto* kQuery = nuqiPyrDownGetBufSize_Gauss5x5;
+  template <class Src, class Dst>
+  static bool sizes_match(Src src, Dst dst) noexcept {
+    return 2 * dst.width() == src.width() && 2 * dst.height() == src.height();
+  }
+  template <class Src>
+  static Outcome fault(Src src) noexcept {
+    return ((src.width() | src.height()) & 1) != 0 ? kOddSize : kNotHalf;
+  }
+};
+struct Up {
+  static constexpr const auto& kTable = kPyramidUp;
+  static constexpr auto* kQuery = nuqiPyrUpGetBufSize_Gauss5x5;
+  template <class Src, class Dst>
+  static bool sizes_match(Src src, Dst dst) noexcept {
+    return dst.width() == 2 * src.width() && dst.height() == 2 * src.height();
+  }
+  template <class Src>
+  static Outcome fault(Src /*src*/) noexcept {
+    return kNotTwice;
+  }
+};
+
+template <class Direction, class Dst, class Src>
+[[gnu::noinline, gnu::cold]] Outcome check_level(const Src& src,
+                                                 std::remove_reference_t<Dst>& dst) noexcept {
+  const auto in = as_input(src);
+  const auto out = as_output<Dst>(dst);
+  if (in.empty()) return kEmpty;
+  if (!fits(in, out)) return kTooLarge;
+  if (!Direction::sizes_match(in, out)) return Direction::fault(in);
+  return check_apart(out, in);
+}
+
+template <class Direction, class Dst, class Src>
+[[gnu::always_inline]] inline Outcome pyramid_level(const Src& src,
+                                                    std::remove_reference_t<Dst>& dst,
                                                     Scratch& scratch) noexcept {
-  if (!far_apart(dst, src) && overlap(dst, src)) return kOverlap;
-  std::int32_t bytes = 0;
-  const StatusCode status = query(static_cast<std::int32_t>(src.width()), kDataType<T>, C, &bytes);
-  if (status != StatusOk) return kNoScratch;
-  void* const buffer = scratch.get(static_cast<std::size_t>(bytes));
+  using T = ElementOf<const Src>;
+  constexpr int kChannels = kChannelsOf<const Src>;
+  static_assert(std::is_same_v<ElementOf<std::remove_reference_t<Dst>>, T> &&
+                    kChannelsOf<std::remove_reference_t<Dst>> == kChannels,
+                "nuqi: a pyramid's levels have the same elements and channels");
+  const auto in = as_input(src);
+  const auto out = as_output<Dst>(dst);
+  if (!ready(in) || !fits(out) || !Direction::sizes_match(in, out) || !far_apart(in, out)) {
+    if (const Outcome bad = check_level<Direction, Dst>(src, dst); bad.failed()) return bad;
+  }
+  const auto width = static_cast<std::int32_t>(in.width());
+  const auto query = Direction::kQuery;
+  void* const buffer = scratch.get_for(
+      {reinterpret_cast<void (*)()>(query), static_cast<std::uint64_t>(width),
+       kDataType<T> * 16 + kChannels},
+      [=] {
+        std::int32_t bytes = 0;
+        const bool known = query(width, kDataType<T>, kChannels, &bytes) == StatusOk;
+        return known ? static_cast<std::size_t>(bytes) : 0;
+      });
   if (buffer == nullptr) return kNoScratch;
-  const Part<const T> from = whole(src);
-  const Part<T> to = whole(dst);
-  return function(from.data, from.step, to.data, to.step, roi_of(src), buffer);
-}
-
-template <class T, class D, int C>
-[[gnu::always_inline]] inline Outcome pyramid_down(View<const T, C> src, View<D, C> dst,
-                                                   Scratch& scratch) noexcept {
-  static_assert(std::is_same_v<T, D>, "nuqi: pyramid_down writes elements of its input's type");
-  if (src.empty()) return kEmpty;
-  if (((src.width() | src.height()) & 1) != 0) return kOddSize;
-  if (!fits(src, dst)) return kTooLarge;
-  if (2 * dst.width() != src.width() || 2 * dst.height() != src.height()) return kNotHalf;
-  return pyramid_level<T, C>(src, dst, find<T, C>(kPyramidDown), nuqiPyrDownGetBufSize_Gauss5x5,
-                             scratch);
-}
-
-template <class T, class D, int C>
-[[gnu::always_inline]] inline Outcome pyramid_up(View<const T, C> src, View<D, C> dst,
-                                                 Scratch& scratch) noexcept {
-  static_assert(std::is_same_v<T, D>, "nuqi: pyramid_up writes elements of its input's type");
-  if (src.empty()) return kEmpty;
-  if (!fits(src, dst)) return kTooLarge;
-  if (dst.width() != 2 * src.width() || dst.height() != 2 * src.height()) return kNotTwice;
-  return pyramid_level<T, C>(src, dst, find<T, C>(kPyramidUp), nuqiPyrUpGetBufSize_Gauss5x5,
-                             scratch);
+  return flat(find<T, kChannels>(Direction::kTable), buffer)(roi_of(in), whole(in), whole(out));
 }
 
 }  // namespace detail
@@ -88,15 +114,13 @@ template <class T, class D, int C>
 /// apart from it. Throws Error.
 template <class Source, class Output>
 void pyramid_down(const Source& src, Output&& dst, Scratch& scratch) {
-  detail::require(
-      detail::pyramid_down(detail::as_input(src), detail::as_output<Output>(dst), scratch),
-      "pyramid_down", src, dst);
+  detail::require(detail::pyramid_level<detail::Down, Output>(src, dst, scratch), "pyramid_down",
+                  src, dst);
 }
 template <class Source, class Output>
 [[nodiscard]] StatusCode pyramid_down(const Source& src, Output&& dst, Scratch& scratch,
                                       std::nothrow_t /*tag*/) noexcept {
-  return detail::pyramid_down(detail::as_input(src), detail::as_output<Output>(dst), scratch)
-      .status;
+  return detail::pyramid_level<detail::Down, Output>(src, dst, scratch).status;
 }
 template <class Source, class Output>
 void pyramid_down(const Source& src, Output&& dst) {
@@ -114,14 +138,13 @@ template <class Source, class Output>
 /// height of src, else as pyramid_down. Throws Error.
 template <class Source, class Output>
 void pyramid_up(const Source& src, Output&& dst, Scratch& scratch) {
-  detail::require(
-      detail::pyramid_up(detail::as_input(src), detail::as_output<Output>(dst), scratch),
-      "pyramid_up", src, dst);
+  detail::require(detail::pyramid_level<detail::Up, Output>(src, dst, scratch), "pyramid_up", src,
+                  dst);
 }
 template <class Source, class Output>
 [[nodiscard]] StatusCode pyramid_up(const Source& src, Output&& dst, Scratch& scratch,
                                     std::nothrow_t /*tag*/) noexcept {
-  return detail::pyramid_up(detail::as_input(src), detail::as_output<Output>(dst), scratch).status;
+  return detail::pyramid_level<detail::Up, Output>(src, dst, scratch).status;
 }
 template <class Source, class Output>
 void pyramid_up(const Source& src, Output&& dst) {

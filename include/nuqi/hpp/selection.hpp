@@ -52,23 +52,41 @@ constexpr void expect_selection() noexcept {
                 "nuqi: this image has several channels: say which is meant, counted from 0");
 }
 
-template <class... Channel>
-View<const std::uint8_t> mask_of(const Mask& mask, const Channel&... /*channel*/) noexcept {
-  return mask.view();
+/// The selection of a call: a channel, from 0 on, and perhaps a mask.
+template <bool kMasked>
+struct Choice {
+  int channel;
+};
+template <>
+struct Choice<true> {
+  int channel;
+  const Mask& mask;
+};
+
+/// Channels of any integer type.
+template <class Channel>
+constexpr int to_channel(Channel channel) noexcept {
+  constexpr int kMany = 1000000;
+  return channel < Channel{0} ? -1 : channel > Channel{100} ? kMany : static_cast<int>(channel);
 }
-/// The channel, from 0 on; numbers that none can have become -1.
-inline int channel_of() noexcept { return 0; }
-template <class Last>
-int channel_of(const Last& last) noexcept {
-  if constexpr (kIsChannel<Last>) {
-    return last < Last{0} || last > Last{100} ? -1 : static_cast<int>(last);
+constexpr Choice<false> choose() noexcept { return {0}; }
+template <class Only>
+constexpr auto choose(const Only& only) noexcept {
+  if constexpr (std::is_same_v<Only, Mask>) {
+    return Choice<true>{0, only};
+  } else if constexpr (kIsChannel<Only>) {
+    return Choice<false>{to_channel(only)};
   } else {
-    return 0;
+    return Choice<false>{0};
   }
 }
 template <class Channel>
-int channel_of(const Mask& /*mask*/, const Channel& channel) noexcept {
-  return channel_of(channel);
+constexpr Choice<true> choose(const Mask& mask, const Channel& channel) noexcept {
+  return {choose(channel).channel, mask};
+}
+template <class First, class Second, class... More>  // expect_selection has said why not
+constexpr Choice<false> choose(const First&, const Second&, const More&...) noexcept {
+  return {0};
 }
 
 /// A mask that selects everything, for functions that have no other form: bands of so many pixels.
@@ -86,12 +104,6 @@ inline constexpr Ones kOnes{};
   return {kOnes.bytes, roi.width};
 }
 
-/// What a statistic refuses: empty images, unequal sizes, channels that are not there.
-template <class First, class... Others>
-Outcome check_reading(int channel, First first, Others... others) noexcept {
-  if (const Outcome bad = check_sizes(first, others...); bad.failed()) return bad;
-  return check_channel(channel, First::channels());
-}
 /// The bytes of a view as a view again, within a band.
 template <class T>
 View<T> view_of(Part<T> part, RoiSize roi) noexcept {
@@ -107,6 +119,78 @@ template <int Channels, class Function, class... Results>
   } else {
     return flat(function, static_cast<std::int32_t>(channel + 1), results...);
   }
+}
+
+/// The number of pixels that a mask selects: an L1 norm, see norms.hpp.
+std::int64_t count_of(View<const std::uint8_t> mask);
+
+[[gnu::noinline, gnu::cold]] inline bool selects_any(const Mask& mask) {
+  return count_of(mask.view()) > 0;
+}
+
+// ---- Reading
+
+/// The common case, by one C call. False where it is another, or a failure.
+template <class Statistic, bool kMasked, class Result, class First, class... Others>
+[[gnu::always_inline]] inline bool read_once(Result& result, int channel, First first,
+                                             Others... others) {
+  using T = typename First::element;
+  constexpr int kChannels = First::channels();
+  if (!ready(first, others...) || first.size() > Statistic::template kPixels<T, kMasked> ||
+      check_channel(channel, kChannels).failed()) {
+    return false;
+  }
+  return Statistic::template once<T, kChannels>(result, channel, roi_of(first), whole(first),
+                                                whole(others)...) >= 0;
+}
+
+/// All else: what is wrong is found out, and bands are cut.
+template <class Statistic, bool kMasked, class First, class... Others>
+[[gnu::noinline, gnu::cold]] auto read_slowly(const char* name, Choice<kMasked> choice,
+                                              const First& first, const Others&... others) {
+  constexpr int kChannels = kChannelsOf<const First>;
+  const auto read = [&](auto... mask) {
+    const auto check = [&](Outcome outcome) {
+      if constexpr (kChannels == 1) {
+        require(outcome, name, first, others..., mask...);
+      } else {
+        require(outcome, name, first, others..., mask..., choice.channel);
+      }
+    };
+    check(check_sizes(as_input(first), as_input(others)..., mask...));
+    check(check_channel(choice.channel, kChannels));
+    const auto result =
+        Statistic::of_bands(check, choice.channel, as_input(first), as_input(others)..., mask...);
+    if (Statistic::is_nothing(result) && ((count_of(mask) == 0) || ...)) check(kNothingSelected);
+    return result;
+  };
+  if constexpr (kMasked) {
+    return read(choice.mask.view());
+  } else {
+    return read();
+  }
+}
+
+/// Reads one image, or two that are alike. A statistic has
+///   Result<T>, kPixels<T, kMasked>                 of elements T; the pixels that one C call takes
+///   once<T, C>(result, channel, roi, parts...)     that call: a status; the mask's part comes last
+///   of_bands(check, channel, views...)             the same of images of any size; check(status) throws
+///   is_nothing(result)                             whether an empty mask may be the reason
+template <class Statistic, bool kMasked, class First, class... Others>
+[[gnu::always_inline]] inline auto read(const char* name, Choice<kMasked> choice,
+                                        const First& first, const Others&... others) {
+  typename Statistic::template Result<ElementOf<const First>> result{};
+  if constexpr (kMasked) {
+    if (read_once<Statistic, true>(result, choice.channel, as_input(first), as_input(others)...,
+                                   choice.mask.view()) &&
+        (!Statistic::is_nothing(result) || selects_any(choice.mask))) {
+      return result;
+    }
+  } else if (read_once<Statistic, false>(result, choice.channel, as_input(first),
+                                         as_input(others)...)) {
+    return result;
+  }
+  return read_slowly<Statistic>(name, choice, first, others...);
 }
 
 }  // namespace nuqi::detail

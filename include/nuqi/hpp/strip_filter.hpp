@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 namespace nuqi::detail {
@@ -81,14 +82,18 @@ class StripFilter {
   ~StripFilter() = default;
 
   /// A whole image.
-  template <class T, class D, int C>
-  [[gnu::always_inline]] Outcome run(View<const T, C> src, View<D, C> dst) noexcept {
+  template <class Output, class Source>
+  [[gnu::always_inline]] inline Outcome run(const Source& src,
+                                            std::remove_reference_t<Output>& dst) noexcept {
     rows_.end();
-    if (ready(dst, src) && far_apart(dst, src) &&
-        state_.serves(src.width(), Filter::template kType<T, C>)) {
-      return call_whole(src, dst);
+    const auto in = as_input(src);
+    const auto out = as_output<Output>(dst);
+    if (ready(out, in) && far_apart(out, in) &&
+        state_.serves(in.width(),
+                      Filter::template kType<ElementOf<const Source>, kChannelsOf<const Source>>)) {
+      return call_whole(in, out);
     }
-    return run_slowly(src, dst);
+    return run_slowly<Output>(src, dst);
   }
 
  private:
@@ -117,15 +122,18 @@ class StripFilter {
                                                  state_.get(), 0);
   }
   /// All else: what is wrong is found out, a state is fetched, bands are cut.
-  template <class T, class D, int C>
-  [[gnu::noinline, gnu::cold]] Outcome run_slowly(View<const T, C> src, View<D, C> dst) noexcept {
-    Outcome outcome = check_sizes(src, dst);
+  template <class Output, class Source>
+  [[gnu::noinline, gnu::cold]] Outcome run_slowly(const Source& src,
+                                                  std::remove_reference_t<Output>& dst) noexcept {
+    const auto in = as_input(src);
+    const auto out = as_output<Output>(dst);
+    Outcome outcome = check_sizes(in, out);
     if (outcome.failed()) return outcome;
-    outcome = check_apart(dst, src);
+    outcome = check_apart(out, in);
     if (outcome.failed()) return outcome;
-    if (!fits(src, dst)) return guarded([&] { return in_bands(src, dst); });
-    outcome = prepare<T, C>(src.width());
-    return outcome.failed() ? outcome : call_whole(src, dst);
+    if (!fits(in, out)) return guarded([&] { return in_bands(in, out); });
+    outcome = prepare<ElementOf<const Source>, kChannelsOf<const Source>>(in.width());
+    return outcome.failed() ? outcome : call_whole(in, out);
   }
 
   /// A state for images of a width and type.

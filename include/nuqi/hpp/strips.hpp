@@ -36,12 +36,12 @@ class ConvolFilter : public StripFilter<Filter, ConvolState> {
   /// Error.
   template <class Source, class Output>
   void operator()(const Source& src, Output&& dst) {
-    require(this->run(as_input(src), as_output<Output>(dst)), name(), src, dst);
+    require(this->template run<Output>(src, dst), name(), src, dst);
   }
   template <class Source, class Output>
   [[nodiscard]] StatusCode operator()(const Source& src, Output&& dst,
                                       std::nothrow_t /*tag*/) noexcept {
-    return this->run(as_input(src), as_output<Output>(dst)).status;
+    return this->template run<Output>(src, dst).status;
   }
 
  protected:

@@ -55,6 +55,10 @@ constexpr const char* fault_of_shape(const void* data, std::int64_t width, std::
   return nullptr;
 }
 
+/// Tags of constructors.
+struct Unchecked {};
+struct Members {};
+
 }  // namespace detail
 
 /// A rectangle of pixels in anybody's memory: a pointer, a width and height in pixels, and the step from the
@@ -83,19 +87,18 @@ class View {
   /// What writes may read.
   template <class U, class = std::enable_if_t<std::is_same_v<const U, T> && !std::is_const_v<U>>>
   constexpr View(const View<U, Channels>& other) noexcept  // NOLINT(google-explicit-constructor)
-      : View(View<U, Channels>::unchecked, other.data(), other.width(), other.height(),
-             other.step()) {}
+      : data_(other.data()), width_(other.width()), height_(other.height()), step_(other.step()) {}
 
   /// For shapes that are known to hold.
-  struct Unchecked {};
-  static constexpr Unchecked unchecked{};
-  template <class Tag>
-  constexpr View(Tag /*unchecked*/, T* data, std::int64_t width, std::int64_t height,
+  static constexpr detail::Unchecked unchecked{};
+  constexpr View(detail::Unchecked /*tag*/, T* data, std::int64_t width, std::int64_t height,
                  std::ptrdiff_t step) noexcept
-      : data_(data),
-        width_(width),
-        height_(height),
-        step_(height > 1 ? step : static_cast<std::ptrdiff_t>(width) * kPixelBytes) {}
+      : View(detail::Members{}, data, width, height,
+             height > 1 ? step : static_cast<std::ptrdiff_t>(width) * kPixelBytes) {}
+  /// The members as they are.
+  constexpr View(detail::Members /*tag*/, T* data, std::int64_t width, std::int64_t height,
+                 std::ptrdiff_t step) noexcept
+      : data_(data), width_(width), height_(height), step_(step) {}
 
   [[nodiscard]] constexpr T* data() const noexcept { return data_; }
   [[nodiscard]] constexpr std::int64_t width() const noexcept { return width_; }

@@ -25,13 +25,13 @@ PyObject* filter(Arguments a, Go go) {
 // (image, out, derivative)
 PyObject* sobel3x3(Arguments a) {
   static constexpr const char* kWords[] = {"dx", "dy", "d2x", "d2y", "dxdy"};
-  const auto which = static_cast<Derivative>(word(a[2], "derivative", kWords, 5));
+  const Derivative which = static_cast<Derivative::Kind>(word(a[2], "derivative", kWords, 5));
   return filter(a, [=](const auto& image, const auto& out) { nuqi::sobel3x3(image, which, out); });
 }
 // (image, out, derivative, shift)
 PyObject* scharr(Arguments a) {
   static constexpr const char* kWords[] = {"dx", "dy"};
-  const auto which = static_cast<Derivative>(word(a[2], "derivative", kWords, 2));
+  const Derivative which = static_cast<Derivative::Kind>(word(a[2], "derivative", kWords, 2));
   const int shift = integer(a[3], "shift");
   return filter(
       a, [=](const auto& image, const auto& out) { nuqi::scharr(image, which, out, shift); });

@@ -18,7 +18,7 @@ export -f use
 export compiler include
 
 "$compiler" -std=c++17 -fsyntax-only -I "$include" -DWRONG_USE=0 wrong_uses.cpp
-uses=$(awk '/^#(el)?if WRONG_USE == / {number = $NF} sub(/^ *\/\/ expect: /, "") {print number; print}' wrong_uses.cpp)
+uses=$(sed -nE 's,^#(el)?if WRONG_USE == ([0-9]+) +// expect: (.+),\2\n\3,p' wrong_uses.cpp)
 count=$(grep -c 'WRONG_USE ==' wrong_uses.cpp)
 [ "$count" -gt 0 ] && [ "$(wc -l <<<"$uses")" -eq $((2 * count)) ] || { echo "a wrong use expects nothing" >&2; exit 1; }
 amiss=$(xargs -d '\n' -n 2 -P "$(nproc)" bash -c 'use "$@"' _ <<<"$uses")

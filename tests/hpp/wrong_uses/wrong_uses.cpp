@@ -33,51 +33,46 @@ struct nuqi::ImageTraits<ColumnMajor> {
 
 #if defined(WRONG_USE)
 void wrong() {
-#if WRONG_USE == 1
-  // expect: two images are compared by norm_diff
+#if WRONG_USE == 1  // expect: two images are compared by norm_diff
   (void)norm_l2(image, other);
-#elif WRONG_USE == 2
-  // expect: masks come last among the inputs
+#elif WRONG_USE == 2   // expect: masks come last among the inputs
   abs_diff(Mask(image), other, other);
-#elif WRONG_USE == 3
-  // expect: no matching function
+#elif WRONG_USE == 3   // expect: an image stands where a mask belongs
   accumulate(image, other, floats);
-#elif WRONG_USE == 4
-  // expect: the output is const
+#elif WRONG_USE == 4   // expect: the output is const
   abs_diff(image, other, fixed);
-#elif WRONG_USE == 5
-  // expect: this operation does not exist for this element type and number of channels
+#elif WRONG_USE == 5   // expect: this operation does not exist for this element type
   min_eigen(slopes, floats);
-#elif WRONG_USE == 6
-  // expect: ask for it by as<1>() or as<3>()
+#elif WRONG_USE == 6   // expect: ask for it by as<1>() or as<3>()
   (void)mean(any, 0);
-#elif WRONG_USE == 7
-  // expect: say which is meant, counted from 0
+#elif WRONG_USE == 7   // expect: say which is meant, counted from 0
   (void)mean_std(colours);
-#elif WRONG_USE == 8
-  // expect: leave the number of the channel out
+#elif WRONG_USE == 8   // expect: leave the number of the channel out
   (void)min_max(image, 0);
-#elif WRONG_USE == 9
-  // expect: the images differ in their elements or channels
+#elif WRONG_USE == 9   // expect: the images differ in their elements or channels
   abs_diff(image, floats, floats);
-#elif WRONG_USE == 10
-  // expect: this operation writes other elements
+#elif WRONG_USE == 10  // expect: this operation writes other elements
   accumulate(image, other);
-#elif WRONG_USE == 11
-  // expect: a Mask is made of one channel of uint8_t
+#elif WRONG_USE == 11  // expect: a Mask is made of one channel of uint8_t
   (void)mean(floats, Mask(floats));
-#elif WRONG_USE == 12
-  // expect: specialise ImageTraits
+#elif WRONG_USE == 12  // expect: specialise ImageTraits
   (void)mean(Theirs{});
-#elif WRONG_USE == 13
-  // expect: make it row-major
+#elif WRONG_USE == 13  // expect: make it row-major
   (void)mean(ColumnMajor{});
-#elif WRONG_USE == 14
-  // expect: as many planes as there are channels
+#elif WRONG_USE == 14  // expect: as many planes as there are channels
   split(colours, image, other, image, other);
-#elif WRONG_USE == 15
-  // expect: a temporary Image: its pixels would be lost
+#elif WRONG_USE == 15  // expect: a temporary Image: its pixels would be lost
   abs_diff(image, other, Image<std::uint8_t>(8, 8));
+#elif WRONG_USE == 16  // expect: these elements have no such derivative
+  sobel3x3(floats, Derivative::d2x, floats);
+#elif WRONG_USE == 17  // expect: these elements have no such derivative
+  scharr(image, Derivative::dxdy, slopes);
+#elif WRONG_USE == 18  // expect: an image stands where a mask belongs
+  accumulate_product(image, other, image, floats);
+#elif WRONG_USE == 19  // expect: behind the image comes the derivative
+  sobel3x3(image, slopes, slopes);
+#elif WRONG_USE == 20  // expect: an image stands where a mask belongs
+  (void)accumulate_weighted(image, other, floats, 0.5F, std::nothrow);
 #endif
 }
 #else
@@ -107,7 +102,7 @@ int main() {
          (void)histogram(image, {0, 300});
        }},
       {"there is no such derivative of these elements (StatusUnsupported)",
-       [] { sobel3x3(floats, Derivative::dxdy, Image<float>(8, 8).view()); }},
+       [] { sobel3x3(floats, Derivative(Derivative::dxdy), Image<float>(8, 8).view()); }},
   };
   int failures = 0;
   for (const Throwing& wrong : uses) {
