@@ -44,14 +44,15 @@ NUQI_INLINE void reach_row(const FillJob<T>& job, FillState& state, int32_t y) {
     start_row(job, ++state.bottom, (y + 1) % kFillBandRows == 0);
 }
 
-// Makes words of a row ready, those from `first` to `end` - 1.
+// Makes words of a row ready, those from `first` to `last`.
 template <class Rule, class T>
-NUQI_NOINLINE void prepare(const Rule& rule, const FillJob<T>& job, FillState& state, int32_t y,
-                           int32_t first, int32_t end) {
+NUQI_NOINLINE void prepare(const Rule& shared_rule, const FillJob<T>& job, FillState& state,
+                           int32_t y, int32_t first, int32_t last) {
+  const Rule rule = shared_rule;  // a copy: see WordField
   reach_row(job, state, y);
   FillGroup* const groups = job.groups + y * job.row_groups;
   FillWord* const words = job.words + y * job.row_words;
-  for (int32_t k = first; k < end; ++k) {
+  for (int32_t k = first; k <= last; ++k) {
     FillGroup& group = groups[k / kFillGroupWords];
     const uint64_t bit = uint64_t{1} << k % kFillGroupWords;
     if ((group.ready & bit) != 0) continue;
@@ -65,7 +66,7 @@ NUQI_NOINLINE void prepare(const Rule& rule, const FillJob<T>& job, FillState& s
 template <class Rule, class T>
 NUQI_NOINLINE bool reach(const Rule& rule, const FillJob<T>& job, FillState& state, PixelPoint at) {
   const int32_t k = at.x / kFillWordPixels;
-  prepare(rule, job, state, at.y, k, k + 1);
+  prepare(rule, job, state, at.y, k, k);
   FillWord& word = job.words[at.y * job.row_words + k];
   const bool waits = word.pending != 0;
   word.pending |= uint64_t{1} << at.x % kFillWordPixels;
@@ -162,7 +163,7 @@ class WordField {
   NUQI_INLINE bool open(int32_t x, int32_t y) {
     if constexpr (kLocal) return rule_.matches(x, y);
     const int32_t k = x / kFillWordPixels;
-    if (!is_ready(y, k)) prepare(shared_rule_, job_, state_, y, k, k + 1);
+    if (!is_ready(y, k)) prepare(shared_rule_, job_, state_, y, k, k);
     return (word(y, k).open >> x % kFillWordPixels & 1) != 0;
   }
   NUQI_INLINE bool joins(int32_t x, int32_t y, int dx, int dy) const {
@@ -230,7 +231,7 @@ class WordField {
   NUQI_INLINE void close(int32_t y, int32_t k, uint64_t pixels) {
     if (!is_ready(y, k)) {
       if constexpr (kLocal) return;
-      prepare(shared_rule_, job_, state_, y, k, k + 1);  // the seed's
+      prepare(shared_rule_, job_, state_, y, k, k);  // the seed's
     }
     FillWord& closed = word(y, k);
     closed.open &= ~pixels;

@@ -23,6 +23,7 @@ namespace {
 struct WordRange {
   int32_t first, last, count;
 };
+constexpr WordRange kNoWords = {0, -1, 0};
 // Regions that run on for so many words are swept by rows.
 constexpr int32_t kWide = 2;
 
@@ -113,10 +114,10 @@ class Search {
   // Before words of a row are looked at.
   NUQI_INLINE void ready(int32_t y, int32_t first, int32_t last) {
     if (all_ready(y, first, last)) return;
-    prepare(rule_, job_, state_, y, first, last + 1);
+    prepare(rule_, job_, state_, y, first, last);
   }
   NUQI_INLINE void ready(int32_t y, int32_t k) {
-    if (!is_ready(y, k)) prepare(rule_, job_, state_, y, k, k + 1);
+    if (!is_ready(y, k)) prepare(rule_, job_, state_, y, k, k);
   }
   NUQI_INLINE void offer(int32_t y, int32_t k, uint64_t pixels) {
     FillWord& word = row_words(y)[k];
@@ -153,8 +154,10 @@ class Search {
         break;
       }
       const uint64_t open = word.open;
-      const uint64_t found = spread(rule_.in_row(y, k, open), seeds);
-      if ((found & ends) != 0) {
+      const RowSteps steps = rule_.in_row(y, k);
+      const uint64_t found = spread(steps, open, seeds);
+      if ((found & ends) != 0 && ((has_beside<-1>(k, found) && leads_beside<-1>(y, k)) ||
+                                  (has_beside<1>(k, found) && leads_beside<1>(y, k)))) {
         word.pending = seeds;
         done = false;
         break;
@@ -196,168 +199,183 @@ class Search {
     return done;
   }
 
-  NUQI_INLINE void visit(int32_t y, int32_t k) {
-    FillWord* const words = row_words(y);
-    int32_t first = k, last = k;
-    take(words[k], y, k);
-    for (; crosses<1>(y, last); ++last) take(words[last + 1], y, last + 1, kFirstPixel);
-    for (; crosses<-1>(y, first); --first) take(words[first - 1], y, first - 1, kLastPixel);
-    state_.extent.add_columns(first * kFillWordPixels + first_bit(words[first].found),
-                              last * kFillWordPixels + last_bit(words[last].found));
-    state_.extent.add_row(y);
-    if constexpr (kLocal)
-      if (last - first >= kWide) return sweep(y, first, last);
-    for (int dy = -1; dy <= 1; dy += 2)
-      if (has_row(y + dy)) next_row(y, first, last, dy);
+  // Whether the region leads on from a word's end pixel, which is found, to the words beside it.
+  template <int dx>
+  NUQI_INLINE bool leads_beside(int32_t y, int32_t k) {
+    for (int32_t row = y - diagonal; row <= y + diagonal; ++row) {
+      if (!has_row(row)) continue;
+      ready(row, k + dx);
+      if ((row_words(row)[k + dx].open & (dx < 0 ? kLastPixel : kFirstPixel)) != 0) return true;
+    }
+    return false;
   }
 
-  // From words of a row that have been visited, through the rows above or below as long as many of their
-  // words are reached and words pay. The rows on the other side are left waiting.
-  NUQI_INLINE void sweep(int32_t y, int32_t first, int32_t last) {
+  // From a word up or down, as long as rows are wide, many of their words are reached, and words pay. What
+  // is reached in the rows on the other side is left waiting.
+  NUQI_INLINE void visit(int32_t y, int32_t k) {
+    bool leads_back = false;
+    WordRange row = take_row(y, {k, k, 1}, 0, leads_back);
+    const auto further = [&](int dy) NUQI_FORCED {
+      const int32_t between = row.last - row.first;
+      const bool goes_on = between >= kWide && between <= 4 * row.count && state_.credit >= 0;
+      return goes_on && has_row(y + dy) ? take_row(y + dy, row, dy, leads_back) : kNoWords;
+    };
     int dy = -1;
-    for (bool started = false;;) {
-      const WordRange reached = reach(y, first, last, dy);
-      if (reached.count == 0 && !started && dy < 0) {
-        dy = 1;
-        continue;
-      }
-      started = true;
-      if (has_row(y - dy)) next_row(y, first, last, -dy);
-      if (reached.count == 0) return;
-      y += dy, first = reached.first, last = reached.last;
-      if (last - first > 4 * reached.count || state_.credit < 0) break;
-      take_range(y, first, last);
+    WordRange next = further(dy);
+    if (next.count == 0) next = further(dy = 1);
+    if (next.count != 0) leave_row(y, row, -dy);
+    while (next.count != 0) {
+      y += dy, row = next;
+      const bool leads = leads_back;
+      next = further(dy);
+      if (leads) leave_row(y, row, -dy);
     }
-    for (int32_t k = first; k <= last; ++k)
-      if (row_words(y)[k].pending != 0) leave_waiting(job_, state_, {y, k});
+    leave_row(y, row, -1);
+    leave_row(y, row, 1);
   }
-  // Makes pending what is reached from a row's words in the row dy further on.
-  NUQI_INLINE WordRange reach(int32_t y, int32_t first, int32_t last, int dy) {
-    if (!has_row(y + dy)) return {0, 0, 0};
-    const FillWord* const here = row_words(y);
-    FillWord* const words = row_words(y + dy);
-    const bool left = diagonal && has_beside<-1>(first, here[first].found);
-    const bool right = diagonal && has_beside<1>(last, here[last].found);
-    first -= left, last += right;
-    ready(y + dy, first, last);
-    WordRange reached = {last + 1, first - 1, 0};
-    for (int32_t k = first; k <= last; ++k) {
-      uint64_t near = 0;
-      if (k >= first + left && k <= last - right) near = here[k].found;
-      if constexpr (diagonal) {
-        near |= near << 1 | near >> 1;
-        if (k > first + left) near |= here[k - 1].found >> 63;
-        if (k < last - right) near |= here[k + 1].found << 63;
-      }
-      const uint64_t hit = near & words[k].open;
-      words[k].pending |= hit;
-      if (hit == 0) continue;
-      if (reached.count++ == 0) reached.first = k;
-      reached.last = k;
-    }
-    return reached;
-  }
-  // A visit of many words of a row; the region may lead on beyond them.
-  NUQI_INLINE void take_range(int32_t y, int32_t& first, int32_t& last) {
+
+  // Visits a row: words that are pending or reached from those of the row behind, `from`, which have just
+  // been visited; and words on either side into which the region leads. Without a row behind, where dy is 0,
+  // these are words of the row itself. What has been found, and whether it may lead back to the row behind.
+  NUQI_NOINLINE WordRange take_row(int32_t y, const WordRange from, const int dy,
+                                   bool& leads_back) {
     FillWord* const words = row_words(y);
-    uint64_t carry = 0;
-    for (int32_t k = first;; ++k) {
-      if (k > last) {
-        if (carry == 0 || k == row_words_) break;
+    const FillWord* const behind = row_words(y - dy);
+    const WordRange near = dy == 0 ? from : next_to(y - dy, from);
+    int32_t first = near.first, last = near.last;
+    ready(y, first, last);
+    WordRange taken = {INT32_MAX, -1, 0};
+    int64_t area = 0;
+    T* const row = row_of(job_.image, y);
+    const int32_t width = job_.roi.width;
+    const T value = job_.value;
+    const auto paint_at = [&](T* at, int32_t rest, uint64_t pixels) NUQI_FORCED {
+      if (rest < kFillWordPixels)
+        paint_first(at, pixels, value, rest);
+      else if (sizeof(T) == 4 && ~pixels == 0)
+        store(at, broadcast<T, kFillWordPixels>(value), Whole{});
+      else
+        paint(at, pixels, value, Whole{});
+    };
+    const auto take = [&](int32_t k, uint64_t open, uint64_t found) NUQI_FORCED {
+      words[k].open = open & ~found;
+      words[k].pending &= ~found;
+      area += count_bits(found);
+      if (k < taken.first) taken.first = k;
+      if (k > taken.last) taken.last = k;
+      ++taken.count;
+      if constexpr (kLocal) paint_at(row + k * kFillWordPixels, width - k * kFillWordPixels, found);
+    };
+    // What leaves a word is carried into the next one.
+    uint64_t carry = 0, leads_left = 0, leads = 0;
+    Near found_behind(behind, dy == 0 ? kNoWords : from, first);
+    for (int32_t k = first; k <= near.last || carry != 0; found_behind.advance(++k)) {
+      if (k > near.last) {
+        if (k == row_words_) break;
         ready(y, k);
-        if ((words[k].open & kFirstPixel) == 0) break;
         last = k;
       }
-      const uint64_t open = words[k].open, seeds = words[k].pending | (carry & open);
-      words[k].found = (((open + seeds) ^ open) | seeds) & open;
-      carry = words[k].found >> 63;
-    }
-    carry = 0;
-    for (int32_t k = last;; --k) {
-      if (k < first) {
-        if (carry == 0 || k < 0) break;
-        ready(y, k);
-        if ((words[k].open & kLastPixel) == 0) break;
-        first = k;
-        words[k].found = 0;
-      }
-      const uint64_t open = words[k].open, pending = words[k].pending;
-      const uint64_t found =
-          spread({open & open >> 1, open}, words[k].found | pending | (carry << 63 & open));
-      carry = found & 1;
-      words[k].open = open & ~found;
-      words[k].pending = 0;
+      const uint64_t open = words[k].open;
+      uint64_t seeds = words[k].pending | (carry & open);
+      seeds |= arriving(y - dy, found_behind, k, dy, open & ~seeds);
+      carry = 0;
+      words[k].found = 0;
+      if (seeds == 0) continue;
+      const RowSteps steps = rule_.in_row(y, k);
+      const uint64_t found = spread(steps, open, seeds);
       words[k].found = found;
-      if (found == 0) continue;
-      const int count = count_bits(found);
-      state_.extent.area += count;
-      state_.credit += count;
-      state_.extent.add_columns(k * kFillWordPixels + first_bit(found),
-                                k * kFillWordPixels + last_bit(found));
-      paint(job_, y, k, found);
+      take(k, open, found);
+      carry = (found & steps.right) >> 63;
+      leads_left |= found & (k > first ? words[k - 1].open >> 63 : 1);
+      leads |= (diagonal ? found | found << 1 | found >> 1 : found) & behind[k].open;
     }
+    // And to the left.
+    carry = 0;
+    if ((leads_left & kFirstPixel) != 0)
+      for (int32_t k = last; k >= first || carry != 0; --k) {
+        if (k < first) {
+          if (k < 0) break;
+          ready(y, k);
+          words[k].found = 0;
+        }
+        const uint64_t open = words[k].open;
+        uint64_t seeds = carry << 63 & open;
+        if (seeds != 0) {
+          const RowSteps steps = rule_.in_row(y, k);
+          seeds &= steps.left;
+          const uint64_t found = spread(steps, open, seeds);
+          words[k].found |= found;
+          if (found != 0) take(k, open, found);
+          leads = ~uint64_t{0};
+        }
+        carry = words[k].found & kFirstPixel;
+      }
+    leads_back = leads != 0 || taken.first < from.first || taken.last > from.last || diagonal;
+    if (taken.count == 0) return taken;
+    state_.credit += int32_t(area) - (kLocal ? 0 : kEffort * taken.count);
+    state_.extent.area += area;
+    state_.extent.add_columns(
+        taken.first * kFillWordPixels + first_bit(words[taken.first].found),
+        taken.last * kFillWordPixels + last_bit(words[taken.last].found));
     state_.extent.add_row(y);
+    return taken;
   }
-
-  // Finds what is reached within the word.
-  NUQI_INLINE void take(FillWord& word, int32_t y, int32_t k, uint64_t more = 0) {
-    const uint64_t open = word.open;
-    const uint64_t found = spread(rule_.in_row(y, k, open), word.pending | more);
-    word.open = open & ~found;
-    word.pending = 0;
-    word.found = found;
-    const int count = count_bits(found);
-    state_.extent.area += count;
-    state_.credit += count - (kLocal ? 0 : kEffort);
-    if constexpr (kLocal) paint(job_, y, k, found);
+  // Leaves waiting what is reached in the row dy further on, where there is one, from words of row y.
+  NUQI_NOINLINE void leave_row(int32_t y, const WordRange from, const int dy) {
+    if (!has_row(y + dy)) return;
+    const WordRange near = next_to(y, from);
+    ready(y + dy, near.first, near.last);
+    const FillWord* const there = row_words(y + dy);
+    Near found(row_words(y), from, near.first);
+    for (int32_t k = near.first; k <= near.last; ++k, found.advance(k))
+      offer(y + dy, k, arriving(y, found, k, dy, there[k].open & ~there[k].pending));
   }
-  // Whether the region goes on from the word's end pixel to the next word of the row.
-  template <int dx>
-  NUQI_INLINE bool crosses(int32_t y, int32_t k) {
-    if (!has_beside<dx>(k, row_words(y)[k].found)) return false;
-    ready(y, k + dx);
-    if ((row_words(y)[k + dx].open & (dx < 0 ? kLastPixel : kFirstPixel)) == 0) return false;
-    return rule_.joins(end_pixel<dx>(k), y, dx, 0);
+  // What has been found in a word of a visited row and in those beside it, word after word.
+  struct Near {
+    NUQI_INLINE Near(const FillWord* words, const WordRange& from, int32_t k)
+        : words(words), first(from.first), last(from.last), before(0), here(in(k)), next(in(k + 1)) {}
+    NUQI_INLINE uint64_t in(int32_t k) const {
+      return k >= first && k <= last ? words[k].found : 0;
+    }
+    NUQI_INLINE void advance(int32_t k) {
+      if constexpr (diagonal)
+        before = here, here = next, next = in(k + 1);
+      else
+        here = in(k);
+    }
+    const FillWord* words;
+    int32_t first, last;
+    uint64_t before, here, next;
+  };
+  // The words of the rows beside it that a row's words may lead to.
+  NUQI_INLINE WordRange next_to(int32_t y, const WordRange& from) const {
+    if (!diagonal) return from;
+    const FillWord* const words = row_words(y);
+    return {from.first - has_beside<-1>(from.first, words[from.first].found),
+            from.last + has_beside<1>(from.last, words[from.last].found), from.count};
   }
-
   // Whether the word's end pixel is found and has a word beside it.
   template <int dx>
   NUQI_INLINE bool has_beside(int32_t k, uint64_t found) const {
     return (found & (dx < 0 ? kFirstPixel : kLastPixel)) != 0 &&
            (dx < 0 ? k > 0 : k + 1 < row_words_);
   }
-  template <int dx>
-  NUQI_INLINE static int32_t end_pixel(int32_t k) {
-    return k * kFillWordPixels + (dx < 0 ? 0 : kFillWordPixels - 1);
-  }
-
-  // Offers what is reached from a row's words to the row dy further on.
-  NUQI_INLINE void next_row(int32_t y, int32_t first, int32_t last, int dy) {
-    const FillWord* const words = row_words(y);
-    const FillWord* const there = row_words(y + dy);
-    const bool left = diagonal && has_beside<-1>(first, words[first].found);
-    const bool right = diagonal && has_beside<1>(last, words[last].found);
-    ready(y + dy, first - left, last + right);
-    for (int32_t k = first; k <= last; ++k) {
-      const uint64_t found = words[k].found;
-      const uint64_t near = diagonal ? found | found << 1 | found >> 1 : found;
-      if ((near & there[k].open) != 0) {
-        uint64_t reached = found & rule_.steps(y, k, 0, dy);
-        if constexpr (diagonal)
-          reached |=
-              (found & rule_.steps(y, k, 1, dy)) << 1 | (found & rule_.steps(y, k, -1, dy)) >> 1;
-        offer(y + dy, k, reached);
-      }
-      if constexpr (diagonal) {
-        corner<-1>(y, k, dy, found);
-        corner<1>(y, k, dy, found);
-      }
+  // Of some open pixels of word k of the row dy further on, those that are reached from row y.
+  NUQI_INLINE uint64_t arriving(int32_t y, const Near& found, int32_t k, int dy,
+                                uint64_t open) const {
+    const uint64_t here = found.here, left = found.before >> 63, right = found.next << 63;
+    if constexpr (kLocal) return (diagonal ? here | here << 1 | here >> 1 | left | right : here) & open;
+    uint64_t reached = 0;
+    if ((here & open) != 0) reached = here & rule_.steps(y, k, 0, dy);
+    if constexpr (diagonal) {
+      const uint64_t missing = open & ~reached;
+      const int32_t x = k * kFillWordPixels;
+      if (((here << 1 | here >> 1) & missing) != 0)
+        reached |= (here & rule_.steps(y, k, 1, dy)) << 1 | (here & rule_.steps(y, k, -1, dy)) >> 1;
+      if ((left & missing) != 0 && rule_.joins(x - 1, y, 1, dy)) reached |= left;
+      if ((right & missing) != 0 && rule_.joins(x + kFillWordPixels, y, -1, dy)) reached |= right;
     }
-  }
-  template <int dx>
-  NUQI_INLINE void corner(int32_t y, int32_t k, int dy, uint64_t found) {
-    if (has_beside<dx>(k, found) && rule_.joins(end_pixel<dx>(k), y, dx, dy))
-      offer(y + dy, k + dx, dx < 0 ? kLastPixel : kFirstPixel);
+    return reached & open;
   }
 
   const Rule& rule_;
