@@ -71,14 +71,20 @@ template <class T>
 NUQI_NOINLINE void paint_first(T* at, uint64_t pixels, T value, int32_t rest) {
   paint(at, pixels, value, First{rest});
 }
+// A word that begins at a pixel and may end with the row, `rest` pixels on.
+template <class T>
+NUQI_INLINE void paint_at(T* at, uint64_t pixels, T value, int32_t rest) {
+  if (rest < kFillWordPixels)
+    paint_first(at, pixels, value, rest);
+  else if (sizeof(T) > 1 && ~pixels == 0)
+    store(at, broadcast<T, kFillWordPixels>(value));
+  else
+    paint(at, pixels, value, Whole{});
+}
 template <class T>
 NUQI_NOINLINE void paint_word(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
-  const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
-  T* const at = row_of(job.image, y) + x;
-  if (rest >= kFillWordPixels)
-    paint(at, pixels, job.value, Whole{});
-  else
-    paint_first(at, pixels, job.value, rest);
+  const int32_t x = k * kFillWordPixels;
+  paint_at(row_of(job.image, y) + x, pixels, job.value, job.roi.width - x);
 }
 template <class T>
 NUQI_INLINE void paint(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {

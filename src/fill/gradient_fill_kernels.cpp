@@ -104,10 +104,14 @@ class Gradient {
   }
 
  private:
-  NUQI_NOINLINE uint64_t word(const T* p, const T* q, int32_t rest) const {
-    if (rest >= kFillWordPixels) return joins_.word(p, q, Whole{});
-    if (rest == 0) return 0;
-    return joins_.word(p, q, First{rest});
+  NUQI_INLINE uint64_t word(const T* p, const T* q, int32_t rest) const {
+    if (rest < kFillWordPixels) return first(p, q, rest);
+    if constexpr (sizeof(T) > 1) return whole(p, q);
+    return joins_.word(p, q, Whole{});
+  }
+  NUQI_NOINLINE uint64_t whole(const T* p, const T* q) const { return joins_.word(p, q, Whole{}); }
+  NUQI_NOINLINE uint64_t first(const T* p, const T* q, int32_t rest) const {
+    return rest == 0 ? 0 : joins_.word(p, q, First{rest});
   }
 
   Image<T> image_;

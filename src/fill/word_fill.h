@@ -19,11 +19,19 @@
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Of words of a row: the first and last, and how many of those between count.
+// Words of a row.
 struct WordRange {
-  int32_t first, last, count;
+  int32_t first, last;
 };
-constexpr WordRange kNoWords = {0, -1, 0};
+
+// What a visit has found in a row. No larger than two registers: copies through memory cost more than words.
+struct RowVisit {
+  WordRange words;
+  int32_t count;       // of those between, in which anything has been found
+  int32_t leads_back;  // whether it may lead to the row that the visit came from
+};
+constexpr RowVisit kNoVisit = {{0, -1}, 0, 0};
+
 // Regions that run on for so many words are swept by rows.
 constexpr int32_t kWide = 2;
 
@@ -213,112 +221,108 @@ class Search {
   // From a word up or down, as long as rows are wide, many of their words are reached, and words pay. What
   // is reached in the rows on the other side is left waiting.
   NUQI_INLINE void visit(int32_t y, int32_t k) {
-    bool leads_back = false;
-    WordRange row = take_row(y, {k, k, 1}, 0, leads_back);
-    const auto further = [&](int dy) NUQI_FORCED {
-      const int32_t between = row.last - row.first;
+    const auto further = [&](const RowVisit& row, int dy) NUQI_FORCED {
+      const int32_t between = row.words.last - row.words.first;
       const bool goes_on = between >= kWide && between <= 4 * row.count && state_.credit >= 0;
-      return goes_on && has_row(y + dy) ? take_row(y + dy, row, dy, leads_back) : kNoWords;
+      return goes_on && has_row(y + dy) ? take_row(y + dy, row.words, dy) : kNoVisit;
     };
+    RowVisit row = take_row(y, {k, k}, 0);
+    row.leads_back = true;
     int dy = -1;
-    WordRange next = further(dy);
-    if (next.count == 0) next = further(dy = 1);
-    if (next.count != 0) leave_row(y, row, -dy);
+    RowVisit next = further(row, dy);
+    if (next.count == 0) next = further(row, dy = 1);
     while (next.count != 0) {
+      if (row.leads_back) leave_row(y, row.words, -dy);
       y += dy, row = next;
-      const bool leads = leads_back;
-      next = further(dy);
-      if (leads) leave_row(y, row, -dy);
+      next = further(row, dy);
     }
-    leave_row(y, row, -1);
-    leave_row(y, row, 1);
+    leave_row(y, row.words, -1);
+    leave_row(y, row.words, 1);
   }
 
   // Visits a row: words that are pending or reached from those of the row behind, `from`, which have just
   // been visited; and words on either side into which the region leads. Without a row behind, where dy is 0,
-  // these are words of the row itself. What has been found, and whether it may lead back to the row behind.
-  NUQI_NOINLINE WordRange take_row(int32_t y, const WordRange from, const int dy,
-                                   bool& leads_back) {
+  // these are words of the row itself.
+  NUQI_NOINLINE RowVisit take_row(int32_t y, const WordRange from, const int dy) {
     FillWord* const words = row_words(y);
     const FillWord* const behind = row_words(y - dy);
     const WordRange near = dy == 0 ? from : next_to(y - dy, from);
-    int32_t first = near.first, last = near.last;
-    ready(y, first, last);
-    WordRange taken = {INT32_MAX, -1, 0};
-    int64_t area = 0;
+    ready(y, near.first, near.last);
     T* const row = row_of(job_.image, y);
     const int32_t width = job_.roi.width;
     const T value = job_.value;
-    const auto paint_at = [&](T* at, int32_t rest, uint64_t pixels) NUQI_FORCED {
-      if (rest < kFillWordPixels)
-        paint_first(at, pixels, value, rest);
-      else if (sizeof(T) == 4 && ~pixels == 0)
-        store(at, broadcast<T, kFillWordPixels>(value), Whole{});
-      else
-        paint(at, pixels, value, Whole{});
-    };
-    const auto take = [&](int32_t k, uint64_t open, uint64_t found) NUQI_FORCED {
-      words[k].open = open & ~found;
-      words[k].pending &= ~found;
-      area += count_bits(found);
-      if (k < taken.first) taken.first = k;
-      if (k > taken.last) taken.last = k;
-      ++taken.count;
-      if constexpr (kLocal) paint_at(row + k * kFillWordPixels, width - k * kFillWordPixels, found);
-    };
-    // What leaves a word is carried into the next one.
-    uint64_t carry = 0, leads_left = 0, leads = 0;
-    Near found_behind(behind, dy == 0 ? kNoWords : from, first);
-    for (int32_t k = first; k <= near.last || carry != 0; found_behind.advance(++k)) {
-      if (k > near.last) {
+    // To the right, what leaves a word is carried into the next one.
+    uint64_t carry = 0, leads_left = 0, leads_back = 0;
+    int32_t end = near.last + 1, count = 0, area = 0;
+    Near found_behind(behind, dy == 0 ? kNoVisit.words : from, near.first);
+    for (int32_t k = near.first; k < end || carry != 0; found_behind.advance(++k)) {
+      if (k == end) {
         if (k == row_words_) break;
         ready(y, k);
-        last = k;
+        ++end;
       }
-      const uint64_t open = words[k].open;
-      uint64_t seeds = words[k].pending | (carry & open);
-      seeds |= arriving(y - dy, found_behind, k, dy, open & ~seeds);
+      const uint64_t open = words[k].open, pending = words[k].pending | (carry & open);
+      const uint64_t seeds = pending | arriving(y - dy, found_behind, k, dy, open & ~pending);
       carry = 0;
       words[k].found = 0;
       if (seeds == 0) continue;
+      const int32_t x = k * kFillWordPixels;
       const RowSteps steps = rule_.in_row(y, k);
       const uint64_t found = spread(steps, open, seeds);
-      words[k].found = found;
-      take(k, open, found);
+      area += take(words[k], open, found);
+      if constexpr (kLocal) paint_at(row + x, found, value, width - x);
+      ++count;
       carry = (found & steps.right) >> 63;
-      leads_left |= found & (k > first ? words[k - 1].open >> 63 : 1);
-      leads |= (diagonal ? found | found << 1 | found >> 1 : found) & behind[k].open;
+      leads_left |= found & (k > near.first ? words[k - 1].open >> 63 : 1);
+      leads_back |= next_to_open(behind, from, k, found);
     }
-    // And to the left.
-    carry = 0;
-    if ((leads_left & kFirstPixel) != 0)
-      for (int32_t k = last; k >= first || carry != 0; --k) {
-        if (k < first) {
-          if (k < 0) break;
-          ready(y, k);
-          words[k].found = 0;
-        }
-        const uint64_t open = words[k].open;
-        uint64_t seeds = carry << 63 & open;
-        if (seeds != 0) {
-          const RowSteps steps = rule_.in_row(y, k);
-          seeds &= steps.left;
-          const uint64_t found = spread(steps, open, seeds);
-          words[k].found |= found;
-          if (found != 0) take(k, open, found);
-          leads = ~uint64_t{0};
-        }
-        carry = words[k].found & kFirstPixel;
-      }
-    leads_back = leads != 0 || taken.first < from.first || taken.last > from.last || diagonal;
-    if (taken.count == 0) return taken;
-    state_.credit += int32_t(area) - (kLocal ? 0 : kEffort * taken.count);
-    state_.extent.area += area;
-    state_.extent.add_columns(
-        taken.first * kFillWordPixels + first_bit(words[taken.first].found),
-        taken.last * kFillWordPixels + last_bit(words[taken.last].found));
+    if (count == 0) return kNoVisit;
+    count_in(area, count);
+    WordRange range = {near.first, end - 1};
+    if ((leads_left & kFirstPixel) != 0 && take_left(y, range)) leads_back = 1;
+    while (words[range.first].found == 0) ++range.first;
+    while (words[range.last].found == 0) --range.last;
+    if (range.first < from.first || range.last > from.last) leads_back = 1;
+    state_.extent.add_columns(range.first * kFillWordPixels + first_bit(words[range.first].found),
+                              range.last * kFillWordPixels + last_bit(words[range.last].found));
     state_.extent.add_row(y);
-    return taken;
+    return {range, count, leads_back != 0};
+  }
+  // And to the left: what words of a row lead to in those before them. Whether that is anything.
+  NUQI_NOINLINE bool take_left(int32_t y, WordRange& range) {
+    FillWord* const words = row_words(y);
+    uint64_t carry = 0;
+    int32_t area = 0;
+    for (int32_t k = range.last; k >= range.first || carry != 0; --k) {
+      if (k < range.first) {
+        if (k < 0) break;
+        ready(y, k);
+        words[k].found = 0;
+        range.first = k;
+      }
+      const uint64_t open = words[k].open, before = words[k].found;
+      if ((carry << 63 & open) != 0 && rule_.joins((k + 1) * kFillWordPixels, y, -1, 0)) {
+        const uint64_t found = spread(rule_.in_row(y, k), open, kLastPixel);
+        area += take(words[k], open, found);
+        if constexpr (kLocal) paint(job_, y, k, found);
+        words[k].found |= before;
+      }
+      carry = words[k].found & kFirstPixel;
+    }
+    count_in(area, 0);
+    return area != 0;
+  }
+  // What visits find, and what they take.
+  NUQI_INLINE void count_in(int32_t area, int32_t visits) {
+    state_.extent.area += area;
+    state_.credit += area - (kLocal ? 0 : kEffort * visits);
+  }
+  // Of a word's open pixels these are found in a visit; how many there are.
+  NUQI_INLINE static int take(FillWord& word, uint64_t open, uint64_t found) {
+    word.open = open & ~found;
+    word.pending &= ~found;
+    word.found = found;
+    return count_bits(found);
   }
   // Leaves waiting what is reached in the row dy further on, where there is one, from words of row y.
   NUQI_NOINLINE void leave_row(int32_t y, const WordRange from, const int dy) {
@@ -333,7 +337,12 @@ class Search {
   // What has been found in a word of a visited row and in those beside it, word after word.
   struct Near {
     NUQI_INLINE Near(const FillWord* words, const WordRange& from, int32_t k)
-        : words(words), first(from.first), last(from.last), before(0), here(in(k)), next(in(k + 1)) {}
+        : words(words),
+          first(from.first),
+          last(from.last),
+          before(0),
+          here(in(k)),
+          next(in(k + 1)) {}
     NUQI_INLINE uint64_t in(int32_t k) const {
       return k >= first && k <= last ? words[k].found : 0;
     }
@@ -347,12 +356,22 @@ class Search {
     int32_t first, last;
     uint64_t before, here, next;
   };
+  // Whether, in bits of any places, pixels found in a word are next to open ones of the row behind, of which
+  // these words are ready.
+  NUQI_INLINE uint64_t next_to_open(const FillWord* behind, const WordRange& ready, int32_t k,
+                                    uint64_t found) const {
+    if constexpr (!diagonal) return found & behind[k].open;
+    uint64_t left = has_beside<-1>(k, found), right = has_beside<1>(k, found);
+    if (k > ready.first) left = found << 63 & behind[k - 1].open;
+    if (k < ready.last) right = found >> 63 & behind[k + 1].open;
+    return ((found | found << 1 | found >> 1) & behind[k].open) | left | right;
+  }
   // The words of the rows beside it that a row's words may lead to.
   NUQI_INLINE WordRange next_to(int32_t y, const WordRange& from) const {
     if (!diagonal) return from;
     const FillWord* const words = row_words(y);
     return {from.first - has_beside<-1>(from.first, words[from.first].found),
-            from.last + has_beside<1>(from.last, words[from.last].found), from.count};
+            from.last + has_beside<1>(from.last, words[from.last].found)};
   }
   // Whether the word's end pixel is found and has a word beside it.
   template <int dx>
@@ -364,7 +383,8 @@ class Search {
   NUQI_INLINE uint64_t arriving(int32_t y, const Near& found, int32_t k, int dy,
                                 uint64_t open) const {
     const uint64_t here = found.here, left = found.before >> 63, right = found.next << 63;
-    if constexpr (kLocal) return (diagonal ? here | here << 1 | here >> 1 | left | right : here) & open;
+    if constexpr (kLocal)
+      return (diagonal ? here | here << 1 | here >> 1 | left | right : here) & open;
     uint64_t reached = 0;
     if ((here & open) != 0) reached = here & rule_.steps(y, k, 0, dy);
     if constexpr (diagonal) {
