@@ -17,6 +17,19 @@ struct FillState {
   Extent extent;         // of what has been found
 };
 
+// The pixels that are reached span by span in the time of a word.
+template <bool diagonal, class Rule>
+constexpr int32_t effort() {
+  return diagonal && !Rule::kLocal ? 2 * Rule::kEffort : Rule::kEffort;
+}
+
+// Words do not gain more than they may lose again soon.
+template <bool diagonal, class Rule>
+NUQI_INLINE void limit_credit(FillState& state) {
+  constexpr int32_t most = 8 * effort<diagonal, Rule>();
+  if (state.credit > most) state.credit = most;
+}
+
 template <class T>
 NUQI_INLINE void start_row(const FillJob<T>& job, int32_t y, bool clears) {
   for (int64_t g = 0; g < job.row_groups; ++g) job.groups[y * job.row_groups + g] = {0, 0};
@@ -44,6 +57,11 @@ NUQI_INLINE void reach_row(const FillJob<T>& job, FillState& state, int32_t y) {
     start_row(job, ++state.bottom, (y + 1) % kFillBandRows == 0);
 }
 
+// Whether word k of a row, of which these are the groups, holds anything.
+NUQI_INLINE bool is_ready(const FillGroup* groups, int32_t k) {
+  return (groups[k / kFillGroupWords].ready >> k % kFillGroupWords & 1) != 0;
+}
+
 // Makes words of a row ready, those from `first` to `last`.
 template <class Rule, class T>
 NUQI_NOINLINE void prepare(const Rule& shared_rule, const FillJob<T>& job, FillState& state,
@@ -54,9 +72,8 @@ NUQI_NOINLINE void prepare(const Rule& shared_rule, const FillJob<T>& job, FillS
   FillWord* const words = job.words + y * job.row_words;
   for (int32_t k = first; k <= last; ++k) {
     FillGroup& group = groups[k / kFillGroupWords];
-    const uint64_t bit = uint64_t{1} << k % kFillGroupWords;
-    if ((group.ready & bit) != 0) continue;
-    group.ready |= bit;
+    if (is_ready(groups, k)) continue;
+    group.ready |= uint64_t{1} << k % kFillGroupWords;
     if constexpr (Rule::kLocal) state.credit -= Rule::kEffort;
     words[k] = {rule.matching(y, k), 0, 0};
   }
@@ -215,7 +232,7 @@ class WordField {
 
   NUQI_INLINE FillWord& word(int32_t y, int32_t k) const { return words_[y * row_words_ + k]; }
   NUQI_INLINE bool is_ready(int32_t y, int32_t k) const {
-    return (groups_[y * row_groups_ + k / kFillGroupWords].ready >> k % kFillGroupWords & 1) != 0;
+    return NUQI_ISA::is_ready(groups_ + y * row_groups_, k);
   }
   // Paints, where pixels are painted as they are found, and takes from the words that are ready.
   NUQI_INLINE void close(const Span& span) {
@@ -262,8 +279,8 @@ NUQI_NOINLINE FillPlace walk_from(const Rule& rule, const FillJob<T>& job, FillS
   WordField<Rule, T> field(rule, job, state);
   walk<diagonal>(field, field.take(from.x, from.y));
   // What winds in a narrow space is more for words of a local rule, which are compared but once.
-  const int32_t credit = state.credit + (Rule::kLocal ? field.turns() : field.turns() / 8);
-  state.credit = credit < 8 * Rule::kEffort ? credit : 8 * Rule::kEffort;
+  state.credit += Rule::kLocal ? field.turns() : field.turns() / 8;
+  limit_credit<diagonal, Rule>(state);
   state.extent = field.extent();
   return field.wide();
 }

@@ -3,7 +3,7 @@
 //
 // A rule knows the pixels as they were before the call. It gives
 //   matching(y, k)          the pixels of a word that may belong to the region
-//   in_row(y, k, open)      the steps within a word from pixel to pixel
+//   in_row(y, k)            the steps from pixel to pixel of a word
 //   steps(y, k, dx, dy)     the pixels of a word from which a step leads dx columns and dy rows further
 //   joins(x, y, dx, dy)     whether such a step leads on from one pixel
 //   kLocal                  whether every open pixel joins, wherever it is reached from
@@ -14,34 +14,12 @@
 // painted as they are found, under another one at the end, since steps compare pixels as they were.
 #pragma once
 
-#include "fill/fill_map.h"
+#include "fill/fill_rows.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Words of a row.
-struct WordRange {
-  int32_t first, last;
-};
-
-// What a visit has found in a row. No larger than two registers: copies through memory cost more than words.
-struct RowVisit {
-  WordRange words;
-  int32_t count;       // of those between, in which anything has been found
-  int32_t leads_back;  // whether it may lead to the row that the visit came from
-};
-constexpr RowVisit kNoVisit = {{0, -1}, 0, 0};
-
-// Regions that run on for so many words are swept by rows.
-constexpr int32_t kWide = 2;
-
 constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
-
-// The pixels that are reached span by span in the time of a word.
-template <bool diagonal, class Rule>
-constexpr int32_t effort() {
-  return diagonal && !Rule::kLocal ? 2 * Rule::kEffort : Rule::kEffort;
-}
 
 // Words wait while more of their pixels are reached, and one is visited at once. A visit takes all words of
 // the row that its region runs into on either side, and then looks at the rows next to it.
@@ -89,7 +67,7 @@ class Search {
           from = {place.k * kFillWordPixels + first_bit(pending), place.y};
           continue;
         }
-        if (state_.credit > kMostCredit) state_.credit = kMostCredit;
+        limit_credit<diagonal, Rule>(state_);
       }
       int32_t y = place.y;
       if constexpr (kLocal)
@@ -100,7 +78,8 @@ class Search {
 
  private:
   static constexpr int32_t kEffort = effort<diagonal, Rule>();
-  static constexpr int32_t kMostCredit = 8 * kEffort;
+  // Rows whose words go on for so many are swept. Narrower ones of a local rule are followed.
+  static constexpr int32_t kSwept = kLocal ? 2 : 0;
 
   NUQI_INLINE bool has_row(int32_t y) const { return uint32_t(y) < uint32_t(height_); }
   NUQI_INLINE FillWord* row_words(int32_t y) const { return words_ + y * row_words_; }
@@ -112,7 +91,7 @@ class Search {
     return (bits & ~groups_[y * row_groups_ + g].ready) == 0;
   }
   NUQI_INLINE bool is_ready(int32_t y, int32_t k) const {
-    return (groups_[y * row_groups_ + k / kFillGroupWords].ready >> k % kFillGroupWords & 1) != 0;
+    return NUQI_ISA::is_ready(groups_ + y * row_groups_, k);
   }
   // Whether to walk on from a word: where that spares words.
   NUQI_INLINE bool seems_thin(int32_t y, int32_t k) const {
@@ -223,7 +202,7 @@ class Search {
   NUQI_INLINE void visit(int32_t y, int32_t k) {
     const auto further = [&](const RowVisit& row, int dy) NUQI_FORCED {
       const int32_t between = row.words.last - row.words.first;
-      const bool goes_on = between >= kWide && between <= 4 * row.count && state_.credit >= 0;
+      const bool goes_on = between >= kSwept && between <= 4 * row.count && state_.credit >= 0;
       return goes_on && has_row(y + dy) ? take_row(y + dy, row.words, dy) : kNoVisit;
     };
     RowVisit row = take_row(y, {k, k}, 0);
@@ -254,7 +233,7 @@ class Search {
     // To the right, what leaves a word is carried into the next one.
     uint64_t carry = 0, leads_left = 0, leads_back = 0;
     int32_t end = near.last + 1, count = 0, area = 0;
-    Near found_behind(behind, dy == 0 ? kNoVisit.words : from, near.first);
+    FoundNear<diagonal> found_behind(behind, dy == 0 ? kNoVisit.words : from, near.first);
     for (int32_t k = near.first; k < end || carry != 0; found_behind.advance(++k)) {
       if (k == end) {
         if (k == row_words_) break;
@@ -330,32 +309,10 @@ class Search {
     const WordRange near = next_to(y, from);
     ready(y + dy, near.first, near.last);
     const FillWord* const there = row_words(y + dy);
-    Near found(row_words(y), from, near.first);
+    FoundNear<diagonal> found(row_words(y), from, near.first);
     for (int32_t k = near.first; k <= near.last; ++k, found.advance(k))
       offer(y + dy, k, arriving(y, found, k, dy, there[k].open & ~there[k].pending));
   }
-  // What has been found in a word of a visited row and in those beside it, word after word.
-  struct Near {
-    NUQI_INLINE Near(const FillWord* words, const WordRange& from, int32_t k)
-        : words(words),
-          first(from.first),
-          last(from.last),
-          before(0),
-          here(in(k)),
-          next(in(k + 1)) {}
-    NUQI_INLINE uint64_t in(int32_t k) const {
-      return k >= first && k <= last ? words[k].found : 0;
-    }
-    NUQI_INLINE void advance(int32_t k) {
-      if constexpr (diagonal)
-        before = here, here = next, next = in(k + 1);
-      else
-        here = in(k);
-    }
-    const FillWord* words;
-    int32_t first, last;
-    uint64_t before, here, next;
-  };
   // Whether, in bits of any places, pixels found in a word are next to open ones of the row behind, of which
   // these words are ready.
   NUQI_INLINE uint64_t next_to_open(const FillWord* behind, const WordRange& ready, int32_t k,
@@ -380,7 +337,7 @@ class Search {
            (dx < 0 ? k > 0 : k + 1 < row_words_);
   }
   // Of some open pixels of word k of the row dy further on, those that are reached from row y.
-  NUQI_INLINE uint64_t arriving(int32_t y, const Near& found, int32_t k, int dy,
+  NUQI_INLINE uint64_t arriving(int32_t y, const FoundNear<diagonal>& found, int32_t k, int dy,
                                 uint64_t open) const {
     const uint64_t here = found.here, left = found.before >> 63, right = found.next << 63;
     if constexpr (kLocal)
