@@ -106,7 +106,7 @@ class Gradient {
  private:
   NUQI_INLINE uint64_t word(const T* p, const T* q, int32_t rest) const {
     if (rest < kFillWordPixels) return first(p, q, rest);
-    if constexpr (sizeof(T) > 1) return whole(p, q);
+    if constexpr (sizeof(T) > 1 || kRegBytes < 32) return whole(p, q);  // long code
     return joins_.word(p, q, Whole{});
   }
   NUQI_NOINLINE uint64_t whole(const T* p, const T* q) const { return joins_.word(p, q, Whole{}); }
