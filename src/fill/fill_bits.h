@@ -23,16 +23,17 @@ NUQI_INLINE int count_bits(uint64_t bits) {
 #endif
 }
 
-// Steps within a word: bit i of `right` leads from pixel i to pixel i + 1, of `left` the other way.
+// Steps in a row: bit i of `right` leads from pixel i to pixel i + 1, of `left` the other way; the last
+// bits lead to and from the next word.
 struct RowSteps {
   uint64_t right, left;
 };
 
-// What they reach. To the right an addition's carry propagates along the steps; to the left each round
-// doubles the distance.
-NUQI_INLINE uint64_t spread(const RowSteps& steps, uint64_t seeds) {
-  const uint64_t right = steps.right;
-  uint64_t left = steps.left, found = ((right + (seeds & right)) ^ right) | seeds;
+// What they reach among open pixels of a word. To the right an addition's carry propagates along the
+// steps; to the left each round doubles the distance.
+NUQI_INLINE uint64_t spread(const RowSteps& steps, uint64_t open, uint64_t seeds) {
+  const uint64_t right = steps.right & open >> 1;
+  uint64_t left = steps.left & open, found = ((right + (seeds & right)) ^ right) | seeds;
   if ((found >> 1 & left & ~found) == 0) return found;
   for_each<6>([&](int i) NUQI_FORCED {
     const int distance = 1 << i;
@@ -67,13 +68,23 @@ NUQI_INLINE void paint(float* at, uint64_t pixels, float value, Part part) {
 }
 
 template <class T>
-NUQI_NOINLINE void paint_word(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
-  const int32_t x = k * kFillWordPixels, rest = job.roi.width - x;
-  T* const at = row_of(job.image, y) + x;
-  if (rest >= kFillWordPixels)
-    paint(at, pixels, job.value, Whole{});
+NUQI_NOINLINE void paint_first(T* at, uint64_t pixels, T value, int32_t rest) {
+  paint(at, pixels, value, First{rest});
+}
+// A word that begins at a pixel and may end with the row, `rest` pixels on.
+template <class T>
+NUQI_INLINE void paint_at(T* at, uint64_t pixels, T value, int32_t rest) {
+  if (rest < kFillWordPixels)
+    paint_first(at, pixels, value, rest);
+  else if (sizeof(T) > 1 && ~pixels == 0)
+    store(at, broadcast<T, kFillWordPixels>(value));
   else
-    paint(at, pixels, job.value, First{rest});
+    paint(at, pixels, value, Whole{});
+}
+template <class T>
+NUQI_NOINLINE void paint_word(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {
+  const int32_t x = k * kFillWordPixels;
+  paint_at(row_of(job.image, y) + x, pixels, job.value, job.roi.width - x);
 }
 template <class T>
 NUQI_INLINE void paint(const FillJob<T>& job, int32_t y, int32_t k, uint64_t pixels) {

@@ -17,6 +17,19 @@ struct FillState {
   Extent extent;         // of what has been found
 };
 
+// The pixels that are reached span by span in the time of a word.
+template <bool diagonal, class Rule>
+constexpr int32_t effort() {
+  return diagonal && !Rule::kLocal ? 2 * Rule::kEffort : Rule::kEffort;
+}
+
+// Words do not gain more than they may lose again soon.
+template <bool diagonal, class Rule>
+NUQI_INLINE void limit_credit(FillState& state) {
+  constexpr int32_t most = 8 * effort<diagonal, Rule>();
+  if (state.credit > most) state.credit = most;
+}
+
 template <class T>
 NUQI_INLINE void start_row(const FillJob<T>& job, int32_t y, bool clears) {
   for (int64_t g = 0; g < job.row_groups; ++g) job.groups[y * job.row_groups + g] = {0, 0};
@@ -44,18 +57,23 @@ NUQI_INLINE void reach_row(const FillJob<T>& job, FillState& state, int32_t y) {
     start_row(job, ++state.bottom, (y + 1) % kFillBandRows == 0);
 }
 
-// Makes words of a row ready, those from `first` to `end` - 1.
+// Whether word k of a row, of which these are the groups, holds anything.
+NUQI_INLINE bool is_ready(const FillGroup* groups, int32_t k) {
+  return (groups[k / kFillGroupWords].ready >> k % kFillGroupWords & 1) != 0;
+}
+
+// Makes words of a row ready, those from `first` to `last`.
 template <class Rule, class T>
-NUQI_NOINLINE void prepare(const Rule& rule, const FillJob<T>& job, FillState& state, int32_t y,
-                           int32_t first, int32_t end) {
+NUQI_NOINLINE void prepare(const Rule& shared_rule, const FillJob<T>& job, FillState& state,
+                           int32_t y, int32_t first, int32_t last) {
+  const Rule rule = shared_rule;  // a copy: see WordField
   reach_row(job, state, y);
   FillGroup* const groups = job.groups + y * job.row_groups;
   FillWord* const words = job.words + y * job.row_words;
-  for (int32_t k = first; k < end; ++k) {
+  for (int32_t k = first; k <= last; ++k) {
     FillGroup& group = groups[k / kFillGroupWords];
-    const uint64_t bit = uint64_t{1} << k % kFillGroupWords;
-    if ((group.ready & bit) != 0) continue;
-    group.ready |= bit;
+    if (is_ready(groups, k)) continue;
+    group.ready |= uint64_t{1} << k % kFillGroupWords;
     if constexpr (Rule::kLocal) state.credit -= Rule::kEffort;
     words[k] = {rule.matching(y, k), 0, 0};
   }
@@ -65,7 +83,7 @@ NUQI_NOINLINE void prepare(const Rule& rule, const FillJob<T>& job, FillState& s
 template <class Rule, class T>
 NUQI_NOINLINE bool reach(const Rule& rule, const FillJob<T>& job, FillState& state, PixelPoint at) {
   const int32_t k = at.x / kFillWordPixels;
-  prepare(rule, job, state, at.y, k, k + 1);
+  prepare(rule, job, state, at.y, k, k);
   FillWord& word = job.words[at.y * job.row_words + k];
   const bool waits = word.pending != 0;
   word.pending |= uint64_t{1} << at.x % kFillWordPixels;
@@ -162,7 +180,7 @@ class WordField {
   NUQI_INLINE bool open(int32_t x, int32_t y) {
     if constexpr (kLocal) return rule_.matches(x, y);
     const int32_t k = x / kFillWordPixels;
-    if (!is_ready(y, k)) prepare(shared_rule_, job_, state_, y, k, k + 1);
+    if (!is_ready(y, k)) prepare(shared_rule_, job_, state_, y, k, k);
     return (word(y, k).open >> x % kFillWordPixels & 1) != 0;
   }
   NUQI_INLINE bool joins(int32_t x, int32_t y, int dx, int dy) const {
@@ -214,7 +232,7 @@ class WordField {
 
   NUQI_INLINE FillWord& word(int32_t y, int32_t k) const { return words_[y * row_words_ + k]; }
   NUQI_INLINE bool is_ready(int32_t y, int32_t k) const {
-    return (groups_[y * row_groups_ + k / kFillGroupWords].ready >> k % kFillGroupWords & 1) != 0;
+    return NUQI_ISA::is_ready(groups_ + y * row_groups_, k);
   }
   // Paints, where pixels are painted as they are found, and takes from the words that are ready.
   NUQI_INLINE void close(const Span& span) {
@@ -230,7 +248,7 @@ class WordField {
   NUQI_INLINE void close(int32_t y, int32_t k, uint64_t pixels) {
     if (!is_ready(y, k)) {
       if constexpr (kLocal) return;
-      prepare(shared_rule_, job_, state_, y, k, k + 1);  // the seed's
+      prepare(shared_rule_, job_, state_, y, k, k);  // the seed's
     }
     FillWord& closed = word(y, k);
     closed.open &= ~pixels;
@@ -261,8 +279,8 @@ NUQI_NOINLINE FillPlace walk_from(const Rule& rule, const FillJob<T>& job, FillS
   WordField<Rule, T> field(rule, job, state);
   walk<diagonal>(field, field.take(from.x, from.y));
   // What winds in a narrow space is more for words of a local rule, which are compared but once.
-  const int32_t credit = state.credit + (Rule::kLocal ? field.turns() : field.turns() / 8);
-  state.credit = credit < 8 * Rule::kEffort ? credit : 8 * Rule::kEffort;
+  state.credit += Rule::kLocal ? field.turns() : field.turns() / 8;
+  limit_credit<diagonal, Rule>(state);
   state.extent = field.extent();
   return field.wide();
 }

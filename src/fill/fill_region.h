@@ -9,14 +9,20 @@ namespace {
 // Paints what has been found, of a rule that is not local.
 template <class Rule, class T>
 NUQI_INLINE void paint_found(const Rule& rule, const FillJob<T>& job, const Extent& extent) {
-  for (int32_t y = extent.top; y <= extent.bottom; ++y)
+  const Image<T> image = job.image;  // copies: see Search
+  const T value = job.value;
+  const int32_t width = job.roi.width;
+  for (int32_t y = extent.top; y <= extent.bottom; ++y) {
+    T* const row = row_of(image, y);
+    const FillWord* const words = job.words + y * job.row_words;
     for (int32_t g = 0; g < job.row_groups; ++g)
       for (uint64_t ready = job.groups[y * job.row_groups + g].ready; ready != 0;
            ready &= ready - 1) {
-        const int32_t k = g * kFillGroupWords + first_bit(ready);
-        const uint64_t found = rule.matching(y, k) & ~job.words[y * job.row_words + k].open;
-        if (found != 0) paint(job, y, k, found);
+        const int32_t k = g * kFillGroupWords + first_bit(ready), x = k * kFillWordPixels;
+        const uint64_t found = rule.matching(y, k) & ~words[k].open;
+        if (found != 0) paint_at(row + x, found, value, width - x);
       }
+  }
 }
 
 template <bool diagonal, class Rule, class T>

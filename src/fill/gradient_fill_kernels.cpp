@@ -86,27 +86,34 @@ class Gradient {
     const int32_t rest = width_ - k * kFillWordPixels;
     return rest >= kFillWordPixels ? ~uint64_t{0} : (uint64_t{1} << rest) - 1;
   }
-  NUQI_INLINE RowSteps in_row(int32_t y, int32_t k, uint64_t open) const {
-    const uint64_t right = steps(y, k, 1, 0);
-    // A step to the left is told by the pixel that it leads to.
-    const uint64_t left = joins_.symmetric() ? right : steps(y, k, -1, 0) >> 1;
-    return {right & open >> 1, left & open};
+  NUQI_INLINE RowSteps in_row(int32_t y, int32_t k) const {
+    const int32_t x = k * kFillWordPixels;
+    const T* const p = row_of(image_, y) + x;
+    const uint64_t right = word(p, p + 1, width_ - x - 1);
+    return {right, joins_.symmetric() ? right : word(p + 1, p, width_ - x - 1)};
   }
-  NUQI_NOINLINE uint64_t steps(int32_t y, int32_t k, int dx, int dy) const {
+  NUQI_INLINE uint64_t steps(int32_t y, int32_t k, int dx, int dy) const {
     // Of the first word, the first pixel has no neighbour on the left.
     const int skip = dx < 0 && k == 0;
-    const int32_t x = k * kFillWordPixels + skip, rest = width_ - x - (dx > 0);
+    const int32_t x = k * kFillWordPixels + skip;
     const T* const p = row_of(image_, y) + x;
-    const T* const q = row_of(image_, y + dy) + x + dx;
-    if (rest >= kFillWordPixels) return joins_.word(p, q, Whole{}) << skip;
-    if (rest == 0) return 0;
-    return joins_.word(p, q, First{rest}) << skip;
+    return word(p, row_of(image_, y + dy) + x + dx, width_ - x - (dx > 0)) << skip;
   }
   NUQI_INLINE bool joins(int32_t x, int32_t y, int dx, int dy) const {
     return joins_.one(row_of(image_, y) + x, row_of(image_, y + dy) + x + dx);
   }
 
  private:
+  NUQI_INLINE uint64_t word(const T* p, const T* q, int32_t rest) const {
+    if (rest < kFillWordPixels) return first(p, q, rest);
+    if constexpr (sizeof(T) > 1 || kRegBytes < 32) return whole(p, q);  // long code
+    return joins_.word(p, q, Whole{});
+  }
+  NUQI_NOINLINE uint64_t whole(const T* p, const T* q) const { return joins_.word(p, q, Whole{}); }
+  NUQI_NOINLINE uint64_t first(const T* p, const T* q, int32_t rest) const {
+    return rest == 0 ? 0 : joins_.word(p, q, First{rest});
+  }
+
   Image<T> image_;
   int32_t width_;
   Joins<T> joins_;

@@ -176,15 +176,28 @@ class NarrowField {
   // Not before all are found: steps are between the values as they were.
   NUQI_INLINE FillRegion region() const {
     if (!kLocal)
-      for (int32_t y = extent_.top; y <= extent_.bottom; ++y)
-        for (int32_t x = extent_.left; x <= extent_.right; ++x)
-          if (taken(x, y) != 0) store_one(row_of(job_.image, y) + x, job_.value);
+      for (int32_t y = extent_.top; y <= extent_.bottom; ++y) {
+        T* const row = row_of(job_.image, y);
+        for (int32_t x = extent_.left; x <= extent_.right; x += 8) {
+          const bool eight = x + 7 <= extent_.right;
+          if (eight && eight_taken(x, y) == 0) continue;
+          const int32_t last = eight ? x + 7 : extent_.right;
+          for (int32_t i = x; i <= last; ++i)
+            if (taken(i, y) != 0) store_one(row + i, job_.value);
+        }
+      }
     return extent_.region(job_.value);
   }
 
  private:
   NUQI_INLINE uint8_t& taken(int32_t x, int32_t y) const {
     return job_.buffer[int64_t{y} * job_.roi.width + x];
+  }
+
+  NUQI_INLINE uint64_t eight_taken(int32_t x, int32_t y) const {
+    uint64_t eight;
+    __builtin_memcpy(&eight, &taken(x, y), sizeof eight);
+    return eight;
   }
 
   const Rule rule_;  // a copy, and so one of the job: see Search

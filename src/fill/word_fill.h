@@ -3,7 +3,7 @@
 //
 // A rule knows the pixels as they were before the call. It gives
 //   matching(y, k)          the pixels of a word that may belong to the region
-//   in_row(y, k, open)      the steps within a word from pixel to pixel
+//   in_row(y, k)            the steps from pixel to pixel of a word
 //   steps(y, k, dx, dy)     the pixels of a word from which a step leads dx columns and dy rows further
 //   joins(x, y, dx, dy)     whether such a step leads on from one pixel
 //   kLocal                  whether every open pixel joins, wherever it is reached from
@@ -14,25 +14,12 @@
 // painted as they are found, under another one at the end, since steps compare pixels as they were.
 #pragma once
 
-#include "fill/fill_map.h"
+#include "fill/fill_rows.h"
 
 namespace nuqi::NUQI_ISA {
 namespace {
 
-// Of words of a row: the first and last, and how many of those between count.
-struct WordRange {
-  int32_t first, last, count;
-};
-// Regions that run on for so many words are swept by rows.
-constexpr int32_t kWide = 2;
-
 constexpr uint64_t kFirstPixel = 1, kLastPixel = kFirstPixel << 63;
-
-// The pixels that are reached span by span in the time of a word.
-template <bool diagonal, class Rule>
-constexpr int32_t effort() {
-  return diagonal && !Rule::kLocal ? 2 * Rule::kEffort : Rule::kEffort;
-}
 
 // Words wait while more of their pixels are reached, and one is visited at once. A visit takes all words of
 // the row that its region runs into on either side, and then looks at the rows next to it.
@@ -80,7 +67,7 @@ class Search {
           from = {place.k * kFillWordPixels + first_bit(pending), place.y};
           continue;
         }
-        if (state_.credit > kMostCredit) state_.credit = kMostCredit;
+        limit_credit<diagonal, Rule>(state_);
       }
       int32_t y = place.y;
       if constexpr (kLocal)
@@ -91,7 +78,8 @@ class Search {
 
  private:
   static constexpr int32_t kEffort = effort<diagonal, Rule>();
-  static constexpr int32_t kMostCredit = 8 * kEffort;
+  // Rows whose words go on for so many are swept. Narrower ones of a local rule are followed.
+  static constexpr int32_t kSwept = kLocal ? 2 : 0;
 
   NUQI_INLINE bool has_row(int32_t y) const { return uint32_t(y) < uint32_t(height_); }
   NUQI_INLINE FillWord* row_words(int32_t y) const { return words_ + y * row_words_; }
@@ -103,7 +91,7 @@ class Search {
     return (bits & ~groups_[y * row_groups_ + g].ready) == 0;
   }
   NUQI_INLINE bool is_ready(int32_t y, int32_t k) const {
-    return (groups_[y * row_groups_ + k / kFillGroupWords].ready >> k % kFillGroupWords & 1) != 0;
+    return NUQI_ISA::is_ready(groups_ + y * row_groups_, k);
   }
   // Whether to walk on from a word: where that spares words.
   NUQI_INLINE bool seems_thin(int32_t y, int32_t k) const {
@@ -113,10 +101,10 @@ class Search {
   // Before words of a row are looked at.
   NUQI_INLINE void ready(int32_t y, int32_t first, int32_t last) {
     if (all_ready(y, first, last)) return;
-    prepare(rule_, job_, state_, y, first, last + 1);
+    prepare(rule_, job_, state_, y, first, last);
   }
   NUQI_INLINE void ready(int32_t y, int32_t k) {
-    if (!is_ready(y, k)) prepare(rule_, job_, state_, y, k, k + 1);
+    if (!is_ready(y, k)) prepare(rule_, job_, state_, y, k, k);
   }
   NUQI_INLINE void offer(int32_t y, int32_t k, uint64_t pixels) {
     FillWord& word = row_words(y)[k];
@@ -153,8 +141,10 @@ class Search {
         break;
       }
       const uint64_t open = word.open;
-      const uint64_t found = spread(rule_.in_row(y, k, open), seeds);
-      if ((found & ends) != 0) {
+      const RowSteps steps = rule_.in_row(y, k);
+      const uint64_t found = spread(steps, open, seeds);
+      if ((found & ends) != 0 && ((has_beside<-1>(k, found) && leads_beside<-1>(y, k)) ||
+                                  (has_beside<1>(k, found) && leads_beside<1>(y, k)))) {
         word.pending = seeds;
         done = false;
         break;
@@ -196,168 +186,173 @@ class Search {
     return done;
   }
 
-  NUQI_INLINE void visit(int32_t y, int32_t k) {
-    FillWord* const words = row_words(y);
-    int32_t first = k, last = k;
-    take(words[k], y, k);
-    for (; crosses<1>(y, last); ++last) take(words[last + 1], y, last + 1, kFirstPixel);
-    for (; crosses<-1>(y, first); --first) take(words[first - 1], y, first - 1, kLastPixel);
-    state_.extent.add_columns(first * kFillWordPixels + first_bit(words[first].found),
-                              last * kFillWordPixels + last_bit(words[last].found));
-    state_.extent.add_row(y);
-    if constexpr (kLocal)
-      if (last - first >= kWide) return sweep(y, first, last);
-    for (int dy = -1; dy <= 1; dy += 2)
-      if (has_row(y + dy)) next_row(y, first, last, dy);
+  // Whether the region leads on from a word's end pixel, which is found, to the words beside it.
+  template <int dx>
+  NUQI_INLINE bool leads_beside(int32_t y, int32_t k) {
+    for (int32_t row = y - diagonal; row <= y + diagonal; ++row) {
+      if (!has_row(row)) continue;
+      ready(row, k + dx);
+      if ((row_words(row)[k + dx].open & (dx < 0 ? kLastPixel : kFirstPixel)) != 0) return true;
+    }
+    return false;
   }
 
-  // From words of a row that have been visited, through the rows above or below as long as many of their
-  // words are reached and words pay. The rows on the other side are left waiting.
-  NUQI_INLINE void sweep(int32_t y, int32_t first, int32_t last) {
+  // From a word up or down, as long as rows are wide, many of their words are reached, and words pay. What
+  // is reached in the rows on the other side is left waiting.
+  NUQI_INLINE void visit(int32_t y, int32_t k) {
+    const auto further = [&](const RowVisit& row, int dy) NUQI_FORCED {
+      const int32_t between = row.words.last - row.words.first;
+      const bool goes_on = between >= kSwept && between <= 4 * row.count && state_.credit >= 0;
+      return goes_on && has_row(y + dy) ? take_row(y + dy, row.words, dy) : kNoVisit;
+    };
+    RowVisit row = take_row(y, {k, k}, 0);
+    row.leads_back = true;
     int dy = -1;
-    for (bool started = false;;) {
-      const WordRange reached = reach(y, first, last, dy);
-      if (reached.count == 0 && !started && dy < 0) {
-        dy = 1;
-        continue;
-      }
-      started = true;
-      if (has_row(y - dy)) next_row(y, first, last, -dy);
-      if (reached.count == 0) return;
-      y += dy, first = reached.first, last = reached.last;
-      if (last - first > 4 * reached.count || state_.credit < 0) break;
-      take_range(y, first, last);
+    RowVisit next = further(row, dy);
+    if (next.count == 0) next = further(row, dy = 1);
+    while (next.count != 0) {
+      if (row.leads_back) leave_row(y, row.words, -dy);
+      y += dy, row = next;
+      next = further(row, dy);
     }
-    for (int32_t k = first; k <= last; ++k)
-      if (row_words(y)[k].pending != 0) leave_waiting(job_, state_, {y, k});
+    leave_row(y, row.words, -1);
+    leave_row(y, row.words, 1);
   }
-  // Makes pending what is reached from a row's words in the row dy further on.
-  NUQI_INLINE WordRange reach(int32_t y, int32_t first, int32_t last, int dy) {
-    if (!has_row(y + dy)) return {0, 0, 0};
-    const FillWord* const here = row_words(y);
-    FillWord* const words = row_words(y + dy);
-    const bool left = diagonal && has_beside<-1>(first, here[first].found);
-    const bool right = diagonal && has_beside<1>(last, here[last].found);
-    first -= left, last += right;
-    ready(y + dy, first, last);
-    WordRange reached = {last + 1, first - 1, 0};
-    for (int32_t k = first; k <= last; ++k) {
-      uint64_t near = 0;
-      if (k >= first + left && k <= last - right) near = here[k].found;
-      if constexpr (diagonal) {
-        near |= near << 1 | near >> 1;
-        if (k > first + left) near |= here[k - 1].found >> 63;
-        if (k < last - right) near |= here[k + 1].found << 63;
+
+  // Visits a row: words that are pending or reached from those of the row behind, `from`, which have just
+  // been visited; and words on either side into which the region leads. Without a row behind, where dy is 0,
+  // these are words of the row itself.
+  NUQI_NOINLINE RowVisit take_row(int32_t y, const WordRange from, const int dy) {
+    FillWord* const words = row_words(y);
+    const FillWord* const behind = row_words(y - dy);
+    const WordRange near = dy == 0 ? from : next_to(y - dy, from);
+    ready(y, near.first, near.last);
+    T* const row = row_of(job_.image, y);
+    const int32_t width = job_.roi.width;
+    const T value = job_.value;
+    // To the right, what leaves a word is carried into the next one.
+    uint64_t carry = 0, leads_left = 0, leads_back = 0;
+    int32_t end = near.last + 1, count = 0, area = 0;
+    FoundNear<diagonal> found_behind(behind, dy == 0 ? kNoVisit.words : from, near.first);
+    for (int32_t k = near.first; k < end || carry != 0; found_behind.advance(++k)) {
+      if (k == end) {
+        if (k == row_words_) break;
+        ready(y, k);
+        ++end;
       }
-      const uint64_t hit = near & words[k].open;
-      words[k].pending |= hit;
-      if (hit == 0) continue;
-      if (reached.count++ == 0) reached.first = k;
-      reached.last = k;
+      const uint64_t open = words[k].open, pending = words[k].pending | (carry & open);
+      const uint64_t seeds = pending | arriving(y - dy, found_behind, k, dy, open & ~pending);
+      carry = 0;
+      words[k].found = 0;
+      if (seeds == 0) continue;
+      const int32_t x = k * kFillWordPixels;
+      const RowSteps steps = rule_.in_row(y, k);
+      const uint64_t found = spread(steps, open, seeds);
+      area += take(words[k], open, found);
+      if constexpr (kLocal) paint_at(row + x, found, value, width - x);
+      ++count;
+      carry = (found & steps.right) >> 63;
+      leads_left |= found & (k > near.first ? words[k - 1].open >> 63 : 1);
+      leads_back |= next_to_open(behind, from, k, found);
     }
-    return reached;
+    if (count == 0) return kNoVisit;
+    count_in(area, count);
+    WordRange range = {near.first, end - 1};
+    if ((leads_left & kFirstPixel) != 0 && take_left(y, range)) leads_back = 1;
+    while (words[range.first].found == 0) ++range.first;
+    while (words[range.last].found == 0) --range.last;
+    if (range.first < from.first || range.last > from.last) leads_back = 1;
+    state_.extent.add_columns(range.first * kFillWordPixels + first_bit(words[range.first].found),
+                              range.last * kFillWordPixels + last_bit(words[range.last].found));
+    state_.extent.add_row(y);
+    return {range, count, leads_back != 0};
   }
-  // A visit of many words of a row; the region may lead on beyond them.
-  NUQI_INLINE void take_range(int32_t y, int32_t& first, int32_t& last) {
+  // And to the left: what words of a row lead to in those before them. Whether that is anything.
+  NUQI_NOINLINE bool take_left(int32_t y, WordRange& range) {
     FillWord* const words = row_words(y);
     uint64_t carry = 0;
-    for (int32_t k = first;; ++k) {
-      if (k > last) {
-        if (carry == 0 || k == row_words_) break;
+    int32_t area = 0;
+    for (int32_t k = range.last; k >= range.first || carry != 0; --k) {
+      if (k < range.first) {
+        if (k < 0) break;
         ready(y, k);
-        if ((words[k].open & kFirstPixel) == 0) break;
-        last = k;
-      }
-      const uint64_t open = words[k].open, seeds = words[k].pending | (carry & open);
-      words[k].found = (((open + seeds) ^ open) | seeds) & open;
-      carry = words[k].found >> 63;
-    }
-    carry = 0;
-    for (int32_t k = last;; --k) {
-      if (k < first) {
-        if (carry == 0 || k < 0) break;
-        ready(y, k);
-        if ((words[k].open & kLastPixel) == 0) break;
-        first = k;
         words[k].found = 0;
+        range.first = k;
       }
-      const uint64_t open = words[k].open, pending = words[k].pending;
-      const uint64_t found =
-          spread({open & open >> 1, open}, words[k].found | pending | (carry << 63 & open));
-      carry = found & 1;
-      words[k].open = open & ~found;
-      words[k].pending = 0;
-      words[k].found = found;
-      if (found == 0) continue;
-      const int count = count_bits(found);
-      state_.extent.area += count;
-      state_.credit += count;
-      state_.extent.add_columns(k * kFillWordPixels + first_bit(found),
-                                k * kFillWordPixels + last_bit(found));
-      paint(job_, y, k, found);
+      const uint64_t open = words[k].open, before = words[k].found;
+      if ((carry << 63 & open) != 0 && rule_.joins((k + 1) * kFillWordPixels, y, -1, 0)) {
+        const uint64_t found = spread(rule_.in_row(y, k), open, kLastPixel);
+        area += take(words[k], open, found);
+        if constexpr (kLocal) paint(job_, y, k, found);
+        words[k].found |= before;
+      }
+      carry = words[k].found & kFirstPixel;
     }
-    state_.extent.add_row(y);
+    count_in(area, 0);
+    return area != 0;
   }
-
-  // Finds what is reached within the word.
-  NUQI_INLINE void take(FillWord& word, int32_t y, int32_t k, uint64_t more = 0) {
-    const uint64_t open = word.open;
-    const uint64_t found = spread(rule_.in_row(y, k, open), word.pending | more);
+  // What visits find, and what they take.
+  NUQI_INLINE void count_in(int32_t area, int32_t visits) {
+    state_.extent.area += area;
+    state_.credit += area - (kLocal ? 0 : kEffort * visits);
+  }
+  // Of a word's open pixels these are found in a visit; how many there are.
+  NUQI_INLINE static int take(FillWord& word, uint64_t open, uint64_t found) {
     word.open = open & ~found;
-    word.pending = 0;
+    word.pending &= ~found;
     word.found = found;
-    const int count = count_bits(found);
-    state_.extent.area += count;
-    state_.credit += count - (kLocal ? 0 : kEffort);
-    if constexpr (kLocal) paint(job_, y, k, found);
+    return count_bits(found);
   }
-  // Whether the region goes on from the word's end pixel to the next word of the row.
-  template <int dx>
-  NUQI_INLINE bool crosses(int32_t y, int32_t k) {
-    if (!has_beside<dx>(k, row_words(y)[k].found)) return false;
-    ready(y, k + dx);
-    if ((row_words(y)[k + dx].open & (dx < 0 ? kLastPixel : kFirstPixel)) == 0) return false;
-    return rule_.joins(end_pixel<dx>(k), y, dx, 0);
+  // Leaves waiting what is reached in the row dy further on, where there is one, from words of row y.
+  NUQI_NOINLINE void leave_row(int32_t y, const WordRange from, const int dy) {
+    if (!has_row(y + dy)) return;
+    const WordRange near = next_to(y, from);
+    ready(y + dy, near.first, near.last);
+    const FillWord* const there = row_words(y + dy);
+    FoundNear<diagonal> found(row_words(y), from, near.first);
+    for (int32_t k = near.first; k <= near.last; ++k, found.advance(k))
+      offer(y + dy, k, arriving(y, found, k, dy, there[k].open & ~there[k].pending));
   }
-
+  // Whether, in bits of any places, pixels found in a word are next to open ones of the row behind, of which
+  // these words are ready.
+  NUQI_INLINE uint64_t next_to_open(const FillWord* behind, const WordRange& ready, int32_t k,
+                                    uint64_t found) const {
+    if constexpr (!diagonal) return found & behind[k].open;
+    uint64_t left = has_beside<-1>(k, found), right = has_beside<1>(k, found);
+    if (k > ready.first) left = found << 63 & behind[k - 1].open;
+    if (k < ready.last) right = found >> 63 & behind[k + 1].open;
+    return ((found | found << 1 | found >> 1) & behind[k].open) | left | right;
+  }
+  // The words of the rows beside it that a row's words may lead to.
+  NUQI_INLINE WordRange next_to(int32_t y, const WordRange& from) const {
+    if (!diagonal) return from;
+    const FillWord* const words = row_words(y);
+    return {from.first - has_beside<-1>(from.first, words[from.first].found),
+            from.last + has_beside<1>(from.last, words[from.last].found)};
+  }
   // Whether the word's end pixel is found and has a word beside it.
   template <int dx>
   NUQI_INLINE bool has_beside(int32_t k, uint64_t found) const {
     return (found & (dx < 0 ? kFirstPixel : kLastPixel)) != 0 &&
            (dx < 0 ? k > 0 : k + 1 < row_words_);
   }
-  template <int dx>
-  NUQI_INLINE static int32_t end_pixel(int32_t k) {
-    return k * kFillWordPixels + (dx < 0 ? 0 : kFillWordPixels - 1);
-  }
-
-  // Offers what is reached from a row's words to the row dy further on.
-  NUQI_INLINE void next_row(int32_t y, int32_t first, int32_t last, int dy) {
-    const FillWord* const words = row_words(y);
-    const FillWord* const there = row_words(y + dy);
-    const bool left = diagonal && has_beside<-1>(first, words[first].found);
-    const bool right = diagonal && has_beside<1>(last, words[last].found);
-    ready(y + dy, first - left, last + right);
-    for (int32_t k = first; k <= last; ++k) {
-      const uint64_t found = words[k].found;
-      const uint64_t near = diagonal ? found | found << 1 | found >> 1 : found;
-      if ((near & there[k].open) != 0) {
-        uint64_t reached = found & rule_.steps(y, k, 0, dy);
-        if constexpr (diagonal)
-          reached |=
-              (found & rule_.steps(y, k, 1, dy)) << 1 | (found & rule_.steps(y, k, -1, dy)) >> 1;
-        offer(y + dy, k, reached);
-      }
-      if constexpr (diagonal) {
-        corner<-1>(y, k, dy, found);
-        corner<1>(y, k, dy, found);
-      }
+  // Of some open pixels of word k of the row dy further on, those that are reached from row y.
+  NUQI_INLINE uint64_t arriving(int32_t y, const FoundNear<diagonal>& found, int32_t k, int dy,
+                                uint64_t open) const {
+    const uint64_t here = found.here, left = found.before >> 63, right = found.next << 63;
+    if constexpr (kLocal)
+      return (diagonal ? here | here << 1 | here >> 1 | left | right : here) & open;
+    uint64_t reached = 0;
+    if ((here & open) != 0) reached = here & rule_.steps(y, k, 0, dy);
+    if constexpr (diagonal) {
+      const uint64_t missing = open & ~reached;
+      const int32_t x = k * kFillWordPixels;
+      if (((here << 1 | here >> 1) & missing) != 0)
+        reached |= (here & rule_.steps(y, k, 1, dy)) << 1 | (here & rule_.steps(y, k, -1, dy)) >> 1;
+      if ((left & missing) != 0 && rule_.joins(x - 1, y, 1, dy)) reached |= left;
+      if ((right & missing) != 0 && rule_.joins(x + kFillWordPixels, y, -1, dy)) reached |= right;
     }
-  }
-  template <int dx>
-  NUQI_INLINE void corner(int32_t y, int32_t k, int dy, uint64_t found) {
-    if (has_beside<dx>(k, found) && rule_.joins(end_pixel<dx>(k), y, dx, dy))
-      offer(y + dy, k + dx, dx < 0 ? kLastPixel : kFirstPixel);
+    return reached & open;
   }
 
   const Rule& rule_;

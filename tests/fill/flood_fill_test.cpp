@@ -109,6 +109,44 @@ TEST_P(FloodFill, WideRegions) {
   });
 }
 
+// Wide rows, some of them walls: what leads on lies at the ends of words.
+TEST_P(FloodFill, WaysAtTheEndsOfWords) {
+  for_each_flood_fill([&]<class T>(const FillMember<T>& member) {
+    Random random(7);
+    BinaryPicture picture({330, 9}, 1);
+    FillFixture<T> fixture(member, Case{picture.roi}, painter_of<T>(picture));
+    for (int round = 0; round < 200; ++round) {
+      const int dense = random.between(1, 3);
+      for (int y = 0; y < picture.roi.height; ++y)
+        for (int x = 0, open = 1; x < picture.roi.width; ++x) {
+          if (x % 64 == 0)
+            open = y % 2 == 0 ? random.between(0, 7) != 0 : random.between(0, 9) == 0;
+          const bool end = (x + 1) % 64 < 2;
+          picture.at(x, y) = static_cast<uint8_t>(end ? random.between(0, 3) < dense : open);
+        }
+      picture.at(100, 4) = 1;
+      fixture.paint(painter_of<T>(picture));
+      fixture.expect_agreement({100, 4}, 99, 5, 3);
+      ASSERT_FALSE(testing::Test::HasFatalFailure()) << round;
+    }
+  });
+}
+
+// Rows are swept downwards past a pixel at a word's end that is reached from below alone, over a corner.
+TEST_P(FloodFill, BackOverTheCornerOfAWord) {
+  for_each_flood_fill([&]<class T>(const FillMember<T>& member) {
+    for (const int end : {127, 128}) {
+      BinaryPicture picture({330, 5}, 1);
+      for (int y = 1; y < 3; ++y)
+        for (int x = 124; x < 132; ++x) picture.at(x, y) = 0;
+      for (int x = 126; x < 130; ++x) picture.at(x, 3) = x / 64 != end / 64;
+      picture.at(end, 2) = 1;
+      FillFixture<T> fixture(member, Case{picture.roi}, painter_of<T>(picture));
+      fixture.expect_agreement({20, 0}, 99, 5, 3);
+    }
+  });
+}
+
 // The seed is the only pixel of its word, and is reached again from a wide row.
 TEST_P(FloodFill, SeedAloneInItsWord) {
   for_each_flood_fill([&]<class T>(const FillMember<T>& member) {
