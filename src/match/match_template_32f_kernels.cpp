@@ -66,10 +66,7 @@ NUQI_NOINLINE void sum_block(const MatchJob<float>& job, int64_t x, int64_t y,
       const auto w = L::load(src + c);
       for_each<R>([&](int k) NUQI_FORCED {
         if (!meets(k)) return;
-        if constexpr (N == 1 && R == 1)
-          sums[k] = add_term<differences>(sums[k], w, L::load(row_of(job.tpl, i - k) + c));
-        else
-          sums[k] = add_term<differences>(sums[k], w, L::all(job.tpl_doubles[(i - k) * width + c]));
+        sums[k] = add_term<differences>(sums[k], w, L::all(job.tpl_doubles[(i - k) * width + c]));
       });
     }
   };
@@ -115,15 +112,8 @@ template <Of of>
 class PatchSums {
  public:
   PatchSums(const MatchJob<float>& job, double* rows) : job_(job), rows_(rows) {
-    for (int64_t y = 0; y < source_height(); ++y) {
-      const float* const row = row_of(job.src, y);
-      double sum = 0;
-      for (int64_t c = 0; c < job.tpl_roi.width; ++c) {
-        const double pixel = load_one(row + c);
-        sum += of == Of::sums ? pixel : pixel * pixel;
-      }
-      rows_[y] = sum;
-    }
+    for (int64_t y = 0; y < source_height(); y += kRows)
+      sum_rows(y, rows_until(y, source_height()));
   }
 
   // The first row of the stretch of `columns` columns from x.
@@ -169,8 +159,22 @@ class PatchSums {
     for (int j = 0; j < columns_; j += 16) store(of_column_ + j, sum(j));
   }
 
-  // The sums of `count` source rows from y on under the template's columns, at each of the stretch's. Each row
-  // is a dependency chain: kRows of them run at once, the last one several times where there are fewer.
+  // Each row is a dependency chain: kRows of them run at once, the last one several times where there are fewer.
+
+  // Of `count` source rows from y on, under the template's columns at the first place.
+  NUQI_NOINLINE void sum_rows(int64_t y, int count) {
+    const float* rows[kRows];
+    double sums[kRows] = {};
+    for (int k = 0; k < kRows; ++k) rows[k] = row_of(job_.src, y + (k < count ? k : count - 1));
+    for (int64_t c = 0; c < job_.tpl_roi.width; ++c)
+      for_each<kRows>([&](int k) NUQI_FORCED {
+        const double pixel = load_one(rows[k] + c);
+        sums[k] += of == Of::sums ? pixel : pixel * pixel;
+      });
+    for (int k = 0; k < count; ++k) rows_[y + k] = sums[k];
+  }
+
+  // The same at each of the stretch's places.
   template <bool for_the_last_time>
   NUQI_NOINLINE void run(int64_t y, int count, Rows& to) {
     for (int k = 0; k < kRows; ++k) {
@@ -205,38 +209,59 @@ class PatchSums {
 
 // ---- The kernel
 
-// Lays out the template as doubles, unless few places would meet each.
-template <Measure m>
-TemplateTerms take_template(const MatchJob<float>& job) {
-  constexpr bool sums = m != Measure::sq_diff && m != Measure::corr;
-  const bool lays_out = job.dst_roi.width >= kFew || job.dst_roi.height > 1;
-  double sum = 0, energy = 0;
-  if (!lays_out && !sums) return {};
-  double* to = job.tpl_doubles;
+struct TemplateSums {
+  double sum, energy;
+};
+
+// Visits the template's pixels: use(t, y, c) in their order. Their sums, where a measure needs these.
+template <bool needs, class Use>
+NUQI_INLINE TemplateSums take_template(const MatchJob<float>& job, const Use& use) {
+  TemplateSums sums = {0, 0};
   for (int64_t y = 0; y < job.tpl_roi.height; ++y) {
     const float* const row = row_of(job.tpl, y);
     for (int64_t c = 0; c < job.tpl_roi.width; ++c) {
       const double t = load_one(row + c);
-      if constexpr (sums) {
-        sum += t;
-        energy += t * t;
+      if constexpr (needs) {
+        sums.sum += t;
+        sums.energy += t * t;
       }
-      if (lays_out) *to++ = t;
+      use(t, y, c);
     }
   }
-  return template_terms<m, true>(job.tpl_roi, sum, energy);
+  return sums;
+}
+// Lays it out as doubles.
+template <bool needs>
+NUQI_NOINLINE TemplateSums lay_out(const MatchJob<float>& job) {
+  double* to = job.tpl_doubles;
+  return take_template<needs>(job, [&](double t, int64_t, int64_t) NUQI_FORCED { *to++ = t; });
+}
+// The only place: its products run beside the template's sums, since each is one long dependency chain.
+template <bool needs, bool differences>
+NUQI_NOINLINE TemplateSums sum_only_place(const MatchJob<float>& job, Raw& raw) {
+  double sum = 0;
+  const TemplateSums sums =
+      take_template<needs>(job, [&](double t, int64_t y, int64_t c) NUQI_FORCED {
+        sum = add_term<differences>(sum, (double)load_one(row_of(job.src, y) + c), t);
+      });
+  raw.row(0)[0] = sum;
+  return sums;
 }
 
 template <Measure m>
 void match(const MatchJob<float>& job) {
   constexpr bool differences = m == Measure::sq_diff || m == Measure::sq_diff_normed;
+  constexpr bool needs = m != Measure::sq_diff && m != Measure::corr;
   using Sums = typename IfElse<needs_sums(m), PatchSums<Of::sums>, NoSums>::Type;
   using Energies = typename IfElse<needs_energies(m), PatchSums<Of::energies>, NoSums>::Type;
-  const TemplateTerms terms = take_template<m>(job);
   const int64_t width = job.dst_roi.width, height = job.dst_roi.height;
+  const bool only = width == 1 && height == 1;
+  Raw raw;
+  const TemplateSums tpl =
+      only ? sum_only_place<needs, differences>(job, raw) : lay_out<needs>(job);
+  const TemplateTerms terms = template_terms<m, true>(job.tpl_roi, tpl.sum, tpl.energy);
   Sums sums(job, job.row_sums);
   Energies energies(job, job.row_energies);
-  Raw raw;
   const int64_t rows = height >= kRows && job.tpl_roi.height >= kRows - 1 ? kRows
                        : height >= 2                                      ? 2
                                                                           : 1;
@@ -250,7 +275,7 @@ void match(const MatchJob<float>& job) {
         sum_rows<differences, kRows>(job, x, columns, base, raw);
       else if (rows == 2)
         sum_rows<differences, 2>(job, x, columns, base, raw);
-      else
+      else if (!only)
         sum_rows<differences, 1>(job, x, columns, base, raw);
       const int64_t next = start == 0 ? 1 : start;
       sums.prepare(next, base + rows);
