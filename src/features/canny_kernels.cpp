@@ -89,6 +89,7 @@ void suppress_row(const CannyJob& job, int32_t y, const Ring& ring) {
           select((sx ^ sy) < Cells{}, pair(above + 1, below - 1), pair(above - 1, below + 1));
       const Cells not_across = select(steep > bound, pair(above, below), diagonal);
       const Cells rival = select(dy > bound, not_across, pair(here - 1, here + 1));
+      // Deliberate: of two equal neighbours neither stays.
       const uint64_t stays = bits_below(rival, m), strong = bits_below(high, m);
       kept |= stays >> done << first % kCannyWordPixels;
       seeds |= (stays & strong) >> done << first % kCannyWordPixels;

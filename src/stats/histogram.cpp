@@ -83,6 +83,7 @@ StatusCode calc_hist(Image<const uint8_t> src, RoiSize roi, int32_t* hist, int32
   const int32_t bins = levelCount == 1 ? 1 : levelCount - 1;
   int from = levels[0];
   for (int32_t i = 0; i < bins; ++i) {
+    // Deliberate: the last of several levels, a byte, is exclusive, so that 255 is in no bin.
     const int to = levelCount == 1 ? 256 : levels[i + 1];
     set_integer(hist, i, from < to ? below[to] - below[from] : 0);
     from = to;
