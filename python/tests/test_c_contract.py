@@ -13,6 +13,7 @@ from hypothesis import given, settings
 from hypothesis import strategies as st
 from prototypes import HEADER, PROTOTYPES
 from test_c_agreement import Both
+from threads import refusal_of_two
 
 
 def image(height: int = 4, width: int = 5, dtype: type = np.uint8, channels: int = 0) -> np.ndarray:
@@ -205,23 +206,8 @@ class TestStates:
     def test_two_threads_cannot_use_one(self) -> None:
         source = np.zeros((3000, 3000), np.float32)
         state = nuqi.c.nuqiLaplaceInitAlloc(3000, 9, 7)
-        refused: list[str] = []
-
-        def work() -> None:
-            target = np.zeros_like(source)
-            for _ in range(20):
-                try:
-                    nuqi.c.nuqiLaplace_32f_C1R(source, target, state, 0)
-                except RuntimeError as error:
-                    refused.append(str(error))
-                    return
-
-        threads = [threading.Thread(target=work) for _ in range(2)]
-        for thread in threads:
-            thread.start()
-        for thread in threads:
-            thread.join()
-        assert refused and "another thread" in refused[0]
+        call = nuqi.c.nuqiLaplace_32f_C1R
+        assert "another thread" in refusal_of_two(lambda: call(source, np.zeros_like(source), state, 0))
 
 
 class TestErrors:

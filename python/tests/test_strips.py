@@ -2,7 +2,6 @@
 
 import io
 import re
-import threading
 from typing import Iterator
 
 import numpy as np
@@ -11,6 +10,7 @@ import pytest
 from hypothesis import given, settings
 from hypothesis import strategies as st
 from prototypes import ROOT
+from threads import refusal_of_two
 
 RNG = np.random.default_rng(3)
 IMAGE = RNG.integers(0, 256, (40, 9), np.uint8)
@@ -151,22 +151,7 @@ def test_a_refused_call_changes_nothing() -> None:
 def test_two_threads_cannot_feed_one() -> None:
     big = np.zeros((3000, 3000), np.float32)
     laplace = nuqi.Laplace(7)
-    refused: list[str] = []
-
-    def work() -> None:
-        for _ in range(20):
-            try:
-                laplace.feed(big)
-            except RuntimeError as error:
-                refused.append(str(error))
-                return
-
-    threads = [threading.Thread(target=work) for _ in range(2)]
-    for thread in threads:
-        thread.start()
-    for thread in threads:
-        thread.join()
-    assert refused and "another thread" in refused[0]
+    assert "another thread" in refusal_of_two(lambda: laplace.feed(big))
 
 
 def test_states_are_used_again() -> None:
