@@ -1,6 +1,7 @@
 """What calls fail with."""
 
 import enum
+import inspect
 
 
 class Status(enum.IntEnum):
@@ -8,6 +9,11 @@ class Status(enum.IntEnum):
     Name the statuses of nuqi.h.
 
     What `StatusError.status` is: compare it to tell why a call failed.
+
+    Parameters
+    ----------
+    value : int
+        The number of a status, as C functions return it.
 
     Attributes
     ----------
@@ -61,6 +67,11 @@ class Status(enum.IntEnum):
     BadContext = -9950
     BadCoi = -9985
     BadChannels = -9986
+
+
+# Enum's own signature is that of making further enumerations.
+_VALUE = inspect.Parameter("value", inspect.Parameter.POSITIONAL_ONLY)
+setattr(Status, "__signature__", inspect.Signature([_VALUE]))
 
 
 class StatusError(ValueError):

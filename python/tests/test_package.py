@@ -22,11 +22,6 @@ ELSEWHERE = {
     "morphology": "the class Morphology, which is a state",
     "end_state": "nobody calls it: objects end their states, and the package keeps those of its functions",
 }
-# Checks of numpydoc that cannot hold.
-UNTENABLE = {
-    ("Status", "PR01"): "the signature is that of Enum, by which nobody makes statuses",
-    ("c.FillRegion", "PR01"): "the signature is that of all struct sequences",
-}
 
 
 def test_the_table_of_names_is_covered() -> None:
@@ -39,8 +34,7 @@ def test_the_table_of_names_is_covered() -> None:
 
 
 def check_documentation(name: str, of: object) -> None:
-    faults = [fault for fault in validate(f"nuqi.{name}")["errors"] if (name, fault[0]) not in UNTENABLE]
-    assert not faults, name
+    assert not validate(f"nuqi.{name}")["errors"], name
     examples = doctest.DocTestParser().get_doctest(inspect.getdoc(of) or "", {"np": np, "nuqi": nuqi}, name, None, None)
     assert examples.examples, name
     assert doctest.DocTestRunner(verbose=False).run(examples).failed == 0

@@ -22,6 +22,11 @@ What a flood fill has painted.
 A tuple whose entries have names: the number of pixels, their new value, and the smallest rectangle around them, all 0
 where nothing was painted.
 
+Parameters
+----------
+iterable : sequence of 6 floats
+    The entries in their order: area, value, x, y, width and height.
+
 See Also
 --------
 nuqi.Region : What nuqi.flood_fill gives: rows and columns, and whole numbers.
